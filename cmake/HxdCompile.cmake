@@ -1,0 +1,31 @@
+# Warnings, hardening and sanitizers, the same for every target of the project.
+
+function(hxd_compile_options target)
+    target_compile_options(${target} PRIVATE
+        -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
+        -Woverloaded-virtual -Wcast-qual -Wformat=2 -Wnull-dereference)
+    if(HXD_WERROR)
+        target_compile_options(${target} PRIVATE -Werror)
+    endif()
+    target_compile_options(${target} PRIVATE -fstack-protector-strong)
+    if(HXD_SANITIZE)
+        target_compile_options(${target} PRIVATE
+            -fsanitize=${HXD_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all
+            -Wno-null-dereference)  # false alarms between the sanitizers' own checks
+        target_link_options(${target} PRIVATE -fsanitize=${HXD_SANITIZE})
+    elseif(NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
+        target_compile_options(${target} PRIVATE -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
+    endif()
+endfunction()
+
+# For the driver library: only what the map names is exported; the code stays mapped after a
+# dlclose, because threads and static objects may still need it.
+function(hxd_link_options target exports_map)
+    hxd_compile_options(${target})
+    target_link_options(${target} PRIVATE
+        -Wl,--version-script=${exports_map}
+        -Wl,-z,relro,-z,now,-z,noexecstack,-z,nodelete,-z,text)
+    if(NOT HXD_SANITIZE)
+        target_link_options(${target} PRIVATE -Wl,-z,defs)
+    endif()
+endfunction()

@@ -1,0 +1,15 @@
+# The panel has Qt 4.8, a PC has Qt 5; the sources build with either.
+set(HXD_QT 5 CACHE STRING "Major version of Qt to build with, 4 or 5")
+set_property(CACHE HXD_QT PROPERTY STRINGS 4 5)
+
+if(HXD_QT EQUAL 5)
+    find_package(Qt5 REQUIRED COMPONENTS Core Gui)
+    add_library(hxd::QtCore ALIAS Qt5::Core)
+    add_library(hxd::QtGui ALIAS Qt5::Gui)
+elseif(HXD_QT EQUAL 4)
+    find_package(Qt4 4.8 REQUIRED COMPONENTS QtCore QtGui)
+    add_library(hxd::QtCore ALIAS Qt4::QtCore)
+    add_library(hxd::QtGui ALIAS Qt4::QtGui)
+else()
+    message(FATAL_ERROR "HXD_QT must be 4 or 5, not '${HXD_QT}'")
+endif()
