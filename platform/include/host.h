@@ -34,7 +34,7 @@ public:
     virtual int SetParamDouble(const char* name, double value) = 0;
     virtual int SetParamString(const char* name, const std::string* value) = 0;
     virtual int GetChannelType(int channel, int* type) = 0;
-    virtual int ReservedSlot9() = 0;   // slots 9 to 11 are the host's; drivers never call them
+    virtual int ReservedSlot9() = 0;  // slots 9 to 11 are the host's; drivers never call them
     virtual int ReservedSlot10() = 0;
     virtual int ReservedSlot11() = 0;
     virtual int SetChannelInt(int channel, int value) = 0;

@@ -15,11 +15,11 @@ extern "C" {
 
 // One network interface. The layout is the library's.
 struct hal_network_t {
-    char name[32];         // zero-terminated, for example "eth0"
-    uint32_t address;      // IPv4, network byte order
-    uint32_t netmask;      // IPv4, network byte order
-    uint32_t gateway;      // IPv4, network byte order; the driver leaves it alone
-    uint8_t flags;         // two lowest bits: addressing mode, 0 or 1; the rest is the library's
+    char name[32];     // zero-terminated, for example "eth0"
+    uint32_t address;  // IPv4, network byte order
+    uint32_t netmask;  // IPv4, network byte order
+    uint32_t gateway;  // IPv4, network byte order; the driver leaves it alone
+    uint8_t flags;     // two lowest bits: addressing mode, 0 or 1; the rest is the library's
     uint8_t reserved[3];
     uint32_t mode1_param;  // set to 5000 by the driver when it switches the interface to mode 1
 };

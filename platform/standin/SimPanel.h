@@ -53,28 +53,28 @@ struct LogLine {
 
 // What a platform function does instead of its work.
 struct Failure {
-    int result = -1;        // returned; functions that return text return ""
-    int times = -1;         // calls that fail before the function works again; -1: all
-    unsigned delayMs = 0;   // waited (real time) before returning
-    bool fails = true;      // false: only slow
+    int result = -1;       // returned; functions that return text return ""
+    int times = -1;        // calls that fail before the function works again; -1: all
+    unsigned delayMs = 0;  // waited (real time) before returning
+    bool fails = true;     // false: only slow
 };
 
 struct PanelState {
     PanelState();  // a plausible panel with two ports
 
     std::string serialNumber;
-    int brightness;            // per cent; -19: no brightness control
+    int brightness;  // per cent; -19: no brightness control
     bool lightOn;
     std::vector<Interface> interfaces;
     Uart uarts[4];
     std::map<int, std::string> directories;  // kind -> path, for Olma_GetDirectory
-    bool storageMounted;                     // what Olma_Check_Mount_Path answers (non-zero if true)
+    bool storageMounted;       // what Olma_Check_Mount_Path answers (non-zero if true)
     std::string settingsFile;  // what the GUI reloads its settings from; empty: directory 1's file
 
     // What the panel was told to do, oldest first; the newest 1,000 of each are kept.
     std::deque<Beep> beeps;
     std::deque<Capture> captures;
-    std::deque<std::string> guiCalls;        // "__gui_get_buzzing_time(1)", ...
+    std::deque<std::string> guiCalls;  // "__gui_get_buzzing_time(1)", ...
     std::deque<hal_network_t> appliedRecords;
     std::deque<std::tm> rtcSettings;
     std::deque<LogLine> log;
