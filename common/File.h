@@ -1,0 +1,44 @@
+// An open file descriptor with its owner.
+#ifndef HXD_FILE_H
+#define HXD_FILE_H
+
+#include <string>
+
+namespace HXDCTRL {
+
+// Owns one descriptor (-1: closed); the destructor closes it. Not for two threads at once.
+class File {
+public:
+    File() = default;
+    explicit File(int descriptor) : m_nFd(descriptor) {}  // takes ownership
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+    ~File();
+
+    // Closes what is open, then opens path with flags as open(2); close-on-exec is always added. A
+    // file made by O_CREAT gets mode 0777 before the umask, because other processes of the panel
+    // under other accounts open it as well. False and LastError() on failure.
+    bool open(const std::string& path, int flags);
+    void close();
+
+    // True only for a regular file.
+    static bool is_file_exist(const std::string& path);
+
+    bool seek(unsigned offset);  // from the start; false and LastError() on failure
+
+    // Everything from the start of the file, whatever the current position. After a read error:
+    // what was read so far, the position as it was before, and LastError().
+    std::string readAll();
+
+    bool IsOpen() const { return m_nFd >= 0; }
+    int Descriptor() const { return m_nFd; }
+    int LastError() const { return m_nErrno; }  // an errno value; 0: no error yet
+
+private:
+    int m_nFd = -1;
+    int m_nErrno = 0;
+};
+
+}  // namespace HXDCTRL
+
+#endif

@@ -1,0 +1,30 @@
+#include "common/FileLock.h"
+
+#include "common/Retry.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+
+namespace HXDCTRL {
+
+FileLock::FileLock() : m_pFile(new File) {}
+
+bool FileLock::open(const std::string& path) {
+    // O_NONBLOCK: opening must not wait for the other end of a pipe that somebody put there.
+    const int flags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK;
+    // An existing file is opened without O_CREAT, which the kernel refuses in /tmp for files of
+    // other accounts.
+    return m_pFile->open(path, flags) || m_pFile->open(path, flags | O_CREAT);
+}
+
+FileLocker::FileLocker(FileLock& lock) : m_lock(lock) {
+    if (m_lock.Descriptor() >= 0)
+        hxd::RetryInterrupted([this] { return ::flock(m_lock.Descriptor(), LOCK_EX); });
+}
+
+FileLocker::~FileLocker() {
+    if (m_lock.Descriptor() >= 0)
+        hxd::RetryInterrupted([this] { return ::flock(m_lock.Descriptor(), LOCK_UN); });
+}
+
+}  // namespace HXDCTRL

@@ -1,0 +1,45 @@
+// Advisory locks between processes, on lock files of their own.
+//
+// Order of life: a FileLock owns the open lock file; a FileLocker holds the exclusive lock while it
+// lives, so it must die before its FileLock. Lock files are never removed: a process that had one
+// open would otherwise lock a file that nobody else sees.
+#ifndef HXD_FILELOCK_H
+#define HXD_FILELOCK_H
+
+#include "common/File.h"
+
+#include <memory>
+#include <string>
+
+namespace HXDCTRL {
+
+class FileLock {
+public:
+    FileLock();
+
+    // Opens the lock file, making it if it is missing. A symbolic link is refused: lock files lie
+    // in a directory where anybody may create one.
+    bool open(const std::string& path);
+
+    int Descriptor() const { return m_pFile->Descriptor(); }
+
+private:
+    std::unique_ptr<File> m_pFile;
+};
+
+// Takes the exclusive lock on construction and waits for it as long as it takes; without an open
+// file it does nothing.
+class FileLocker {
+public:
+    explicit FileLocker(FileLock& lock);
+    FileLocker(const FileLocker&) = delete;
+    FileLocker& operator=(const FileLocker&) = delete;
+    ~FileLocker();
+
+private:
+    FileLock& m_lock;
+};
+
+}  // namespace HXDCTRL
+
+#endif

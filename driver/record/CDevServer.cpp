@@ -1,0 +1,133 @@
+#include "driver/record/CDevServer.h"
+
+#include "common/Numbers.h"
+
+namespace {
+
+// No parameter has this type; the host leaves it there when it does not know the name.
+constexpr DATATYPE TYPE_UNKNOWN = static_cast<DATATYPE>(-2);
+
+DATATYPE TypeOf(OLMA_DATA& record, const CString& name) {
+    DATATYPE type = TYPE_UNKNOWN;
+    if (record.m_pfnGetParamType != nullptr)
+        record.m_pfnGetParamType(record, name, type);
+    return type;
+}
+
+// The value of a parameter of a known type; the preset value when it cannot be read.
+template <class VALUE>
+VALUE Read(OLMA_DATA& record, const CString& name, DATATYPE type) {
+    VALUE value{};
+    if (record.m_pfnGetParamValue != nullptr)
+        record.m_pfnGetParamValue(record, name, type, &value);
+    return value;
+}
+
+template <class VALUE>
+int Write(OLMA_DATA& record, const CString& name, DATATYPE type, VALUE value) {
+    if (record.m_pfnSetParamValue != nullptr)
+        record.m_pfnSetParamValue(record, name, type, &value);
+    return 1;
+}
+
+}  // namespace
+
+int CDevServer::SvrGetParaValue(OLMA_DATA& record, CString name, int& out) {
+    out = 0;
+    switch (TypeOf(record, name)) {
+        case DATATYPE_DOUBLE:
+            out = hxd::RoundToInt(Read<double>(record, name, DATATYPE_DOUBLE));
+            return 1;
+        case DATATYPE_TEXT:
+            return 0;
+        case DATATYPE_INTEGER:
+            out = Read<int>(record, name, DATATYPE_INTEGER);
+            return 1;
+        default:
+            cstringToNumeric(name, "%d", &out);
+            return 1;
+    }
+}
+
+int CDevServer::SvrGetParaValue(OLMA_DATA& record, CString name, double& out) {
+    out = 0.0;
+    switch (TypeOf(record, name)) {
+        case DATATYPE_DOUBLE:
+            out = Read<double>(record, name, DATATYPE_DOUBLE);
+            return 1;
+        case DATATYPE_TEXT:
+            return 0;
+        case DATATYPE_INTEGER:
+            out = Read<int>(record, name, DATATYPE_INTEGER);
+            return 1;
+        default:
+            // Only this form trims; the integer form leaves blanks to the parser.
+            name.Trim();
+            if (!name.IsEmpty())
+                cstringToNumeric(name, "%lf", &out);
+            return 1;
+    }
+}
+
+int CDevServer::SvrGetParaValue(OLMA_DATA& record, CString name, CString& out) {
+    out = CString();
+    switch (TypeOf(record, name)) {
+        case DATATYPE_INTEGER:
+        case DATATYPE_DOUBLE:
+            return 0;
+        case DATATYPE_TEXT:
+            out = Read<CString>(record, name, DATATYPE_TEXT);
+            return 1;
+        default:
+            out = name;
+            return 1;
+    }
+}
+
+int CDevServer::SvrSetParaValue(OLMA_DATA& record, CString name, int value) {
+    switch (TypeOf(record, name)) {
+        case DATATYPE_INTEGER:
+            return Write(record, name, DATATYPE_INTEGER, value);
+        case DATATYPE_DOUBLE:
+            return Write(record, name, DATATYPE_DOUBLE, static_cast<double>(value));
+        default:
+            return 0;
+    }
+}
+
+int CDevServer::SvrSetParaValue(OLMA_DATA& record, CString name, CString value) {
+    if (TypeOf(record, name) != DATATYPE_TEXT)
+        return 0;
+    return Write(record, name, DATATYPE_TEXT, value);
+}
+
+double CDevServer::SvrStr2Double(CString text, int count) {
+    double value = 0.0;
+    if (count <= text.GetLength())
+        cstringToNumeric(text.Left(count), "%lf", &value);
+    return value;
+}
+
+int CDevServer::SvrGetCmdStr(const CString& text, const CString& separator, CString& left,
+                             CString& right) {
+    const int position = text.Find(separator);
+    if (position < 0)
+        return 0;
+    CString head = text.Left(position);
+    CString rest = text.Right(text.GetLength() - position - 1);
+    left = head.Trim();
+    right = rest.Trim();
+    return 1;
+}
+
+int CDevBas::splitString(const char* text, char separator, std::vector<FF::utils::String>& pieces) {
+    if (text == nullptr) {
+        pieces.push_back(FF::utils::String());
+        return 0;
+    }
+    const std::size_t first = pieces.size();
+    SplitCsvStr(text, separator, pieces);
+    for (std::size_t i = first; i < pieces.size(); ++i)
+        pieces[i].trim();
+    return 1;
+}
