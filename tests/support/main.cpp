@@ -12,7 +12,8 @@ int main(int argc, char** argv) {
     ::testing::InitGoogleTest(&argc, argv);
     const bool inside = access("/run/hxd-panel", F_OK) == 0;
     if (!inside && !::testing::GTEST_FLAG(list_tests)) {
-        std::fprintf(stderr, "%s runs in the sandbox only: hxdpanel/in-panel %s\n", argv[0], argv[0]);
+        std::fprintf(stderr, "%s runs in the sandbox only: hxdpanel/in-panel %s\n", argv[0],
+                     argv[0]);
         return 1;
     }
     QCoreApplication application(argc, argv);
