@@ -1,0 +1,87 @@
+// The sandbox seen by the driver's process: what it may do, what only looks done, what is refused.
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/reboot.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <ctime>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+namespace {
+
+std::string readFile(const std::string& path) {
+    std::ifstream file(path);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+bool canWrite(const std::string& path, int flags) {
+    const int fd = open(path.c_str(), O_WRONLY | O_CLOEXEC | flags, 0644);
+    if (fd < 0) {
+        return false;
+    }
+    close(fd);
+    return true;
+}
+
+TEST(Sandbox, FoldersOfAPanelCanBeWritten) {
+    for (const char* folder : {"/etc", "/etc/iot_cfg", "/tmp", "/storage/log", "/storage/user_dir",
+                               "/media/usb0", "/usr/olma_app/config", "/sys", "/dev"}) {
+        EXPECT_TRUE(canWrite(std::string(folder) + "/probe", O_CREAT)) << folder;
+    }
+}
+
+TEST(Sandbox, TheMachineIsReadOnly) {
+    EXPECT_FALSE(canWrite("/usr/bin/probe", O_CREAT));
+    EXPECT_FALSE(canWrite(HXD_SOURCE_DIR "/probe", O_CREAT));
+    EXPECT_FALSE(canWrite("/proc/sys/vm/swappiness", 0));
+    EXPECT_TRUE(canWrite("/proc/sys/net/ipv4/icmp_echo_ignore_all", 0));  // the panel's own network
+
+    timespec now = {};
+    ASSERT_EQ(0, clock_gettime(CLOCK_REALTIME, &now));
+    EXPECT_EQ(-1, clock_settime(CLOCK_REALTIME, &now));
+    EXPECT_EQ(EPERM, errno);
+    EXPECT_EQ(-1, mount("none", "/sys", "debugfs", 0, nullptr));
+    EXPECT_EQ(EPERM, errno);
+}
+
+TEST(Sandbox, CommandsAreRecordedAndCanBeReplaced) {
+    EXPECT_EQ(0, std::system("date -s '2031-05-06 07:08:09'"));
+    EXPECT_EQ(0, std::system("mount -t debugfs none /sys/kernel/debug"));
+    ASSERT_EQ(0, mkdir("/run/shims", 0755));
+    std::ofstream("/run/shims/ping") << "test \"$2\" = \"it's here\" && exit 3\n";
+    const int status = std::system("ping -c \"it's here\" ''");
+    EXPECT_EQ(3, WEXITSTATUS(status));
+    EXPECT_EQ(
+        "date\t-s '2031-05-06 07:08:09'\n"
+        "mount\t-t debugfs none /sys/kernel/debug\n"
+        "ping\t-c 'it'\\''s here' ''\n",
+        readFile("/run/panel-commands.log"));
+}
+
+// In a pid namespace of its own the call ends that namespace, as it would end the panel.
+TEST(Sandbox, ARebootEndsThePanelOnly) {
+    const long child = syscall(SYS_clone, SIGCHLD | CLONE_NEWUSER | CLONE_NEWPID, nullptr, nullptr,
+                               nullptr, nullptr);
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        reboot(RB_AUTOBOOT);
+        _exit(1);
+    }
+    int status = 0;
+    ASSERT_EQ(child, waitpid(static_cast<pid_t>(child), &status, 0));
+    EXPECT_TRUE(WIFSIGNALED(status));
+    EXPECT_EQ(SIGHUP, WTERMSIG(status));
+}
+
+}  // namespace
