@@ -19,6 +19,8 @@
 #include <string>
 #include <vector>
 
+#define SIM_API __attribute__((visibility("default")))
+
 namespace sim {
 
 struct Interface {
@@ -59,7 +61,7 @@ struct Failure {
     bool fails = true;     // false: only slow
 };
 
-struct PanelState {
+struct SIM_API PanelState {
     PanelState();  // a plausible panel with two ports
 
     std::string serialNumber;
@@ -86,7 +88,7 @@ struct PanelState {
     std::vector<std::pair<std::string, std::string>> screenRows;
 };
 
-class SimPanel {
+class SIM_API SimPanel {
 public:
     static SimPanel& instance();
 
@@ -106,6 +108,7 @@ public:
 
     // The clock behind Olma_GetTickCount and Olma_Sleep. While held it moves only by advance(),
     // and a sleeping thread wakes up when it has been moved past its time, or when it is let run.
+    // Advancing moves a running clock ahead as well.
     void holdClock();
     void advanceClock(long long milliseconds);
     void runClock(double speed = 1.0);  // 10.0: ten times as fast; also ends a hold
@@ -117,6 +120,7 @@ public:
 private:
     SimPanel();
     long long tickLocked() const;
+    void rebaseLocked(long long stepMs);
 
     mutable std::mutex m_lock;  // guards everything below
     PanelState m_state;

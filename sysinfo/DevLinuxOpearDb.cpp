@@ -1,0 +1,65 @@
+#include "sysinfo/DevLinuxOpearDb.h"
+
+#include "common/Numbers.h"
+
+namespace {
+
+constexpr DATATYPE TYPE_UNKNOWN = static_cast<DATATYPE>(-2);
+
+DATATYPE TypeOf(OLMA_DATA& data, const CString& name) {
+    DATATYPE type = TYPE_UNKNOWN;
+    data.m_pfnGetParamType(data, name, type);
+    return type;
+}
+
+void Set(OLMA_DATA& data, const CString& name, DATATYPE type, void* value) {
+    if (data.m_pfnSetParamValue != nullptr)
+        data.m_pfnSetParamValue(data, name, type, value);
+}
+
+CString HostText(const std::string& text) {
+    return CString(text.data(), static_cast<int>(text.size()));
+}
+
+}  // namespace
+
+int DevLinuxOpearDb::DevGetParaValue(OLMA_DATA& data, const std::string& name, int& value) const {
+    const CString hostName = HostText(name);
+    const DATATYPE type = data.m_pfnGetParamType != nullptr ? TypeOf(data, hostName) : TYPE_UNKNOWN;
+    if (type == DATATYPE_DOUBLE || type == DATATYPE_TEXT)
+        return -1;
+    if (type != DATATYPE_INTEGER)
+        value = hxd::ParseInt(name.c_str());
+    else if (data.m_pfnGetParamValue != nullptr)
+        data.m_pfnGetParamValue(data, hostName, type, &value);
+    return 0;
+}
+
+int DevLinuxOpearDb::DevSetParaValue(OLMA_DATA& data, const std::string& name, double value) const {
+    if (data.m_pfnGetParamType == nullptr)
+        return -1;
+    const CString hostName = HostText(name);
+    const DATATYPE type = TypeOf(data, hostName);
+    if (type == DATATYPE_INTEGER) {
+        int rounded = hxd::RoundToInt(value);
+        Set(data, hostName, type, &rounded);
+        return 0;
+    }
+    if (type == DATATYPE_DOUBLE) {
+        Set(data, hostName, type, &value);
+        return 0;
+    }
+    return -1;
+}
+
+int DevLinuxOpearDb::DevSetParaValue(OLMA_DATA& data, const std::string& name,
+                                     const std::string& value) const {
+    if (data.m_pfnGetParamType == nullptr)
+        return -1;
+    const CString hostName = HostText(name);
+    if (TypeOf(data, hostName) != DATATYPE_TEXT)
+        return -1;
+    CString text = HostText(value);
+    Set(data, hostName, DATATYPE_TEXT, &text);
+    return 0;
+}

@@ -1,0 +1,51 @@
+#include "sysinfo/DevLiunxMemUse.h"
+
+#include "common/File.h"
+#include "common/Numbers.h"
+#include "common/ResultCodes.h"
+#include "driver/record/DevContext.h"
+#include "sysinfo/MemInfo.h"
+#include "sysinfo/Trace.h"
+
+#include <fcntl.h>
+#include <cstdio>
+
+namespace {
+
+constexpr const char* MEMINFO_PATH = "/proc/meminfo";
+
+}  // namespace
+
+int DevLiunxMemUse::DevOpear(OLMA_DATA& data, std::vector<std::string>& args) {
+    HXDCTRL::File file;
+    if (!file.open(MEMINFO_PATH, O_RDONLY))
+        return RESULT_MALFORMED;
+    int availableKb = 0;
+    if (!meminfo::ParseAvailable(file.readAll(), availableKb) &&
+        DevCalcMemNoUseOld(availableKb) != 0)
+        return RESULT_MALFORMED;
+    if (args.empty())
+        return RESULT_DONE;
+    const int channel = hxd::ParseInt(args[0].c_str());
+    DEV_TRACE("CPUMem DevOpear begin", "Chl = %d", channel);
+    const double availableMib = availableKb / 1024;
+    if (data.m_pContext != nullptr)
+        data.m_pContext->m_dMemAvail = availableMib;
+    DEV_TRACE("CPUMem DevOpear end", "Chl = %d,Mem = %lf", channel, availableMib);
+    return RESULT_DONE;
+}
+
+int DevLiunxMemUse::DevCalcMemNoUseOld(int& freeKb) {
+    freeKb = -1;
+    FILE* const file = std::fopen(MEMINFO_PATH, "re");
+    if (file == nullptr)
+        return -1;
+    meminfo::OldEstimate estimate;
+    auto state = meminfo::OldEstimate::MORE;
+    char line[1024] = {};
+    while (state == meminfo::OldEstimate::MORE && std::fgets(line, sizeof line, file) != nullptr)
+        state = estimate.Feed(line);
+    std::fclose(file);
+    freeKb = estimate.FreeKb();
+    return state == meminfo::OldEstimate::COMPLETE ? 0 : -1;
+}

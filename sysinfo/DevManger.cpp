@@ -1,0 +1,132 @@
+#include "sysinfo/DevManger.h"
+
+#include "common/ResultCodes.h"
+#include "sysinfo/DevLiunxCpuUse.h"
+#include "sysinfo/DevLiunxMemUse.h"
+#include "sysinfo/LogReaders.h"
+#include "sysinfo/Trace.h"
+
+namespace {
+
+using Provider = std::unique_ptr<DevLiunxBase>;
+
+template <class PROVIDER>
+Provider Make() {
+    return Provider(new PROVIDER);
+}
+
+struct ProviderRow {
+    DEVSYSOPEAR operation;
+    Provider (*make)();
+};
+constexpr ProviderRow PROVIDERS[] = {
+    {SYS_OPEAR_CPU_USE, Make<DevLiunxCpuUse>},
+    {SYS_OPEAR_MEM_USE, Make<DevLiunxMemUse>},
+    {SYS_OPEAR_APP_LOG, Make<DevLiunxAppLog>},
+    {SYS_OPEAR_APP_EXECP_LOG, Make<DevLinuxAppExecpLog>},
+    {SYS_OPEAR_APP_DEAL_LOG, Make<DevLiunxAppDealLog>},
+    {SYS_OPEAR_SYS_EXECP_LOG, Make<DevLinuxSysExecpLog>},
+};
+
+Provider MakeProvider(DEVSYSOPEAR operation) {
+    for (const ProviderRow& row : PROVIDERS) {
+        if (row.operation == operation)
+            return row.make();
+    }
+    return Make<DevLiunxBase>();
+}
+
+// The operation of a command's name; log commands have one for each mode, in a row.
+struct OperationRow {
+    const char* name;
+    int operation;
+    int modes;  // 0: the command has no mode
+};
+constexpr OperationRow OPERATIONS[] = {
+    {"ReadAppLog", SYS_OPEAR_APP_LOG, 3},
+    {"ReadSysLog", SYS_OPEAR_SYS_EXECP_LOG, 1},
+    {"GetCpuUse", SYS_OPEAR_CPU_USE, 0},
+    {"GetMemUse", SYS_OPEAR_MEM_USE, 0},
+};
+
+constexpr int NO_OPERATION = -1;
+constexpr double STATUS_FAILED = 4.0;
+
+}  // namespace
+
+DevManger::DevManger() : m_pTools(new ToolsBase), m_pOpearDb(new DevLinuxOpearDb) {}
+
+DevManger::~DevManger() {
+    while (!m_providers.empty())
+        m_providers.erase(m_providers.begin());
+    m_pTools.reset();
+    m_pOpearDb.reset();
+}
+
+void DevManger::DevRegiter(DEVSYSOPEAR operation) {
+    if (m_providers.count(operation) == 0)
+        m_providers[operation] = MakeProvider(operation);
+}
+
+int DevManger::DevOpear(OLMA_DATA& data, std::string cmd) {
+    DEV_TRACE("DevOpear begin", "strCmd = %s", cmd.c_str());
+    int operation = NO_OPERATION;
+    if (!cmd.empty()) {
+        m_args.clear();
+        m_strName.clear();
+        if (m_pTools->ParaCmd(m_strName, m_args, cmd) != 0) {
+            DEV_TRACE("DevOpear end", "strCmd = %s error", cmd.c_str());
+            return RESULT_BAD_ARGUMENTS;
+        }
+        const int selected = SelectOperation(data, operation);
+        if (selected != RESULT_DONE)
+            return selected;
+    }
+    const auto provider = m_providers.find(static_cast<DEVSYSOPEAR>(operation));
+    int result = RESULT_DONE;
+    if (provider != m_providers.end()) {
+        // A copy: the host may send another command from within a parameter write.
+        std::vector<std::string> args = m_args;
+        result = provider->second->DevOpear(data, args);
+    }
+    DEV_TRACE("DevOpear end", "strCmd = %s", cmd.c_str());
+    return result;
+}
+
+int DevManger::SelectOperation(OLMA_DATA& data, int& operation) {
+    for (const OperationRow& row : OPERATIONS) {
+        if (m_strName != row.name)
+            continue;
+        if (row.modes > 0)
+            return SelectLog(data, row.operation, row.modes, operation);
+        operation = row.operation;
+        break;
+    }
+    return RESULT_DONE;
+}
+
+int DevManger::SelectLog(OLMA_DATA& data, int firstOperation, int modes, int& operation) {
+    const std::vector<std::string> args = m_args;
+    int mode = 0;
+    const int result = GetOpearMode(data, mode, args);
+    if (result != RESULT_DONE)
+        return result;
+    if (mode < 0 || mode >= modes) {
+        m_pOpearDb->DevSetParaValue(data, args[3], STATUS_FAILED);
+        return RESULT_REFUSED;
+    }
+    operation = firstOperation + mode;
+    return RESULT_DONE;
+}
+
+int DevManger::GetOpearMode(OLMA_DATA& data, int& mode, const std::vector<std::string>& args) {
+    if (args.size() != 4)
+        return RESULT_BAD_ARGUMENTS;
+    int value = 0;
+    if (m_pOpearDb->DevGetParaValue(data, args[0], value) != 0) {
+        m_pOpearDb->DevSetParaValue(data, args[3], STATUS_FAILED);
+        return RESULT_REFUSED;
+    }
+    mode = value;
+    return RESULT_DONE;
+}
