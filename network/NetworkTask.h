@@ -1,0 +1,61 @@
+// Background worker that switches the addressing mode of a network interface.
+#ifndef HXD_NETWORKTASK_H
+#define HXD_NETWORKTASK_H
+
+#include <QSemaphore>
+
+#include <atomic>
+#include <condition_variable>
+#include <cstdint>
+#include <mutex>
+#include <thread>
+
+// The worker thread alone talks to the platform; callers post one request at a time and wait for
+// its result. The device context owns the task; the destructor stops and joins the thread, waiting
+// for a request that the platform is working on.
+class NetworkTask {
+public:
+    enum State : std::int32_t {
+        STATE_NEVER_USED = 0,
+        STATE_EXECUTING = 1,  // a request is posted or being executed
+        STATE_IDLE = 2,
+    };
+
+    NetworkTask() = default;  // not started
+    NetworkTask(const NetworkTask&) = delete;
+    NetworkTask& operator=(const NetworkTask&) = delete;
+    // Waits also for a caller that is still inside Execute(); no new one may come meanwhile.
+    ~NetworkTask();
+
+    // Starts the thread unless it has been started already. std::system_error when the system
+    // refuses a thread; the task then stays not started.
+    void start();
+
+    // Any thread. After Execute() has returned, the task may still be executing for a moment.
+    State GetState() const { return m_eState; }
+
+    // Puts the interface (0 to count - 1) into the mode (0 or 1) and waits until that is done, as
+    // long as it takes. result: 0 = done, or the mode was set already; RESULT_NO_INTERFACE = the
+    // interface cannot be read; otherwise what the platform answered. False, with nothing done: the
+    // thread is not running, or another request is executing.
+    bool Execute(int index, int mode, int& result);
+
+private:
+    void Run();
+    void Serve();
+    bool AwaitRequest();
+    void Reply(std::int32_t result);
+
+    std::mutex m_lock;  // guards the request: state, index, mode; also running and awaited
+    std::condition_variable m_requestPosted;
+    std::thread m_thread;
+    QSemaphore m_reply{0};  // released once per request
+    bool m_bRunning = false;
+    std::atomic<State> m_eState{STATE_NEVER_USED};  // goes to idle without the lock
+    std::int32_t m_nIndex = 0;
+    std::int32_t m_nMode = 0;
+    std::int32_t m_nResult = 0;  // handed over by the semaphore
+    bool m_bAwaited = false;     // a caller is inside Execute()
+};
+
+#endif
