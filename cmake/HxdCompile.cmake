@@ -3,15 +3,14 @@
 function(hxd_compile_options target)
     target_compile_options(${target} PRIVATE
         -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
-        -Woverloaded-virtual -Wcast-qual -Wformat=2 -Wnull-dereference)
+        -Woverloaded-virtual -Wcast-qual -Wformat=2)
     if(HXD_WERROR)
         target_compile_options(${target} PRIVATE -Werror)
     endif()
     target_compile_options(${target} PRIVATE -fstack-protector-strong)
     if(HXD_SANITIZE)
         target_compile_options(${target} PRIVATE
-            -fsanitize=${HXD_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all
-            -Wno-null-dereference)  # false alarms between the sanitizers' own checks
+            -fsanitize=${HXD_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
         target_link_options(${target} PRIVATE -fsanitize=${HXD_SANITIZE})
     elseif(NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
         target_compile_options(${target} PRIVATE -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)

@@ -24,8 +24,8 @@ bool IsAvailableIPAddr(const char* text);
 bool IsAvailableMaskAddr(const char* text);
 
 // Replaces the IPv4 address (which 0) or the netmask (which 1) of an interface; any other number
-// applies the settings as they are. address must have passed the check above. False when the name
-// has 32 bytes or more, or the interface cannot be read or set.
+// applies the settings as they are. False when the name has 32 bytes or more, the interface cannot
+// be read or set, or address is not a dotted address with nothing but blanks after it.
 bool setLocalIp(QString& address, int which, QString& interfaceName);
 
 }  // namespace CDevBas

@@ -7,6 +7,8 @@
 #include "mfc/CArray.h"
 #include "mfc/CString.h"
 
+#include <atomic>
+
 class COwnerArchive;
 struct DEV_CONTEXT;
 struct OLMA_DATA;
@@ -40,7 +42,7 @@ struct OLMA_DATA {
 namespace CDevBas {
 // The host object of the most recent InitDevice of any device. Kept because the record's layout and
 // this pointer belong to the driver's interface; delivery uses the record's own m_pRtdb.
-extern IRtdb* m_pRtdb;
+extern std::atomic<IRtdb*> m_pRtdb;
 }  // namespace CDevBas
 
 #endif

@@ -1,0 +1,35 @@
+// The dispatcher of IO-control commands.
+#ifndef HXD_DISPATCHER_H
+#define HXD_DISPATCHER_H
+
+#include "driver/record/OlmaData.h"
+
+#include <mutex>
+#include <string>
+
+// Held for the whole of every command, so commands of all devices of the process take turns, long
+// ones included. Taken before any lock of a subsystem. Recursive: the host may send a command from
+// within its parameter callbacks, which must not block for ever.
+extern std::recursive_mutex g_halMutex;
+
+namespace olma_device {
+
+// Runs "NAME(ARGUMENTS)" and puts its status into values[0]: 0.0 for success, otherwise a positive
+// error number. Names are compared without regard to case and surrounding white space; names that
+// are not in the table go to the registry of system-information operations with the whole text.
+// Without both parentheses nothing runs, and the status is 0.0. Both arrays come back with 33
+// elements; an empty value array is left alone. Always 0.
+int SvrDevIOCtrl(OLMA_DATA& data, CString& cmd, CArray<double, double>& values,
+                 CStringArray& strings);
+
+}  // namespace olma_device
+
+namespace dispatcher {
+
+// The parts of a command text; false when a parenthesis is missing. NAME is trimmed and in upper
+// case. ARGS ends at the first ")" of the whole text, and is empty when that precedes the "(".
+bool SplitCommand(const CString& cmd, CString& name, CString& args);
+
+}  // namespace dispatcher
+
+#endif

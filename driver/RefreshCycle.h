@@ -1,0 +1,28 @@
+// The collection cycle's full reading of the panel's state.
+#ifndef HXD_REFRESHCYCLE_H
+#define HXD_REFRESHCYCLE_H
+
+#include "driver/record/OlmaData.h"
+#include "olma_hal.h"
+
+class QString;
+
+namespace CDevBas {
+
+// Reads every source into the two arrays, both indexed by channel number; channels beyond an
+// array's size are left out. A source that fails leaves its channels as they were, or shows the
+// sentinel that the channel reference names. Blocks while the storage manager measures (about 200
+// ms). Always 1. Runs on the host's collection thread.
+int refleshData(OLMA_DATA& data, CArray<double, double>& values, CStringArray& strings);
+
+}  // namespace CDevBas
+
+namespace refresh {
+
+// What the channels make of their sources.
+bool ParseSwitch(const QString& text, double& value);  // "0", "false", "1", "true"; else false
+double UartUsePercent(const hal_uart_info_t& info);
+
+}  // namespace refresh
+
+#endif

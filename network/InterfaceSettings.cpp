@@ -1,0 +1,125 @@
+#include "network/InterfaceSettings.h"
+
+#include "common/QtText.h"
+
+#include <arpa/inet.h>
+#include <string.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace {
+
+// More than any panel has; a platform that counts wrong must not keep us in a loop.
+constexpr unsigned int INTERFACE_LIMIT = 256;
+
+constexpr std::size_t MAC_BUFFER_BYTES = 20;
+
+CString AddressText(std::uint32_t address) {
+    char text[INET_ADDRSTRLEN] = {};
+    ::inet_ntop(AF_INET, &address, text, sizeof text);
+    return text;
+}
+
+// Reads an optional sign and decimal digits after blanks and steps over them. Numbers too large for
+// long become its limits, far outside every range asked for.
+bool ReadNumber(const char*& text, long lowest, long highest) {
+    char* end = nullptr;
+    const long number = std::strtol(text, &end, 10);
+    const bool found = end != text;
+    text = end;
+    return found && number >= lowest && number <= highest;
+}
+
+bool IsDottedQuad(const char* text, long firstLowest, long firstHighest) {
+    if (text == nullptr || !ReadNumber(text, firstLowest, firstHighest))
+        return false;
+    for (int i = 1; i < 4; ++i) {
+        if (*text++ != '.' || !ReadNumber(text, 0, 255))
+            return false;
+    }
+    return true;
+}
+
+bool CountInterfaces(unsigned int& count) {
+    count = 0;
+    if (hal_get_network_count(&count) != 0)
+        return false;
+    count = std::min(count, INTERFACE_LIMIT);
+    return true;
+}
+
+}  // namespace
+
+CString InterfaceName(const hal_network_t& record) {
+    return CString(record.name, static_cast<int>(::strnlen(record.name, sizeof record.name)));
+}
+
+std::vector<InterfaceAddress> ListInterfaceAddresses() {
+    std::vector<InterfaceAddress> list;
+    unsigned int count = 0;
+    if (!CountInterfaces(count))
+        return list;
+    for (unsigned int i = 0; i < count; ++i) {
+        hal_network_t record = {};
+        if (hal_get_network(i, &record) != 0)
+            break;
+        list.push_back({AddressText(record.address), AddressText(record.netmask)});
+    }
+    return list;
+}
+
+bool ReadMacAddress(const char* interfaceName, CString& mac) {
+    char text[MAC_BUFFER_BYTES] = {};
+    if (hal_get_mac_address(interfaceName, text) != 0)
+        return false;
+    mac = CString(text, static_cast<int>(::strnlen(text, sizeof text)));
+    mac.MakeUpper();
+    return true;
+}
+
+namespace CDevBas {
+
+bool getLocalcount_name(unsigned int& count, std::vector<QString>& names) {
+    unsigned int found = 0;
+    if (!CountInterfaces(found) || found == 0)
+        return false;
+    for (unsigned int i = 0; i < found; ++i) {
+        hal_network_t record = {};
+        hal_get_network(i, &record);  // one that cannot be read keeps its place in the list
+        names.push_back(hxd::FromHost(InterfaceName(record)));
+    }
+    count = found;
+    return true;
+}
+
+bool IsAvailableIPAddr(const char* text) {
+    return IsDottedQuad(text, 1, 223);
+}
+
+bool IsAvailableMaskAddr(const char* text) {
+    return IsDottedQuad(text, 192, 255);
+}
+
+bool setLocalIp(QString& address, int which, QString& interfaceName) {
+    const QByteArray name = hxd::ToHostBytes(interfaceName);
+    char buffer[sizeof hal_network_t::name] = {};
+    if (static_cast<std::size_t>(name.size()) >= sizeof buffer)
+        return false;
+    std::copy(name.constData(), name.constData() + name.size(), buffer);
+
+    hal_network_t record = {};
+    if (hal_get_network_byname(buffer, &record) != 0)
+        return false;
+    if (which == 0 || which == 1) {
+        // Numbers with a leading zero are octal here. A text that the check let pass in spite of
+        // what follows the fourth number is refused rather than applied as 255.255.255.255.
+        in_addr value = {};
+        if (::inet_aton(hxd::ToHostBytes(address).constData(), &value) == 0)
+            return false;
+        (which == 0 ? record.address : record.netmask) = value.s_addr;
+    }
+    return hal_set_ip_addr(&record) == 0;
+}
+
+}  // namespace CDevBas

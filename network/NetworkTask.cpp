@@ -1,0 +1,116 @@
+#include "network/NetworkTask.h"
+
+#include "common/ResultCodes.h"
+#include "olma_hal.h"
+
+#include <QtDebug>
+
+namespace {
+
+constexpr unsigned MODE_BITS = 0x3;
+constexpr std::uint32_t MODE1_PARAMETER = 5000;
+
+std::uint8_t WithMode(std::uint8_t flags, std::int32_t mode) {
+    return static_cast<std::uint8_t>((flags & ~MODE_BITS) |
+                                     (static_cast<unsigned>(mode) & MODE_BITS));
+}
+
+std::int32_t SwitchMode(std::int32_t index, std::int32_t mode) {
+    hal_network_t record = {};
+    if (hal_get_network(static_cast<unsigned int>(index), &record) != 0)
+        return RESULT_NO_INTERFACE;
+    if ((record.flags & MODE_BITS) == static_cast<unsigned>(mode)) {
+        qDebug("%s", "mode not change......");
+        return RESULT_DONE;
+    }
+    if (mode == 1)
+        record.mode1_param = MODE1_PARAMETER;
+    record.flags = WithMode(record.flags, mode);
+    return hal_set_ip_addr(&record);
+}
+
+}  // namespace
+
+NetworkTask::~NetworkTask() {
+    {
+        std::lock_guard<std::mutex> locker(m_lock);
+        m_bRunning = false;
+        m_requestPosted.notify_all();
+    }
+    if (m_thread.joinable())
+        m_thread.join();
+    {
+        std::unique_lock<std::mutex> locker(m_lock);
+        m_requestPosted.wait(locker, [this] { return !m_bAwaited; });
+    }
+    qDebug("%s", "task exit.....");
+}
+
+void NetworkTask::start() {
+    std::lock_guard<std::mutex> locker(m_lock);
+    if (m_thread.joinable())
+        return;
+    m_thread = std::thread(&NetworkTask::Run, this);  // waits for the lock before it looks
+    m_bRunning = true;
+}
+
+bool NetworkTask::Execute(int index, int mode, int& result) {
+    {
+        std::lock_guard<std::mutex> locker(m_lock);
+        if (!m_bRunning || m_bAwaited || m_eState == STATE_EXECUTING)
+            return false;
+        m_eState = STATE_EXECUTING;
+        m_nIndex = index;
+        m_nMode = mode;
+        m_bAwaited = true;
+        m_requestPosted.notify_all();
+    }
+    m_reply.acquire();
+    result = m_nResult;
+
+    std::lock_guard<std::mutex> locker(m_lock);
+    m_bAwaited = false;
+    m_requestPosted.notify_all();  // the destructor may be waiting for it
+    return true;
+}
+
+void NetworkTask::Run() {
+    try {
+        Serve();
+    } catch (...) {
+        // Out of memory while reporting, at the worst; the caller is answered below.
+    }
+    std::lock_guard<std::mutex> locker(m_lock);
+    m_bRunning = false;
+    if (m_eState == STATE_EXECUTING)
+        Reply(RESULT_NO_INTERFACE);
+}
+
+void NetworkTask::Serve() {
+    qDebug("%s", "task start.......");
+    while (AwaitRequest()) {
+        std::int32_t result = RESULT_NO_INTERFACE;
+        try {
+            result = SwitchMode(m_nIndex, m_nMode);
+        } catch (...) {
+            // A platform that throws has not done it.
+        }
+        Reply(result);
+    }
+}
+
+// False when the task is to end. The request stays as it is until it has been answered, so it is
+// read without the lock.
+bool NetworkTask::AwaitRequest() {
+    std::unique_lock<std::mutex> locker(m_lock);
+    m_requestPosted.wait(locker, [this] { return m_eState == STATE_EXECUTING || !m_bRunning; });
+    return m_bRunning;
+}
+
+// In this order, and without the lock: a command that follows at once may find the state still
+// executing and is then refused, which scripts know and repeat.
+void NetworkTask::Reply(std::int32_t result) {
+    m_nResult = result;
+    m_reply.release();
+    m_eState = STATE_IDLE;
+}

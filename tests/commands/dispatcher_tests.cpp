@@ -1,0 +1,322 @@
+#include "Record.h"
+#include "commands/ChannelWrite.h"
+#include "commands/Dispatcher.h"
+#include "commands/PanelActions.h"
+#include "common/AppSettings.h"
+#include "common/IniOperator.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <QImage>
+#include <thread>
+
+namespace {
+
+using Names = std::vector<std::string>;
+
+class Dispatch : public RecordTest {
+protected:
+    double Run(const std::string& text) {
+        CString cmd(text.data(), static_cast<int>(text.size()));
+        record.m_arrValue[0] = -99;
+        EXPECT_EQ(olma_device::SvrDevIOCtrl(record, cmd, record.m_arrValue, record.m_arrStrValue),
+                  0);
+        return record.m_arrValue[0];
+    }
+};
+
+class ChannelWrites : public Dispatch {
+protected:
+    double Write(int channel, const std::string& value) {
+        return Run("OLMA_WRITE(" + std::to_string(channel) + "=" + value + ")");
+    }
+    static std::string Stored(const char* key) {
+        QString value;
+        hxd::AppSettings().Read(key, value);
+        return value.toStdString();
+    }
+    static Names GuiCalls() {
+        const auto calls = Panel().guiCalls;
+        return Names(calls.begin(), calls.end());
+    }
+};
+
+class Screenshots : public Dispatch {
+protected:
+    double Save(const std::string& path, const std::string& region = "") {
+        host.texts["path"] = path;
+        return Run("SAVESCREEN(path" + region + ")");
+    }
+    static QImage Saved(const char* path) { return QImage(QString::fromLatin1(path)); }
+};
+
+bool Exists(const char* path) {
+    return ::access(path, F_OK) == 0;
+}
+
+}  // namespace
+
+TEST(CommandText, IsSplitAtTheFirstOfEachParenthesis) {
+    const struct {
+        const char* text;
+        bool found;
+        const char* name;
+        const char* args;
+    } cases[] = {
+        {"  savescreen (a, b) ", true, "SAVESCREEN", "a, b"},
+        {"F(a(b)c)", true, "F", "a(b"},
+        {"F)x(a)", true, "F)X", ""},  // the first ")" precedes the "("
+        {")(", true, ")", ""},
+        {"F(a", false, "", ""},
+        {"F a)", false, "", ""},
+        {"", false, "", ""},
+    };
+    for (const auto& c : cases) {
+        CString name, args;
+        EXPECT_EQ(dispatcher::SplitCommand(c.text, name, args), c.found) << c.text;
+        EXPECT_STREQ(name, c.name);
+        EXPECT_STREQ(args, c.args);
+    }
+}
+
+TEST_F(Dispatch, SizesTheArraysAndLeavesEmptyOnesAlone) {
+    record.m_arrValue.SetSize(1);
+    record.m_arrStrValue.SetSize(41);
+    EXPECT_EQ(Run("nothing"), 0.0);
+    EXPECT_EQ(record.m_arrValue.GetSize(), 33);
+    EXPECT_EQ(record.m_arrStrValue.GetSize(), 33);
+    record.m_arrValue.RemoveAll();
+    CString cmd = "REFLESH()";
+    context.m_bRefreshed[0] = 1;
+    olma_device::SvrDevIOCtrl(record, cmd, record.m_arrValue, record.m_arrStrValue);
+    EXPECT_EQ(record.m_arrValue.GetSize(), 0);
+    EXPECT_EQ(context.m_bRefreshed[0], 1);
+}
+
+TEST_F(Dispatch, RoutesNamesWithoutRegardToCase) {
+    context.m_bRefreshed[0] = context.m_bRefreshed[1] = 1;
+    EXPECT_EQ(Run(" Reflesh ()"), 0.0);
+    EXPECT_EQ(context.m_bRefreshed[0], 0);
+    EXPECT_EQ(context.m_bRefreshed[1], 1);
+    EXPECT_EQ(Run("backlightoff(whatever)"), 0.0);
+    EXPECT_FALSE(Panel().lightOn);
+    EXPECT_EQ(Run("BACKLIGHTON()"), 0.0);
+    EXPECT_TRUE(Panel().lightOn);
+    sim::SimPanel::instance().fail("hal_set_lcd_status", {});
+    EXPECT_EQ(Run("BACKLIGHTOFF()"), 9.0);
+}
+
+TEST_F(Dispatch, HandsUnknownNamesToTheRegistryWhole) {
+    EXPECT_EQ(Run("GetCpuUse(10) "), 0.0);  // no registry
+    context.m_pDevManger.reset(new DevManger);
+    EXPECT_EQ(Run("READ(1)"), 0.0);
+    EXPECT_EQ(Run("SetHiddenPro(1) "), 5.0);  // the registry wants ")" at the very end
+    EXPECT_EQ(Run("GetCpuUse"), 0.0);
+    record.m_pContext = nullptr;
+    for (const char* cmd : {"REFLESH()", "OLMA_WRITE(24=1)", "ExecNTP()", "Nothing()"})
+        EXPECT_EQ(Run(cmd), 0.0) << cmd;
+}
+
+TEST_F(ChannelWrites, KeepToTheirRanges) {
+    const struct {
+        int channel;
+        const char* value;
+        double status;
+        const char* key;
+        const char* stored;
+    } cases[] = {
+        {4, "6500", 0, hxd::KEY_BUZZ_DURATION, "6500"},
+        {4, "6501", 4, hxd::KEY_BUZZ_DURATION, "6500"},
+        {4, "-1", 4, hxd::KEY_BUZZ_DURATION, "6500"},
+        {3, "1.000000", 0, hxd::KEY_BUZZ_DURATION, "30"},
+        {3, "2", 4, hxd::KEY_BUZZ_DURATION, "30"},
+        {3, "-0.9", 0, hxd::KEY_BUZZ_DURATION, "0"},  // truncated toward zero
+        {5, "1", 0, hxd::KEY_BACKLIGHT_STATUS, "1"},
+        {5, "-1", 4, hxd::KEY_BACKLIGHT_STATUS, "1"},
+        {6, "15", 0, hxd::KEY_BACKLIGHT_DURATION, "15000"},
+        {6, "14", 4, hxd::KEY_BACKLIGHT_DURATION, "15000"},
+        {6, "1800", 0, hxd::KEY_BACKLIGHT_DURATION, "1800000"},
+        {6, "1801", 4, hxd::KEY_BACKLIGHT_DURATION, "1800000"},
+        {6, "1e99", 4, hxd::KEY_BACKLIGHT_DURATION, "1800000"},
+        {21, "42", 0, hxd::KEY_BACKLIGHT_BRIGHTNESS, "40"},
+        {21, "43", 0, hxd::KEY_BACKLIGHT_BRIGHTNESS, "45"},
+        {21, "100", 0, hxd::KEY_BACKLIGHT_BRIGHTNESS, "100"},
+        {21, "101", 5, hxd::KEY_BACKLIGHT_BRIGHTNESS, "100"},
+        {21, "-1", 5, hxd::KEY_BACKLIGHT_BRIGHTNESS, "100"},
+        {24, "2", 4, hxd::KEY_BUZZ_DURATION, "0"},
+        {10, "1", 1, hxd::KEY_BUZZ_DURATION, "0"},
+        {32, "1", 1, hxd::KEY_BUZZ_DURATION, "0"},
+        {33, "1", 0, hxd::KEY_BUZZ_DURATION, "0"},
+        {0, "1", 0, hxd::KEY_BUZZ_DURATION, "0"},
+        {-2147483647, "1", 0, hxd::KEY_BUZZ_DURATION, "0"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(Write(c.channel, c.value), c.status) << c.channel << "=" << c.value;
+        EXPECT_EQ(Stored(c.key), c.stored) << c.channel << "=" << c.value;
+    }
+    EXPECT_EQ(Panel().brightness, 100);
+    EXPECT_EQ(Run("OLMA_WRITE(4 6)"), 1.0);
+}
+
+TEST_F(ChannelWrites, TellTheGuiAndExpireTheValues) {
+    const struct {
+        int channel;
+        Names calls;
+    } cases[] = {
+        {3, {"__gui_get_buzzing_time(1)", "__gui_get_buzzing_time(0)"}},
+        {4, {"__gui_get_buzzing_time(1)", "__gui_get_buzzing_time(0)"}},
+        {5, {"__gui_get_lcdlight_status(1)", "__gui_reset_lcdlight_timer()"}},
+        {6, {"__gui_get_lcdlight_time(1)", "__gui_reset_lcdlight_timer()"}},
+    };
+    for (const auto& c : cases) {
+        ChangePanel([](sim::PanelState& state) { state.guiCalls.clear(); });
+        context.m_bRefreshed[0] = 1;
+        EXPECT_EQ(Write(c.channel, c.channel == 6 ? "20" : "1"), 0.0);
+        EXPECT_EQ(GuiCalls(), c.calls) << c.channel;
+        EXPECT_EQ(context.m_bRefreshed[0], 0);
+    }
+    context.m_bRefreshed[0] = 1;
+    EXPECT_EQ(Write(10, "1"), 1.0);
+    EXPECT_EQ(context.m_bRefreshed[0], 0);  // also after a refused write
+}
+
+TEST_F(ChannelWrites, PauseBeforeTheTestTone) {
+    sim::SimPanel& panel = sim::SimPanel::instance();
+    const struct {
+        const char* stored;
+        long long pauseMs;
+    } cases[] = {{"250", 250}, {"6501", 30}, {"-1", 30}, {"abc", 0}};
+    for (const auto& c : cases) {
+        IniOperator::FileIniWriteValue(QStringLiteral("/usr/olma_app/config/olma_app_conf.ini"),
+                                       QStringLiteral("DEVICE"), QStringLiteral("buzz_duration"),
+                                       QString::fromLatin1(c.stored));
+        panel.runClock(1000.0);
+        panel.holdClock();
+        const long long start = panel.tick();
+        std::thread writer([&] { EXPECT_EQ(Write(7, "2.9"), 0.0); });
+        for (int i = 0; i < c.pauseMs; ++i) {
+            while (panel.sleepers() == 0)
+                std::this_thread::yield();
+            panel.advanceClock(1);
+        }
+        writer.join();
+        EXPECT_EQ(panel.tick() - start, c.pauseMs) << c.stored;
+    }
+    EXPECT_EQ(Write(7, "-1"), 4.0);
+    const auto beeps = Panel().beeps;
+    ASSERT_EQ(beeps.size(), 4u);
+    EXPECT_EQ(beeps[0].frequencyHz, 900u);
+    EXPECT_EQ(beeps[0].milliseconds, 2u);
+}
+
+TEST_F(ChannelWrites, AreDroppedWithoutTheLockFile) {
+    ::unlink("/tmp/olma_app_conf.lck");
+    ASSERT_EQ(::symlink("/nowhere", "/tmp/olma_app_conf.lck"), 0);
+    EXPECT_EQ(Write(1, "not an address"), 0.0);
+    EXPECT_EQ(Write(21, "40"), 0.0);
+    EXPECT_EQ(Panel().brightness, 80);
+    ::unlink("/tmp/olma_app_conf.lck");
+}
+
+TEST_F(ChannelWrites, SetAddressesOfTheInterfaceTheyMean) {
+    const struct {
+        int channel;
+        const char* value;
+        double status;
+    } cases[] = {
+        {1, "192.168.7.8", 0}, {2, "255.255.0.0", 0}, {8, "10.1.2.3", 0}, {9, "255.0.0.0", 0},
+        {1, "224.0.0.1", 4},   {2, "128.0.0.0", 4},   {8, "10.0.0", 4},   {1, "", 4},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(Write(c.channel, c.value), c.status) << c.channel << "=" << c.value;
+    const auto applied = Panel().appliedRecords;
+    ASSERT_EQ(applied.size(), 4u);
+    EXPECT_STREQ(applied[3].name, "eth1");
+    EXPECT_EQ(applied[3].address, 0x0302010Au);
+    EXPECT_EQ(applied[1].netmask, 0x0000FFFFu);
+    ChangePanel([](sim::PanelState& state) { state.interfaces.resize(1); });
+    EXPECT_EQ(Write(8, "10.1.2.3"), 8.0);
+    sim::SimPanel::instance().fail("hal_set_ip_addr", {});
+    EXPECT_EQ(Write(1, "10.1.2.3"), 7.0);
+    sim::SimPanel::instance().fail("hal_get_network_count", {});
+    EXPECT_EQ(Write(1, "10.1.2.3"), 6.0);
+}
+
+TEST_F(ChannelWrites, ReportTheBrightnessHardware) {
+    sim::SimPanel::instance().fail("hal_display_set_backlight_brightness", {});
+    EXPECT_EQ(Write(21, "40"), 15.0);
+    EXPECT_EQ(Stored(hxd::KEY_BACKLIGHT_BRIGHTNESS), "");
+    ChangePanel([](sim::PanelState& state) { state.brightness = -19; });
+    EXPECT_EQ(Write(21, "101"), 16.0);  // the probe comes before the range
+}
+
+TEST(ScreenshotPath, ChoosesTheRoot) {
+    const struct {
+        const char* path;
+        bool known;
+        const char* root;
+        const char* directory;
+        const char* file;
+    } cases[] = {
+        {"$OLMA_DIR_USR/shots/a.bmp", true, "/storage/user_dir/", "shots/", "a.bmp"},
+        {"$olma_dir_usr/a/b/c.png", true, "/storage/user_dir/", "a/b/", "c.png"},
+        {"a.png", true, "/media/usb0/", "", "a.png"},
+        {"x/y $z/a.png", true, "/media/usb0/", "x/y $z/", "a.png"},
+        {"", true, "/media/usb0/", "", ""},
+        {"$OLMA_DIR_USER/a.png", false, "", "", ""},
+        {"x$/a.png", false, "", "", ""},
+    };
+    for (const auto& c : cases) {
+        panel_actions::ScreenshotTarget target;
+        ASSERT_EQ(panel_actions::ParseScreenshotPath(c.path, target), c.known) << c.path;
+        EXPECT_EQ(target.root, c.root) << c.path;
+        EXPECT_EQ(target.subDirectory, c.directory) << c.path;
+        EXPECT_EQ(target.fileName, c.file) << c.path;
+    }
+    EXPECT_EQ(panel_actions::ShellWord("/a-Z_0.9/"), "/a-Z_0.9/");
+    EXPECT_EQ(panel_actions::ShellWord("/a b/it's"), "'/a b/it'\\''s'");
+}
+
+TEST_F(Screenshots, AreSavedWhereAndAsThePathSays) {
+    host.ints = {{"x1", 10}, {"y1", 20}, {"x2", 110}, {"y2", 220}};
+    EXPECT_EQ(Save("$OLMA_DIR_USR/shots/a.bmp"), 0.0);
+    EXPECT_EQ(Saved("/storage/user_dir/shots/a.bmp").size(), QSize(800, 480));
+    EXPECT_EQ(Save("b.png", ",x1,y1,x2,y2"), 0.0);
+    EXPECT_EQ(Saved("/media/usb0/b.png").size(), QSize(100, 200));
+    EXPECT_EQ(Saved("/media/usb0/b.png").pixel(0, 0),
+              Saved("/storage/user_dir/shots/a.bmp").pixel(10, 20));
+    EXPECT_EQ(Save("c.jpg"), 0.0);
+    EXPECT_FALSE(Saved("/media/usb0/c.jpg").isNull());
+    EXPECT_EQ(Save("$OTHER/d.png"), 0.0);
+    EXPECT_EQ(Panel().captures.size(), 3u);
+    const sim::Capture capture = Panel().captures[1];
+    EXPECT_EQ(capture.dirMacro, "$OLMA_DIR_USER");
+    EXPECT_EQ((std::vector<int>{capture.flag, capture.x, capture.y, capture.width, capture.height}),
+              (std::vector<int>{1, 10, 20, 100, 200}));
+}
+
+TEST_F(Screenshots, TakeARectangleOnlyFromAllFourCorners) {
+    for (const char* region : {",10", ",10,20", ",10,20,110"}) {
+        EXPECT_EQ(Save("q.png", region), 0.0);
+        const sim::Capture capture = Panel().captures.back();
+        EXPECT_EQ(capture.width, -10) << region;
+        EXPECT_EQ(capture.height, std::string(region) == ",10" ? 0 : -20) << region;
+        EXPECT_FALSE(Exists("/media/usb0/q.png")) << region;
+    }
+    for (const char* region : {",0,0,1e9,1e9", ",-2147483648,0,2147483647,5", ",0,0,32767,32767"}) {
+        EXPECT_EQ(Save("huge.png", region), 0.0);
+        EXPECT_FALSE(Exists("/media/usb0/huge.png")) << region;
+    }
+}
+
+TEST_F(Screenshots, NeverRunWhatAPathHolds) {
+    for (const char* path :
+         {"a b;touch /tmp/ran/x.png", "$(touch /tmp/ran)", "`touch /tmp/ran`/x.png",
+          "q'; touch /tmp/ran; '/x.png", "n\ntouch /tmp/ran\n/x.png"}) {
+        Save(path);
+        EXPECT_FALSE(Exists("/tmp/ran")) << path;
+    }
+    Save("it's a \"dir\"/x.png");
+    EXPECT_TRUE(Exists("/media/usb0/it's a \"dir\"/x.png"));
+}

@@ -1,0 +1,299 @@
+#include "Record.h"
+#include "network/InterfaceSettings.h"
+#include "network/NetworkCommands.h"
+#include "network/NetworkTask.h"
+
+#include <arpa/inet.h>
+#include <cstring>
+#include <thread>
+
+namespace {
+
+using network_commands::GetMacInfo;
+using network_commands::SetNetworkMode;
+
+class Interfaces : public RecordTest {
+protected:
+    static void Fail(const char* function, int result) {
+        sim::Failure failure;
+        failure.result = result;
+        sim::SimPanel::instance().fail(function, failure);
+    }
+    static void Delay(const char* function, unsigned milliseconds) {
+        sim::Failure failure;
+        failure.fails = false;
+        failure.delayMs = milliseconds;
+        sim::SimPanel::instance().fail(function, failure);
+    }
+    static void SetFlags(std::uint8_t flags) {
+        ChangePanel([=](sim::PanelState& state) { state.interfaces[0].record.flags = flags; });
+    }
+    static void SetInterfaceCount(std::size_t count) {
+        ChangePanel(
+            [=](sim::PanelState& state) { state.interfaces.resize(count, state.interfaces[0]); });
+    }
+    static bool SetIp(const char* address, int which, const std::string& name) {
+        QString text = QLatin1String(address);
+        QString interfaceName = QString::fromLatin1(name.c_str());
+        return CDevBas::setLocalIp(text, which, interfaceName);
+    }
+};
+
+// SetNetworkMode with a started task, "i", "m" and "r" being the host's variables.
+class NetworkMode : public Interfaces {
+protected:
+    NetworkMode() {
+        host.ints = {{"i", 0}, {"m", 1}, {"r", 99}};
+        context.m_pNetworkTask.reset(new NetworkTask);
+        context.m_pNetworkTask->start();
+    }
+    // The state a moment after the answer, when the next request is accepted.
+    int Run() {
+        const int result = SetNetworkMode(record, "i, m ,r");
+        WaitFor(NetworkTask::STATE_IDLE);
+        return result;
+    }
+    void WaitFor(NetworkTask::State state) const {
+        while (context.m_pNetworkTask->GetState() != state)
+            std::this_thread::yield();
+    }
+};
+
+}  // namespace
+
+TEST(Addresses, AreFourNumbersInTheirRanges) {
+    const struct {
+        const char* text;
+        bool address;
+        bool mask;
+    } cases[] = {
+        {"1.0.0.0", true, false},
+        {"223.255.255.255", true, true},
+        {"224.0.0.1", false, true},
+        {"192.0.0.255", true, true},  // bits need not be contiguous
+        {"191.255.255.255", true, false},
+        {"255.255.255.0", false, true},
+        {"256.0.0.0", false, false},
+        {"0.1.2.3", false, false},
+        {"10.0.0", false, false},
+        {"10.0.0.", false, false},
+        {"10.0.0.256", false, false},
+        {"10.-1.0.0", false, false},
+        {"-10.0.0.1", false, false},
+        {" +10. 0.\t0.007 and so on", true, false},
+        {"10 .0.0.1", false, false},
+        {"0x0a.0.0.1", false, false},
+        {"10..0.1", false, false},
+        {"4294967306.0.0.1", false, false},  // would be 10 after an overflow
+        {"10.0.0.99999999999999999999999999", false, false},
+        {"", false, false},
+        {nullptr, false, false},
+    };
+    for (const auto& c : cases) {
+        const char* const label = c.text != nullptr ? c.text : "null";
+        EXPECT_EQ(CDevBas::IsAvailableIPAddr(c.text), c.address) << label;
+        EXPECT_EQ(CDevBas::IsAvailableMaskAddr(c.text), c.mask) << label;
+    }
+}
+
+TEST_F(Interfaces, AreListedUpToALimit) {
+    for (const std::size_t count : {0u, 1u, 2u, 3u, 300u}) {
+        SetInterfaceCount(2);
+        SetInterfaceCount(count);
+        unsigned int found = 77;
+        std::vector<QString> names;
+        EXPECT_EQ(CDevBas::getLocalcount_name(found, names), count != 0);
+        const std::size_t expected = std::min<std::size_t>(count, 256);
+        EXPECT_EQ(found, count != 0 ? expected : 77u);
+        EXPECT_EQ(names.size(), expected);
+        EXPECT_EQ(ListInterfaceAddresses().size(), expected);
+        if (count == 0)
+            sim::SimPanel::instance().reset();
+    }
+}
+
+TEST_F(Interfaces, ThatCannotBeReadKeepTheirPlaceAmongTheNamesAndEndTheAddresses) {
+    const std::vector<InterfaceAddress> list = ListInterfaceAddresses();
+    ASSERT_EQ(list.size(), 2u);
+    EXPECT_STREQ(list[1].address, "10.0.0.20");
+    EXPECT_STREQ(list[1].netmask, "255.255.255.0");
+
+    Fail("hal_get_network", -5);
+    unsigned int count = 0;
+    std::vector<QString> names;
+    EXPECT_TRUE(CDevBas::getLocalcount_name(count, names));
+    EXPECT_EQ(names, std::vector<QString>(2));
+    EXPECT_TRUE(ListInterfaceAddresses().empty());
+
+    Fail("hal_get_network_count", -5);
+    EXPECT_FALSE(CDevBas::getLocalcount_name(count, names));
+    EXPECT_TRUE(ListInterfaceAddresses().empty());
+}
+
+TEST_F(Interfaces, GetANewAddressOrMaskAndKeepTheRest) {
+    const std::string longest(31, 'x');
+    ChangePanel([&](sim::PanelState& state) {
+        std::strcpy(state.interfaces[1].record.name, longest.c_str());
+        state.interfaces[1].record.flags = 0xfd;
+    });
+    const hal_network_t before = Panel().interfaces[1].record;
+
+    EXPECT_TRUE(SetIp("10.1.2.3", 0, longest));
+    EXPECT_TRUE(SetIp("255.0.0.0", 1, longest));
+    EXPECT_TRUE(SetIp("nothing", 2, longest));
+    ASSERT_EQ(Panel().appliedRecords.size(), 3u);
+    hal_network_t expected = before;
+    expected.address = ::inet_addr("10.1.2.3");
+    expected.netmask = ::inet_addr("255.0.0.0");
+    const hal_network_t after = Panel().appliedRecords.back();
+    EXPECT_EQ(std::memcmp(&after, &expected, sizeof expected), 0);
+
+    EXPECT_FALSE(SetIp("10.1.2.3", 0, std::string(32, 'x')));
+    EXPECT_FALSE(SetIp("10.1.2.3", 0, "eth7"));
+    EXPECT_FALSE(SetIp("10.1.2.3/24", 0, "eth0"));  // never 255.255.255.255
+    EXPECT_EQ(Panel().appliedRecords.size(), 3u);
+    Fail("hal_set_ip_addr", -3);
+    EXPECT_FALSE(SetIp("10.1.2.3", 0, "eth0"));
+}
+
+TEST_F(Interfaces, TellTheirNameAndMacAddress) {
+    ChangePanel([](sim::PanelState& state) {
+        state.interfaces[0].macAddress = "aa:bb:cc:dd:ee:0f";
+        std::memset(state.interfaces[1].record.name, 'n', 32);  // no end mark
+        state.interfaces[1].macAddress = "";
+    });
+    host.texts = {{"name", ""}, {" mac ", ""}, {"text", "1"}};
+    const struct {
+        const char* args;
+        int result;
+        const char* name;
+        const char* mac;
+    } cases[] = {
+        {"0,name", -5, "", ""},
+        {"-1,name, mac ", -5, "", ""},
+        {"3,name, mac ", -5, "", ""},
+        {"2,name, mac ", -17, "", ""},  // the platform refuses it
+        {"0,name, mac ,more", 0, "eth0", "AA:BB:CC:DD:EE:0F"},
+        {"0,name,mac", 0, "eth0", ""},  // pieces are not trimmed; the write is not looked at
+        {"text,name, mac ", 0, "eth0", "AA:BB:CC:DD:EE:0F"},  // unreadable index: 0
+        {"1,name, mac ", -17, "nnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnn", ""},
+    };
+    for (const auto& c : cases) {
+        host.texts["name"] = host.texts[" mac "] = "";
+        EXPECT_EQ(GetMacInfo(record, c.args), c.result) << c.args;
+        EXPECT_EQ(host.texts["name"], c.name) << c.args;
+        EXPECT_EQ(host.texts[" mac "], c.mac) << c.args;
+    }
+    Fail("hal_get_network_count", -1);
+    EXPECT_EQ(GetMacInfo(record, "0,name,mac"), -17);
+}
+
+TEST_F(NetworkMode, IsSwitchedInItsTwoBitsOnly) {
+    const struct {
+        std::uint8_t flags;
+        int mode;
+        std::uint8_t newFlags;
+        std::uint32_t parameter;
+    } cases[] = {
+        {0xfc, 1, 0xfd, 5000},
+        {0x01, 0, 0x00, 7},
+        {0x02, 0, 0x00, 7},  // neither of the two modes
+        {0x57, 1, 0x55, 5000},
+    };
+    for (const auto& c : cases) {
+        SetFlags(c.flags);
+        ChangePanel([](sim::PanelState& state) {
+            state.interfaces[0].record.mode1_param = 7;
+            state.appliedRecords.clear();
+        });
+        host.ints["m"] = c.mode;
+        host.ints["r"] = 99;
+        EXPECT_EQ(Run(), 0);
+        EXPECT_EQ(host.ints["r"], 0);
+        ASSERT_EQ(Panel().appliedRecords.size(), 1u);
+        EXPECT_EQ(Panel().appliedRecords[0].flags, c.newFlags);
+        EXPECT_EQ(Panel().appliedRecords[0].mode1_param, c.parameter);
+    }
+
+    Fail("hal_set_ip_addr", -33);  // nothing to be applied: the mode is set already
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(Run(), 0);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "mode not change......\n");
+}
+
+TEST_F(NetworkMode, FailuresAreReportedAsTheyAre) {
+    Fail("hal_set_ip_addr", -33);
+    EXPECT_EQ(Run(), -33);
+    EXPECT_EQ(host.ints["r"], -33);
+    EXPECT_EQ(SetNetworkMode(record, "i,m,nowhere"), -4);  // the result cannot be written
+    WaitFor(NetworkTask::STATE_IDLE);
+
+    Fail("hal_get_network", -2);
+    EXPECT_EQ(Run(), -6);
+    EXPECT_EQ(host.ints["r"], -6);
+}
+
+TEST_F(NetworkMode, RefusesWhatIsOutside) {
+    host.texts["text"] = "0";
+    for (const char* args : {"2,m,r", "-1,m,r", "i,2,r", "i,-1,r", "text,m,r", "i,text,r"}) {
+        host.ints["r"] = 99;
+        EXPECT_EQ(SetNetworkMode(record, args), -4) << args;
+        EXPECT_EQ(host.ints["r"], 4) << args;
+    }
+    host.ints["r"] = 99;
+    for (const char* args : {"", "i,m", "i,m,r,"})
+        EXPECT_EQ(SetNetworkMode(record, args), -5) << args;
+    SetInterfaceCount(0);
+    EXPECT_EQ(SetNetworkMode(record, "i,m,r"), -6);
+    Fail("hal_get_network_count", -1);
+    EXPECT_EQ(SetNetworkMode(record, "i,m,r"), -6);
+    context.m_pNetworkTask.reset();
+    EXPECT_EQ(SetNetworkMode(record, "i,m,r"), 0);
+    EXPECT_EQ(host.ints["r"], 99);
+    EXPECT_TRUE(Panel().appliedRecords.empty());
+}
+
+TEST_F(NetworkMode, IsNotQueuedBehindAnotherRequest) {
+    Delay("hal_set_ip_addr", 100);
+    int firstResult = -99;
+    std::thread other([&] { context.m_pNetworkTask->Execute(1, 1, firstResult); });
+    WaitFor(NetworkTask::STATE_EXECUTING);
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(SetNetworkMode(record, "i,m,r"), 0);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "network task is executing.......\n");
+    EXPECT_EQ(host.ints["r"], 99);
+    int result = 0;
+    EXPECT_FALSE(context.m_pNetworkTask->Execute(0, 1, result));
+    other.join();
+    EXPECT_EQ(firstResult, 0);
+    EXPECT_EQ(Panel().appliedRecords.size(), 1u);
+}
+
+TEST_F(NetworkMode, TaskEndsFromEveryState) {
+    testing::internal::CaptureStderr();
+    {
+        NetworkTask neverStarted;
+        int result = 99;
+        EXPECT_FALSE(neverStarted.Execute(0, 1, result));
+    }
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "task exit.....\n");
+    for (int i = 0; i < 50; ++i) {  // as soon as it has been started, and right after a reply
+        NetworkTask task;
+        task.start();
+        task.start();
+        int result = 0;
+        if (i % 2 != 0)
+            EXPECT_TRUE(task.Execute(0, i / 2 % 2, result));
+    }
+    // The caller of a request under way gets its answer, and the task waits for both.
+    Delay("hal_set_ip_addr", 50);
+    SetFlags(0);
+    int result = 99;
+    std::thread caller([&] { context.m_pNetworkTask->Execute(0, 1, result); });
+    WaitFor(NetworkTask::STATE_EXECUTING);
+    context.m_pNetworkTask.reset();
+    caller.join();
+    EXPECT_TRUE(result == 0 || result == -6);  // -6: ended before the thread took it up
+    context.m_pNetworkTask.reset(new NetworkTask);
+    EXPECT_EQ(SetNetworkMode(record, "i,m,r"), -6);  // no thread to do it, but an answer
+}

@@ -1,0 +1,264 @@
+#include "Record.h"
+#include "sysinfo/CpuSample.h"
+#include "sysinfo/DevLiunxCpuUse.h"
+#include "sysinfo/DevLiunxMemUse.h"
+#include "sysinfo/DoCmd.h"
+#include "sysinfo/MemInfo.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+#include <cmath>
+#include <fstream>
+
+namespace {
+
+using Names = std::vector<std::string>;
+
+class Registry : public RecordTest {
+protected:
+    Registry() {
+        for (int operation = 0; operation <= 5; ++operation)
+            registry.DevRegiter(static_cast<DEVSYSOPEAR>(operation));
+        host.texts["txt"] = "before";
+        host.doubles["st"] = -1;
+    }
+    int Run(const std::string& cmd) { return registry.DevOpear(record, cmd); }
+    // The log lines as "function tag text".
+    Names Log() {
+        Names lines;
+        for (const sim::LogLine& line : Panel().log)
+            lines.push_back(std::to_string(line.level) + " " + line.function + " " + line.tag +
+                            " " + line.text);
+        return lines;
+    }
+
+    DevManger registry;
+};
+
+class ParseTool : public ToolsBase {};
+
+// What of /proc/stat would be the result of a second sample after a first.
+double UseBetween(const char* first, const char* second) {
+    const cpu_occupy_ before = cpu::ParseSample(cpu::SplitAtBlanks(first));
+    const cpu_occupy_ after = cpu::ParseSample(cpu::SplitAtBlanks(second));
+    const double all = static_cast<double>(cpu::TotalJiffies(after) - cpu::TotalJiffies(before));
+    const double idle = static_cast<double>(cpu::IdleJiffies(after) - cpu::IdleJiffies(before));
+    return 1.0 - idle / all;
+}
+
+}  // namespace
+
+TEST(CommandParser, SplitsNameAndArguments) {
+    const struct {
+        const char* cmd;
+        int result;
+        const char* name;
+        Names args;
+    } cases[] = {
+        {"GetCpuUse(10)", 0, "GetCpuUse", {"10"}},
+        {"GetCpuUse()", 0, "GetCpuUse", {}},
+        {" f (a,,b , c,)", 0, " f ", {"a", "b ", " c"}},
+        {"f(a(1),(b))", 0, "f", {"a(1)", "(b)"}},
+        {"f)(a)", 0, "f)", {"a"}},
+        {"f", -5, "", {}},
+        {"f(a", -5, "", {}},
+        {"f(a) ", -5, "", {}},
+        {"(", -5, "", {}},
+        {"", -5, "", {}},
+        {"()", 0, "", {}},
+        {"f(,)", 0, "f", {}},
+    };
+    for (const auto& c : cases) {
+        std::string name;
+        Names args;
+        EXPECT_EQ(ParseTool().ParaCmd(name, args, c.cmd), c.result) << c.cmd;
+        EXPECT_EQ(name, c.name) << c.cmd;
+        EXPECT_EQ(args, c.args) << c.cmd;
+    }
+}
+
+TEST_F(Registry, AnswersUnknownCommandsWithZeroAndMalformedOnesWithFive) {
+    EXPECT_EQ(Run("Foo(1)"), 0);
+    EXPECT_EQ(Run("getcpuuse(10)"), 0);  // names are case-sensitive
+    EXPECT_EQ(context.m_dCpuUse, 0.0);
+    EXPECT_EQ(Run(""), 0);
+    ChangePanel([](sim::PanelState& state) { state.log.clear(); });
+    EXPECT_EQ(Run("GetCpuUse"), -5);
+    EXPECT_EQ(Log(), (Names{"4 DevOpear DevOpear begin strCmd = GetCpuUse",
+                            "4 ParaCmd ParaCmd begin ordercmd = ",
+                            "4 DevOpear DevOpear end strCmd = GetCpuUse error"}));
+}
+
+TEST_F(Registry, ShowsThisMachinesCpuUseAndMemory) {
+    EXPECT_EQ(Run("GetCpuUse(10)"), 0);
+    EXPECT_GT(context.m_dCpuUse, 0.0);  // since boot
+    EXPECT_LE(context.m_dCpuUse, 1.0);
+    EXPECT_EQ(Run("GetMemUse(11)"), 0);
+    EXPECT_GT(context.m_dMemAvail, 1.0);
+    EXPECT_EQ(context.m_dMemAvail, std::floor(context.m_dMemAvail));
+    int estimateKb = 0;
+    EXPECT_EQ(DevLiunxMemUse().DevCalcMemNoUseOld(estimateKb), 0);
+    EXPECT_GT(estimateKb, 1024);
+    context.m_dCpuUse = context.m_dMemAvail = -7;
+    EXPECT_EQ(Run("GetCpuUse()"), 0);  // measured, but stored nowhere
+    EXPECT_EQ(Run("GetMemUse()"), 0);
+    EXPECT_EQ(context.m_dCpuUse, -7);
+    EXPECT_EQ(context.m_dMemAvail, -7);
+}
+
+TEST(CpuUse, ComparesTwoSamples) {
+    const struct {
+        const char* line;
+        long long total, idle;
+    } samples[] = {
+        {"cpu  1 2 3 4 5 6 7 8 9\n", 28, 4},  // steal and guest do not count
+        {"cpu  1 2 3 4 5 6 7\n", 28, 4},      // iowait is not idle time
+        {"cpu 1 2 3 4 5 6 7\n", 0, 0},        // one blank only: too few pieces
+        {"", 0, 0},
+        {"cpu  4294967296 9 0 0 0 0 0", 2147483656, 0},  // saturates, then wraps
+        {"cpu  2147483647 2147483647 0 -1 0 0 5", 2, 4294967295},
+    };
+    for (const auto& c : samples) {
+        const cpu_occupy_ sample = cpu::ParseSample(cpu::SplitAtBlanks(c.line));
+        EXPECT_EQ(cpu::TotalJiffies(sample), c.total) << c.line;
+        EXPECT_EQ(cpu::IdleJiffies(sample), c.idle) << c.line;
+    }
+    EXPECT_EQ(UseBetween("cpu  0 0 0 0 0 0 0", "cpu  750 0 0 250 0 0 0"), 0.75);
+    const struct {
+        double use;
+        int hundredths;
+    } roundings[] = {{0.004, 0}, {0.995, 100}, {0.12345, 12}, {0.125, 13}, {1.2, 120}, {-1, -99}};
+    for (const auto& c : roundings)
+        EXPECT_EQ(cpu::BusyHundredths(c.use), c.hundredths) << c.use;
+}
+
+TEST(MemoryInfo, TakesTheKernelsFigureFromACompleteLine) {
+    const struct {
+        const char* content;
+        bool found;
+        int kb;
+    } cases[] = {
+        {"MemTotal: 9 kB\nMemAvailable:   512000 kB\n", true, 512000},
+        {"MemAvailable: 1023 kB\nMemFree: 1 kB\n", true, 1023},
+        {"MemAvailable: 512000 kB", false, 0},  // cut off
+        {"MemAvailable:\n", false, 0},
+        {"MemAvailable 5\n", false, 0},
+        {"", false, 0},
+    };
+    for (const auto& c : cases) {
+        int kb = 0;
+        EXPECT_EQ(meminfo::ParseAvailable(c.content, kb), c.found) << c.content;
+        EXPECT_EQ(kb, c.kb) << c.content;
+    }
+}
+
+TEST(MemoryInfo, EstimatesOnOldKernels) {
+    using Estimate = meminfo::OldEstimate;
+    const struct {
+        Names lines;
+        Estimate::State state;
+        int kb;
+    } cases[] = {
+        {{"MemTotal: 500000 kB\n", "MemFree: 100000 kB\n", "  \n", "\n", "Buffers: 2000 kB\n",
+          "Cached: 50000 kB\n"},
+         Estimate::COMPLETE,
+         151999},
+        {{"MemTotal: 1 kB\n", "MemFree: 100 kB\n", "Buffers: 20 kB\n", "SwapCached: 3 kB\n"},
+         Estimate::COMPLETE,
+         122},
+        {{"MemFree: 100 kB\n", "Buffers: 20 kB\n", "Cached: 3 kB\n"}, Estimate::MORE, 122},
+        {{"MemTotal:"}, Estimate::BROKEN, -1},
+        {{"MemTotal: 1\n", "MemFree: 2147483647\n", "Buffers: 2147483647\n", "Cached: 9\n"},
+         Estimate::COMPLETE,
+         6},  // wraps
+    };
+    for (const auto& c : cases) {
+        Estimate estimate;
+        Estimate::State state = Estimate::MORE;
+        for (std::string line : c.lines)
+            state = estimate.Feed(&line[0]);
+        EXPECT_EQ(state, c.state) << testing::PrintToString(c.lines);
+        EXPECT_EQ(estimate.FreeKb(), c.kb) << testing::PrintToString(c.lines);
+    }
+}
+
+TEST_F(Registry, DeliversTheNewestPartOfALog) {
+    std::string log;
+    for (int i = 0; i < 100 * 1024 / 8; ++i)
+        log += "line " + std::to_string(10 + i % 90) + "\n";
+    std::ofstream("/storage/log/restart.log") << log;
+    host.ints["mode"] = 0;
+    host.doubles["half"] = 0.5;
+    const struct {
+        const char* cmd;
+        int result;
+        double status;
+        std::size_t length;
+    } cases[] = {
+        {"ReadAppLog(0,64,txt,st)", 0, 0, 65536},
+        {"ReadAppLog( 0,200,txt,st)", 0, 0, log.size()},
+        {"ReadAppLog(mode,0,txt,st)", 0, 0, 0},
+        {"ReadAppLog(1,64,txt,st)", 0, 0, 0},  // no such file
+        {"ReadAppLog(a,,64,txt,st)", 0, 0, 65536},
+        {"ReadAppLog(3,64,txt,st)", -4, 4, 6},
+        {"ReadAppLog(-1,64,txt,st)", -4, 4, 6},
+        {"ReadAppLog(half,64,txt,st)", -4, 4, 6},
+        {"ReadAppLog(0,half,txt,st)", -4, 4, 6},
+        {"ReadAppLog(0,-1,txt,st)", -4, 4, 6},
+        {"ReadAppLog(0,2097152,txt,st)", -4, 4, 6},
+        {"ReadAppLog(0,2097151,txt,st)", 0, 0, log.size()},
+        {"ReadAppLog(0,64,st,st)", -4, 4, 6},
+        {"ReadAppLog(0,64,txt)", -5, -1, 6},
+        {"ReadAppLog(0,64,txt,nowhere)", 0, -1, 65536},
+    };
+    for (const auto& c : cases) {
+        host.texts["txt"] = "before";
+        host.doubles["st"] = -1;
+        EXPECT_EQ(Run(c.cmd), c.result) << c.cmd;
+        EXPECT_EQ(host.doubles["st"], c.status) << c.cmd;
+        EXPECT_EQ(host.texts["txt"].size(), c.length) << c.cmd;
+    }
+    EXPECT_EQ(host.texts["txt"], log.substr(log.size() - 65536));
+}
+
+TEST_F(Registry, ReadsOddLogFiles) {
+    std::ofstream("/storage/log/restart.log") << "before" << '\0' << "after";
+    Run("ReadAppLog(0,1,txt,st)");
+    EXPECT_EQ(host.texts["txt"], "before");
+    ::mkdir("/storage/log/dmesg.log", 0700);
+    EXPECT_EQ(Run("ReadAppLog(1,1,txt,st)"), 0);
+    EXPECT_EQ(host.texts["txt"], "");
+    std::ofstream("/storage/log/signal_recieved.log") << "signal 11";
+    EXPECT_EQ(Run("ReadAppLog(2,1,txt,st)"), 0);
+    EXPECT_EQ(host.texts["txt"], "signal 11");
+}
+
+TEST_F(Registry, ReadsTheKernelLogThroughAFileOfItsOwn) {
+    std::ofstream("/tmp/victim") << "keep";
+    ASSERT_EQ(::symlink("/tmp/victim", "/tmp/dmesg.log"), 0);
+    EXPECT_EQ(Run("ReadSysLog(0,64,txt,st)"), 0);
+    EXPECT_NE(host.texts["txt"], "");
+    EXPECT_NE(host.texts["txt"], "before");
+    EXPECT_NE(::access("/tmp/dmesg.log", F_OK), 0);
+    std::string kept;
+    std::ifstream("/tmp/victim") >> kept;
+    EXPECT_EQ(kept, "keep");
+
+    ::mkdir("/run/shims", 0755);
+    std::ofstream("/run/shims/dmesg") << "#!/bin/sh\nexit 1\n";
+    ::chmod("/run/shims/dmesg", 0755);
+    host.texts["txt"] = "before";
+    host.doubles["st"] = -1;
+    EXPECT_EQ(Run("ReadSysLog(0,64,txt,st)"), -3);
+    EXPECT_EQ(Run("ReadSysLog(1,64,nowhere,nothing)"), -4);
+    EXPECT_EQ(host.texts["txt"], "before");
+    EXPECT_EQ(host.doubles["st"], -1);
+}
+
+TEST(ShellRunner, CollectsWhatACommandSays) {
+    std::string output = "before";
+    EXPECT_TRUE(DoCmd::doCmdSync("printf 'a%02000d' 7; echo no >&2; exit 3", output));
+    EXPECT_EQ(output.size(), 2001u);
+    EXPECT_TRUE(DoCmd::doCmdOnly("echo x > /tmp/said"));
+    EXPECT_EQ(::access("/tmp/said", F_OK), 0);
+}
