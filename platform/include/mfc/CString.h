@@ -47,6 +47,8 @@ private:
 CString operator+(const CString& left, const CString& right);
 CString operator+(const CString& left, const char* right);
 CString operator+(const char* left, const CString& right);
+CString operator+(const CString& left, char right);  // else: the address right bytes into left
+CString operator+(char left, const CString& right);
 
 bool operator==(const CString& left, const CString& right);
 bool operator==(const CString& left, const char* right);

@@ -1,0 +1,2 @@
+#include "SimPanel.h"
+bool sim::SimPanel::loadIni(const std::string&, std::string&) { return false; }
