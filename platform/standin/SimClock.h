@@ -36,7 +36,7 @@ private:
     using RealClock = std::chrono::steady_clock;
 
     struct Sleeper {
-        long long wakeTick;
+        long long wakeTick = 0;
         std::condition_variable changed;  // the clock's speed or position, in a way that matters
     };
 

@@ -6,20 +6,23 @@
 
 namespace {
 
-// One byte per character: what is not ASCII becomes the one byte that is drawn as a box.
+// One byte per character, those outside printable ASCII replaced.
 std::string Characters(const std::string& utf8) {
     std::string characters;
     for (const char byte : utf8) {
+        const bool printable = byte >= ' ' && byte <= '~';
         const bool continues = (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
         if (!continues)
-            characters += byte;
+            characters += printable ? byte : sim::kBoxCharacter;
     }
     return characters;
 }
 
 // A quarter of a glyph's pixel, right and down telling which: set if the pixel is, and rounded
-// where two neighbours at that corner say that a slanted line passes.
+// where two neighbours at that corner say that a slanted line passes. The box keeps its corners.
 bool QuarterSet(char character, int column, int row, bool right, bool down) {
+    if (character == sim::kBoxCharacter)
+        return sim::GlyphPixel(character, column, row);
     const int aside = right ? 1 : -1;
     const int beyond = down ? 1 : -1;
     const bool centre = sim::GlyphPixel(character, column, row);
@@ -62,7 +65,7 @@ int Canvas::textWidth(const std::string& text, int scale) {
 
 std::string Canvas::fitted(const std::string& text, int width, int scale) {
     const std::size_t room = static_cast<std::size_t>(std::max(width, 0) / (kGlyphAdvance * scale));
-    const std::string characters = Characters(text);
+    std::string characters = Characters(text);
     if (characters.size() <= room)
         return characters;
     return room <= 2 ? std::string(room, '.') : characters.substr(0, room - 2) + "..";

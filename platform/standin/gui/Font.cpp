@@ -106,7 +106,7 @@ const Glyph kGlyphs[kLast - kFirst + 1] = {
     {0x08, 0x04, 0x08, 0x10, 0x08},  // ~
 };
 
-const Glyph kBox = {0x7F, 0x41, 0x41, 0x41, 0x7F};  // for everything that is not printable ASCII
+const Glyph kBox = {0x7F, 0x41, 0x41, 0x41, 0x7F};  // kBoxCharacter
 
 }  // namespace
 

@@ -1,14 +1,14 @@
-#include "hal/Guarded.h"
+#include "Guarded.h"
 #include "olma_gui.h"
-
-#include <QSettings>
-#include <QString>
-#include <QVariant>
 
 #include <fcntl.h>
 #include <sys/file.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <map>
 #include <string>
 
 using sim::GuiSettings;
@@ -35,27 +35,47 @@ private:
     int m_nFd;  // -1: nobody has made the lock file yet, so nobody writes
 };
 
+std::string Trimmed(const std::string& text) {
+    const char* const kWhiteSpace = " \t\r";
+    const std::size_t first = text.find_first_not_of(kWhiteSpace);
+    if (first == std::string::npos)
+        return std::string();
+    return text.substr(first, text.find_last_not_of(kWhiteSpace) - first + 1);
+}
+
+// The keys of section DEVICE. Not read with QSettings: its process-wide memory of files would show
+// the GUI what the driver in this process believes to be in the file, rather than what is.
+std::map<std::string, std::string> ReadDeviceSection(const std::string& path) {
+    const SettingsFileLock lock;
+    std::ifstream file(path);
+    std::map<std::string, std::string> values;
+    bool inSection = false;
+    for (std::string line; std::getline(file, line);) {
+        line = Trimmed(line);
+        const std::size_t equals = line.find('=');
+        if (!line.empty() && line[0] == '[')
+            inSection = line == "[DEVICE]";
+        else if (inSection && equals != std::string::npos)
+            values[Trimmed(line.substr(0, equals))] = Trimmed(line.substr(equals + 1));
+    }
+    return values;
+}
+
 // What the GUI cannot read as a number leaves the setting as it was.
-void ReadNumber(const QSettings& file, const char* key, int& setting) {
-    const QString text =
-        file.value(QString::fromLatin1("DEVICE/") + QString::fromLatin1(key)).toString().trimmed();
-    bool isNumber = false;
-    const int number = text.toInt(&isNumber);
-    if (isNumber)
-        setting = number;
-    else if (text == QLatin1String("true"))
-        setting = 1;
-    else if (text == QLatin1String("false"))
-        setting = 0;
+void TakeNumber(const std::string& text, int& setting) {
+    char* end = nullptr;
+    const long number = std::strtol(text.c_str(), &end, 10);
+    if (!text.empty() && *end == '\0')
+        setting = static_cast<int>(std::min(std::max(number, -1000000000L), 1000000000L));
+    else if (text == "true" || text == "false")
+        setting = text == "true" ? 1 : 0;
 }
 
 void ReadSettingsFile(const std::string& path, GuiSettings& settings) {
-    const SettingsFileLock lock;
-    QSettings file(QString::fromUtf8(path.c_str()), QSettings::IniFormat);
-    file.setIniCodec("UTF-8");
-    ReadNumber(file, "buzz_duration", settings.buzzingTime);
-    ReadNumber(file, "backlight_status", settings.lightStatus);
-    ReadNumber(file, "backlight_duration", settings.lightTime);
+    auto values = ReadDeviceSection(path);
+    TakeNumber(values["buzz_duration"], settings.buzzingTime);
+    TakeNumber(values["backlight_status"], settings.lightStatus);
+    TakeNumber(values["backlight_duration"], settings.lightTime);
     settings.loaded = true;
 }
 

@@ -1,5 +1,5 @@
+#include "Guarded.h"
 #include "gui/ScreenPicture.h"
-#include "hal/Guarded.h"
 #include "olma_gui.h"
 
 #include <QDir>

@@ -38,11 +38,9 @@ struct Grid {
 };
 
 Grid GridFor(std::size_t rows) {
-    Grid grid;
-    grid.valueScale = rows <= 32 ? 2 : 1;
-    grid.rowHeight = rows <= 32 ? 25 : 12;
-    grid.rowsPerColumn = static_cast<std::size_t>(kTableHeight / grid.rowHeight);
-    return grid;
+    const bool large = rows <= 32;
+    const int rowHeight = large ? 25 : 12;
+    return {rowHeight, large ? 2 : 1, static_cast<std::size_t>(kTableHeight / rowHeight)};
 }
 
 // Names are as large as the values if that leaves room for both in every row.
@@ -72,7 +70,9 @@ void DrawRow(Canvas& canvas, int x, int y, const Row& row, const Grid& grid, int
     const int room = kColumnWidth - 2 * kPadding;
     const int glyphTop = y + (grid.rowHeight - 1 - 7 * grid.valueScale) / 2;
     const int nameTop = glyphTop + 7 * (grid.valueScale - nameScale);  // one base line
-    const std::string name = Canvas::fitted(row.first, room, nameScale);
+    const int valueShare =  // a long name may take what the value leaves, at least two fifths
+        std::min(Canvas::textWidth(" " + row.second, grid.valueScale), room * 3 / 5);
+    const std::string name = Canvas::fitted(row.first, room - valueShare, nameScale);
     const int valueRoom = room - Canvas::textWidth(name + " ", nameScale);
     const std::string value = Canvas::fitted(row.second, valueRoom, grid.valueScale);
     canvas.text(x + kPadding, nameTop, name, kNameColour, nameScale);

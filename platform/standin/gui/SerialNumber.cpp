@@ -1,4 +1,4 @@
-#include "hal/Guarded.h"
+#include "Guarded.h"
 #include "olma_gui.h"
 
 const char* __gui_get_serial_number(void) {

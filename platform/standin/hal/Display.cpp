@@ -1,4 +1,4 @@
-#include "hal/Guarded.h"
+#include "Guarded.h"
 #include "olma_hal.h"
 
 using sim::Guarded;

@@ -1,6 +1,6 @@
 #include "olma_host.h"
 
-#include "hal/Guarded.h"
+#include "Guarded.h"
 
 using sim::Guarded;
 using sim::PanelState;

@@ -1,4 +1,4 @@
-#include "hal/Guarded.h"
+#include "Guarded.h"
 #include "olma_hal.h"
 
 int hal_set_rtc_time(const struct tm* time) {

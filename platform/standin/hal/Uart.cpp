@@ -1,4 +1,4 @@
-#include "hal/Guarded.h"
+#include "Guarded.h"
 #include "olma_hal.h"
 
 int hal_uart_info(int port, struct hal_uart_info_t* info) {

@@ -5,7 +5,7 @@ int SplitCsvStr(const std::string& text, char separator, std::vector<FF::utils::
     std::size_t begin = 0;
     for (;;) {
         const std::size_t end = text.find(separator, begin);
-        pieces.push_back(text.substr(begin, end - begin));
+        pieces.emplace_back(text.substr(begin, end - begin));
         ++count;
         if (end == std::string::npos)
             return count;
