@@ -1,6 +1,7 @@
 #include "Record.h"
 #include "common/AppSettings.h"
 #include "driver/RefreshCycle.h"
+#include "storage/DiskInterface.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -23,7 +24,45 @@ protected:
     }
 };
 
+// A storage manager whose init() fails so many times, and which answers the second poll.
+class FakeDisk final : public DiskInterface {
+public:
+    FakeDisk(int failures, std::string& calls) : m_nFailures(failures), m_calls(calls) {}
+    bool init() override {
+        m_calls += "i";
+        return m_nFailures-- <= 0;
+    }
+    int getDiskLifeTime() override { return 77; }
+    int getDiskIO() override { return 2; }
+    void refresh() override { m_calls += "r"; }
+    bool refreshRes() override {
+        m_calls += "?";
+        return m_calls.size() >= 2 && m_calls[m_calls.size() - 2] == '?';
+    }
+
+private:
+    int m_nFailures;
+    std::string& m_calls;
+};
+
 }  // namespace
+
+TEST_F(Refresh, InitialisesTheStorageManagerUntilThatWorksAndThenRefreshesIt) {
+    std::string calls;
+    context.m_pDisk.reset(new FakeDisk(2, calls));
+    context.m_bDiskInitPending = true;
+    const struct {
+        const char* calls;
+        double life, gear;
+    } rounds[] = {{"i", -1, -1}, {"ii", -1, -1}, {"iii", 77, 2}, {"iiir??", 77, 2}};
+    sim::SimPanel::instance().runClock(100.0);
+    for (const auto& round : rounds) {
+        Run();
+        EXPECT_EQ(calls, round.calls);
+        EXPECT_EQ(Value(26), round.life);
+        EXPECT_EQ(Value(27), round.gear);
+    }
+}
 
 TEST_F(Refresh, ShowsOneOrTwoInterfacesAndLeavesOtherNumbersAlone) {
     const struct {

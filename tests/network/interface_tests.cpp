@@ -19,18 +19,12 @@ protected:
         failure.result = result;
         sim::SimPanel::instance().fail(function, failure);
     }
-    static void Delay(const char* function, unsigned milliseconds) {
-        sim::Failure failure;
-        failure.fails = false;
-        failure.delayMs = milliseconds;
-        sim::SimPanel::instance().fail(function, failure);
-    }
     static void SetFlags(std::uint8_t flags) {
         ChangePanel([=](sim::PanelState& state) { state.interfaces[0].record.flags = flags; });
     }
     static void SetInterfaceCount(std::size_t count) {
-        ChangePanel(
-            [=](sim::PanelState& state) { state.interfaces.resize(count, state.interfaces[0]); });
+        const sim::Interface usual = sim::PanelState().interfaces[0];
+        ChangePanel([&](sim::PanelState& state) { state.interfaces.assign(count, usual); });
     }
     static bool SetIp(const char* address, int which, const std::string& name) {
         QString text = QLatin1String(address);
@@ -98,7 +92,6 @@ TEST(Addresses, AreFourNumbersInTheirRanges) {
 
 TEST_F(Interfaces, AreListedUpToALimit) {
     for (const std::size_t count : {0u, 1u, 2u, 3u, 300u}) {
-        SetInterfaceCount(2);
         SetInterfaceCount(count);
         unsigned int found = 77;
         std::vector<QString> names;
@@ -107,8 +100,6 @@ TEST_F(Interfaces, AreListedUpToALimit) {
         EXPECT_EQ(found, count != 0 ? expected : 77u);
         EXPECT_EQ(names.size(), expected);
         EXPECT_EQ(ListInterfaceAddresses().size(), expected);
-        if (count == 0)
-            sim::SimPanel::instance().reset();
     }
 }
 
@@ -253,19 +244,23 @@ TEST_F(NetworkMode, RefusesWhatIsOutside) {
     EXPECT_TRUE(Panel().appliedRecords.empty());
 }
 
+// While the panel's state is being changed the task's platform calls wait, and with them the
+// request.
 TEST_F(NetworkMode, IsNotQueuedBehindAnotherRequest) {
-    Delay("hal_set_ip_addr", 100);
-    int firstResult = -99;
-    std::thread other([&] { context.m_pNetworkTask->Execute(1, 1, firstResult); });
-    WaitFor(NetworkTask::STATE_EXECUTING);
-    testing::internal::CaptureStdout();
-    EXPECT_EQ(SetNetworkMode(record, "i,m,r"), 0);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "network task is executing.......\n");
-    EXPECT_EQ(host.ints["r"], 99);
-    int result = 0;
-    EXPECT_FALSE(context.m_pNetworkTask->Execute(0, 1, result));
+    int otherResult = -99;
+    std::thread other;
+    ChangePanel([&](sim::PanelState&) {
+        other = std::thread([&] { context.m_pNetworkTask->Execute(1, 1, otherResult); });
+        WaitFor(NetworkTask::STATE_EXECUTING);
+        testing::internal::CaptureStdout();
+        EXPECT_EQ(SetNetworkMode(record, "i,m,r"), 0);
+        EXPECT_EQ(testing::internal::GetCapturedStdout(), "network task is executing.......\n");
+        EXPECT_EQ(host.ints["r"], 99);
+        int result = 0;
+        EXPECT_FALSE(context.m_pNetworkTask->Execute(0, 1, result));
+    });
     other.join();
-    EXPECT_EQ(firstResult, 0);
+    EXPECT_EQ(otherResult, 0);
     EXPECT_EQ(Panel().appliedRecords.size(), 1u);
 }
 
@@ -281,19 +276,22 @@ TEST_F(NetworkMode, TaskEndsFromEveryState) {
         NetworkTask task;
         task.start();
         task.start();
-        int result = 0;
-        if (i % 2 != 0)
-            EXPECT_TRUE(task.Execute(0, i / 2 % 2, result));
+        int result = 99;
+        EXPECT_TRUE(i % 2 == 0 || task.Execute(0, i / 2 % 2, result));
+        EXPECT_EQ(result, i % 2 == 0 ? 99 : 0);
     }
-    // The caller of a request under way gets its answer, and the task waits for both.
-    Delay("hal_set_ip_addr", 50);
-    SetFlags(0);
+    // The caller of a request under way gets an answer, and the task outlives the call.
     int result = 99;
-    std::thread caller([&] { context.m_pNetworkTask->Execute(0, 1, result); });
-    WaitFor(NetworkTask::STATE_EXECUTING);
-    context.m_pNetworkTask.reset();
+    std::thread caller, owner;
+    ChangePanel([&](sim::PanelState&) {
+        NetworkTask* const task = context.m_pNetworkTask.get();
+        caller = std::thread([&, task] { EXPECT_TRUE(task->Execute(0, 1, result)); });
+        WaitFor(NetworkTask::STATE_EXECUTING);
+        owner = std::thread([&] { context.m_pNetworkTask.reset(); });
+    });
     caller.join();
-    EXPECT_TRUE(result == 0 || result == -6);  // -6: ended before the thread took it up
+    owner.join();
+    EXPECT_TRUE(result == 0 || result == -6) << result;  // -6: the task ended before it began
     context.m_pNetworkTask.reset(new NetworkTask);
     EXPECT_EQ(SetNetworkMode(record, "i,m,r"), -6);  // no thread to do it, but an answer
 }
