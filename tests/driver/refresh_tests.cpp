@@ -127,6 +127,7 @@ TEST_F(Refresh, ShowsSentinelsForWhatIsMissing) {
     ChangePanel([](sim::PanelState& state) {
         state.serialNumber.clear();
         state.brightness = -19;
+        state.uarts[0] = {true, {7350, 2650, 0, 4200}};
         state.uarts[1].counters = {5, -5, 0, 9};
         state.uarts[2] = {true, {2147483647, 2147483647, 0, 2147483647}};
         state.storageMounted = true;
@@ -134,7 +135,7 @@ TEST_F(Refresh, ShowsSentinelsForWhatIsMissing) {
     });
     testing::internal::CaptureStdout();
     Run();
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "hal_uart_info failed,com:4, res:-1\n");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "hal_uart_info failed,com:4, res:-19\n");
     EXPECT_EQ(Text(20), "-1");
     EXPECT_EQ(Value(21), 100.0);
     EXPECT_EQ(Value(26), -1.0);
