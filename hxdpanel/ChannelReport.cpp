@@ -1,0 +1,172 @@
+#include "ChannelReport.h"
+
+#include "Text.h"
+
+#include "driver/record/ChannelTable.h"
+
+#include <QDateTime>
+#include <QJsonArray>
+#include <QJsonDocument>
+
+#include <algorithm>
+
+namespace {
+
+// A channel with what is known about it; a number beyond the table is known by its number only.
+struct Line {
+    int number;
+    std::string name;
+    std::string unit;
+    bool isText;
+    HostDatabase::Received received;
+};
+
+Line MakeLine(const HostDatabase& database, int number) {
+    const ChannelRow* const row = FindChannel(number);
+    if (row == nullptr)
+        return {number, "Channel " + std::to_string(number), "", false, database.Channel(number)};
+    return {number, row->name, row->unit, row->kind == ChannelRow::TEXT, database.Channel(number)};
+}
+
+std::vector<Line> Lines(const HostDatabase& database) {
+    std::vector<Line> lines;
+    const int count = std::max(CHANNEL_COUNT, database.ChannelCount());
+    for (int number = 1; number <= count; ++number)
+        lines.push_back(MakeLine(database, number));
+    return lines;
+}
+
+const char* Kind(const Line& line) {
+    return line.isText ? "text" : "number";
+}
+
+std::string Value(const Line& line) {
+    return line.received.delivered ? ValueText(line.received.value) : "(not delivered)";
+}
+
+// "0..1" stands where a channel has a range instead of a unit.
+std::string UnitSuffix(const std::string& unit) {
+    if (unit.empty())
+        return "";
+    return unit.find("..") != std::string::npos ? " (" + unit + ")" : " " + unit;
+}
+
+struct Column {
+    const char* title;
+    std::string (*cell)(const Line&);
+};
+const Column COLUMNS[] = {
+    {"No",
+     [](const Line& line) { return (line.number < 10 ? " " : "") + std::to_string(line.number); }},
+    {"Name", [](const Line& line) { return line.name; }},
+    {"Unit", [](const Line& line) { return line.unit; }},
+    {"Type", [](const Line& line) { return std::string(Kind(line)); }},
+    {"Value", Value},
+};
+
+// One value as JSON writes it; an array is the smallest document there is.
+std::string Json(const QJsonValue& value) {
+    const QByteArray document = QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact);
+    return document.mid(1, document.size() - 2).toStdString();
+}
+
+std::string JsonText(const std::string& text) {
+    return Json(QString::fromStdString(text));
+}
+
+std::string JsonValue(const HostDatabase::Received& received) {
+    if (!received.delivered)
+        return "null";
+    switch (received.value.type) {
+        case DATATYPE_INTEGER:
+            return Json(received.value.integer);
+        case DATATYPE_DOUBLE:
+            return Json(received.value.number);
+        default:
+            return JsonText(received.value.text);
+    }
+}
+
+std::string CsvCell(const std::string& text) {
+    std::string visible = Visible(text);
+    if (visible.find_first_of(",\" ") == std::string::npos)
+        return visible;
+    for (std::size_t i = visible.find('"'); i != std::string::npos; i = visible.find('"', i + 2))
+        visible.insert(i, 1, '"');
+    return '"' + visible + '"';
+}
+
+std::string CsvValue(const HostDatabase::Received& received) {
+    if (!received.delivered)
+        return "";
+    const bool isText = received.value.type == DATATYPE_TEXT;
+    return isText ? CsvCell(received.value.text) : ValueText(received.value);
+}
+
+}  // namespace
+
+void PrintChannelTable(std::FILE* out, const HostDatabase& database) {
+    const std::vector<Line> lines = Lines(database);
+    std::vector<std::string> rows(lines.size() + 1);
+    for (const Column& column : COLUMNS) {
+        const bool last = &column == &COLUMNS[sizeof COLUMNS / sizeof *COLUMNS - 1];
+        std::size_t width = Columns(column.title);
+        for (const Line& line : lines)
+            width = std::max(width, Columns(column.cell(line)));
+        rows[0] += last ? column.title : PadRight(column.title, width + 2);
+        for (std::size_t i = 0; i < lines.size(); ++i) {
+            const std::string cell = column.cell(lines[i]);
+            rows[i + 1] += last ? cell : PadRight(cell, width + 2);
+        }
+    }
+    for (const std::string& row : rows)
+        std::fprintf(out, "%s\n", row.c_str());
+}
+
+void PrintChannelsJson(std::FILE* out, const HostDatabase& database) {
+    const char* separator = "[\n";
+    for (const Line& line : Lines(database)) {
+        std::fprintf(out,
+                     "%s  {\"number\": %d, \"name\": %s, \"unit\": %s, \"type\": \"%s\", "
+                     "\"value\": %s}",
+                     separator, line.number, JsonText(line.name).c_str(),
+                     JsonText(line.unit).c_str(), Kind(line), JsonValue(line.received).c_str());
+        separator = ",\n";
+    }
+    std::fputs("\n]\n", out);
+}
+
+void PrintCsvHeader(std::FILE* out, const HostDatabase& database) {
+    std::fputs("time", out);
+    for (const Line& line : Lines(database)) {
+        const std::string unit = line.unit.empty() ? "" : " [" + line.unit + "]";
+        std::fprintf(out, ",%s", CsvCell(line.name + unit).c_str());
+    }
+    std::fputs("\n", out);
+}
+
+void PrintCsvLine(std::FILE* out, const HostDatabase& database) {
+    std::fputs(IsoTime().c_str(), out);
+    for (const Line& line : Lines(database))
+        std::fprintf(out, ",%s", CsvValue(line.received).c_str());
+    std::fputs("\n", out);
+}
+
+std::string ChannelText(const HostDatabase& database, int number) {
+    const Line line = MakeLine(database, number);
+    return std::to_string(number) + " " + line.name + " = " + Value(line) + UnitSuffix(line.unit);
+}
+
+std::vector<std::pair<std::string, std::string>> ScreenRows(const HostDatabase& database) {
+    std::vector<std::pair<std::string, std::string>> rows;
+    for (const Line& line : Lines(database)) {
+        rows.emplace_back(std::to_string(line.number) + " " + line.name,
+                          Value(line) + UnitSuffix(line.unit));
+    }
+    return rows;
+}
+
+std::string IsoTime() {
+    const QDateTime now = QDateTime::currentDateTime();
+    return now.toOffsetFromUtc(now.offsetFromUtc()).toString(Qt::ISODate).toStdString();
+}

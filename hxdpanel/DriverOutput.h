@@ -1,0 +1,55 @@
+// Keeps what the driver prints apart from the results of this program. The driver writes to
+// standard output on its own account, from its threads too; while this object lives its lines go to
+// standard error, marked as the driver's, and the results go where standard output was.
+#ifndef HXDPANEL_DRIVEROUTPUT_H
+#define HXDPANEL_DRIVEROUTPUT_H
+
+#include <condition_variable>
+#include <cstdio>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+class DriverOutput {
+public:
+    DriverOutput();
+    ~DriverOutput();  // everything printed so far has been shown
+    DriverOutput(const DriverOutput&) = delete;
+    DriverOutput& operator=(const DriverOutput&) = delete;
+
+    std::FILE* Results() const { return m_pResults; }
+
+    // Returns when all lines that the driver has printed so far have been shown, so that they stand
+    // above the result they belong to.
+    void Settle();
+
+    // Lines are kept back between Hold() and Release(), while the user is typing. A line that is
+    // kept back makes Descriptor() readable.
+    void Hold();
+    void Release();
+    int Descriptor() const { return m_nHeldEvent; }
+
+private:
+    void Run();
+    bool ReadSome();
+    void Show(const std::string& line);
+
+    std::FILE* m_pResults;
+    int m_nPipe = -1;       // what the driver printed, to be read
+    int m_nWakeEvent = -1;  // asks the reader to settle or to end
+    int m_nHeldEvent = -1;
+    std::string m_partLine;  // only the reader's
+
+    std::mutex m_lock;  // guards everything below
+    std::condition_variable m_settled;
+    unsigned m_nSettleAsked = 0;
+    unsigned m_nSettleDone = 0;
+    bool m_bStop = false;
+    bool m_bHold = false;
+    std::vector<std::string> m_held;
+
+    std::thread m_reader;  // started last, joined by the destructor
+};
+
+#endif

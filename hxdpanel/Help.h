@@ -1,0 +1,12 @@
+// The console's help; needs no driver.
+#ifndef HXDPANEL_HELP_H
+#define HXDPANEL_HELP_H
+
+#include <cstdio>
+#include <string>
+
+// topic: a command of the driver or the console, the number of a channel, or empty for the list.
+// Returns an ExitCode.
+int PrintHelp(std::FILE* out, const std::string& topic);
+
+#endif

@@ -1,0 +1,184 @@
+#include "Sandbox.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <vector>
+
+#include <QDir>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+namespace sandbox {
+
+namespace {
+
+const char* const MARKER = "/run/hxd-panel";
+const char* const DRIVER_INSIDE = "/run/driver/libhxdcontrol_armv7.so.1";
+constexpr int FIRST_HANDED_OVER = 100;  // descriptors below are the launcher's own
+
+volatile sig_atomic_t g_child = 0;
+
+std::string ExecutableFolder() {
+    return QFileInfo(QStringLiteral("/proc/self/exe"))
+        .symLinkTarget()
+        .section('/', 0, -2)
+        .toStdString();
+}
+
+std::string Absolute(const std::string& path) {
+    return QFileInfo(QString::fromStdString(path)).absoluteFilePath().toStdString();
+}
+
+// The folder below the user's data, made if need be; empty if it cannot be written.
+std::string DataFolder(const char* name) {
+    const QString base = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+    const QString folder = base + QStringLiteral("/hxdpanel/") + QLatin1String(name);
+    if (base.isEmpty() || !QDir().mkpath(folder) || !QFileInfo(folder).isWritable())
+        return "";
+    return folder.toStdString();
+}
+
+// The launcher script: in the source tree, or beside an installed program.
+std::string Launcher() {
+    for (const std::string& file : {std::string(HXD_IN_PANEL), ExecutableFolder() + "/in-panel"}) {
+        if (::access(file.c_str(), X_OK) == 0)
+            return file;
+    }
+    return "";
+}
+
+void Append(std::vector<std::string>& words, const std::vector<std::string>& more) {
+    words.insert(words.end(), more.begin(), more.end());
+}
+
+// The launcher's options, the program, what the program inside must know, and its own arguments.
+std::vector<std::string> CommandLine(const std::string& launcher, const Options& options,
+                                     int csvDescriptor, int argc, char** argv) {
+    const std::string root = RootFolder(options);
+    const std::string history = options.mode == Options::CONSOLE ? HistoryFolder() : "";
+    std::vector<std::string> words = {launcher};
+    if (!root.empty())
+        Append(words, {"--root", root});
+    if (!options.panel.empty())
+        Append(words, {"--panel", Absolute(options.panel)});
+    if (!history.empty())
+        Append(words, {"--rw", history});
+    if (!options.driver.empty())
+        Append(words, {"--ro", Absolute(options.driver), DRIVER_INSIDE});
+    Append(words, {"--", ExecutableFolder() + "/hxdpanel", "--launched"});
+    if (!history.empty())
+        Append(words, {"--history-folder", history});
+    if (!root.empty())
+        Append(words, {"--files-outside", Absolute(root)});
+    if (!options.driver.empty())
+        Append(words, {"--driver-inside", DRIVER_INSIDE});
+    if (csvDescriptor >= 0)
+        Append(words, {"--csv-descriptor", std::to_string(csvDescriptor)});
+    for (int i = 1; i < argc; ++i)
+        words.emplace_back(argv[i]);
+    return words;
+}
+
+// The machine's file, opened out here for the program inside, which does not see its folder.
+// -1: none is asked for; -2: it cannot be opened.
+int OpenCsv(const std::string& file) {
+    if (file.empty() || file == "-")
+        return -1;
+    const int opened = ::open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    if (opened < 0) {
+        std::fprintf(stderr, "hxdpanel: cannot write %s: %s\n", file.c_str(), std::strerror(errno));
+        return -2;
+    }
+    const int handedOver = ::fcntl(opened, F_DUPFD, FIRST_HANDED_OVER);
+    ::close(opened);
+    return handedOver;
+}
+
+[[noreturn]] void Execute(const std::vector<std::string>& words) {
+    std::vector<char*> arguments;
+    for (const std::string& word : words)
+        arguments.push_back(const_cast<char*>(word.c_str()));
+    arguments.push_back(nullptr);
+    ::execv(arguments[0], arguments.data());
+    ::_exit(UNAVAILABLE);
+}
+
+void PassOn(int signal) {
+    if (g_child > 0)
+        ::kill(g_child, signal);
+}
+
+// Ctrl-C reaches the program inside through the terminal; here it must not end the wait for it.
+void LeaveSignalsToChild() {
+    ::signal(SIGINT, SIG_IGN);
+    ::signal(SIGQUIT, SIG_IGN);
+    struct sigaction action = {};
+    action.sa_handler = PassOn;
+    action.sa_flags = SA_RESTART;
+    ::sigaction(SIGTERM, &action, nullptr);
+    ::sigaction(SIGHUP, &action, nullptr);
+}
+
+int Await(pid_t child) {
+    int status = 0;
+    while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    }
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+}  // namespace
+
+bool Inside() {
+    return ::access(MARKER, F_OK) == 0;
+}
+
+std::string RootFolder(const Options& options) {
+    if (!options.root.empty())
+        return Absolute(options.root);
+    return options.fresh || !options.panel.empty() ? "" : DataFolder("root");
+}
+
+std::string HistoryFolder() {
+    return DataFolder("console");
+}
+
+std::string DriverFile(const Options& options) {
+    if (!options.inside.driver.empty())
+        return options.inside.driver;
+    if (!options.driver.empty())
+        return Absolute(options.driver);
+    return ExecutableFolder() + "/../lib/libhxdcontrol_armv7.so.1";
+}
+
+int RunInside(const Options& options, int argc, char** argv) {
+    const std::string launcher = Launcher();
+    if (launcher.empty())
+        return UNAVAILABLE;
+    const int csvDescriptor = OpenCsv(options.csv);
+    if (csvDescriptor < -1)
+        return EXIT_USAGE;
+    const std::vector<std::string> words =
+        CommandLine(launcher, options, csvDescriptor, argc, argv);
+    const pid_t parent = ::getpid();
+    const pid_t child = ::fork();
+    if (child < 0)
+        return UNAVAILABLE;
+    if (child == 0) {
+        ::prctl(PR_SET_PDEATHSIG, SIGTERM);
+        if (::getppid() == parent)
+            Execute(words);
+        ::_exit(UNAVAILABLE);
+    }
+    g_child = child;
+    LeaveSignalsToChild();
+    return Await(child);
+}
+
+}  // namespace sandbox

@@ -1,0 +1,55 @@
+#include "SimulatedPanel.h"
+
+#include "GuardedCalls.h"
+#include "Options.h"
+#include "Sandbox.h"
+#include "SimPanel.h"
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+
+#include <QDir>
+#include <QTemporaryDir>
+
+namespace {
+
+// In guarded mode there is no private root: the directories that the platform names go below the
+// panel's folder.
+bool RedirectDirectories(const Options& options, std::string& filesOutside) {
+    static const std::unique_ptr<QTemporaryDir> temporary(new QTemporaryDir);  // removed at the end
+    filesOutside = sandbox::RootFolder(options);
+    const std::string root = filesOutside.empty() ? temporary->path().toStdString() : filesOutside;
+    const std::pair<int, const char*> directories[] = {
+        {1, "/usr/olma_app/config"}, {2, "/usr/olma_app"}, {8, "/tmp/olma_user"}};
+    for (const auto& directory : directories) {
+        const std::string path = root + directory.second;
+        if (!QDir().mkpath(QString::fromStdString(path))) {
+            std::fprintf(stderr, "hxdpanel: cannot create %s\n", path.c_str());
+            return false;
+        }
+        sim::SimPanel::instance().change(
+            [&](sim::PanelState& state) { state.directories[directory.first] = path; });
+    }
+    return true;
+}
+
+}  // namespace
+
+bool SetUpPanel(const Options& options, std::string& filesOutside) {
+    sim::SimPanel& panel = sim::SimPanel::instance();
+    // The launcher passes the folder's full path on; relative ones mean nothing in the sandbox.
+    const char* const handedOver = options.inside.launched ? std::getenv("HXD_PANEL_DIR") : nullptr;
+    const std::string folder = handedOver != nullptr ? handedOver : options.panel;
+    const std::string ini = folder + "/panel.ini";
+    std::string error;
+    if (!folder.empty() && ::access(ini.c_str(), F_OK) == 0 && !panel.loadIni(ini, error)) {
+        std::fprintf(stderr, "hxdpanel: %s:\n%s", ini.c_str(), error.c_str());
+        return false;
+    }
+    panel.change([&](sim::PanelState& state) { state.echoLogLevel = options.logLevel; });
+    filesOutside = options.inside.filesOutside;
+    return !guard::Enabled() || RedirectDirectories(options, filesOutside);
+}

@@ -1,0 +1,27 @@
+// Texts as the console shows and takes them. Bytes are taken as the locale's encoding says.
+#ifndef HXDPANEL_TEXT_H
+#define HXDPANEL_TEXT_H
+
+#include <string>
+#include <vector>
+
+// Control characters and invalid bytes as visible escapes; never anything that acts on a terminal.
+std::string Visible(const std::string& text);
+
+// Visible, and between quotes where the bare text would be misread (empty, blanks at its ends).
+std::string Quoted(const std::string& text);
+
+// The shortest of up to 15 digits: 0.1, not 0.10000000000000001.
+std::string NumberText(double number);
+
+// Columns that a visible text takes on a terminal.
+std::size_t Columns(const std::string& visible);
+std::string PadRight(const std::string& visible, std::size_t columns);
+
+std::string Trimmed(const std::string& text);
+bool EqualNames(const std::string& left, const std::string& right);  // without regard to case
+
+// The candidate that the word is probably a misspelling of, or "" when none is close.
+std::string Closest(const std::string& word, const std::vector<std::string>& candidates);
+
+#endif

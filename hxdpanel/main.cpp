@@ -1,0 +1,138 @@
+// hxdpanel: a host in miniature around the driver, on a simulated panel.
+#include "Console.h"
+#include "Device.h"
+#include "DriverLibrary.h"
+#include "DriverOutput.h"
+#include "GuardedCalls.h"
+#include "Help.h"
+#include "HostDatabase.h"
+#include "Interrupt.h"
+#include "LockPlugin.h"
+#include "Options.h"
+#include "Sandbox.h"
+#include "Session.h"
+#include "SimulatedPanel.h"
+
+#include "common/ResultCodes.h"
+
+#include <QCoreApplication>
+
+#include <clocale>
+#include <cstring>
+#include <memory>
+
+namespace {
+
+struct FileCloser {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
+int RunCommands(Session& session, const std::vector<std::string>& commands) {
+    std::string error;
+    for (const std::string& command : commands) {
+        if (!Session::Understands(command, error)) {
+            std::fprintf(stderr, "%s\n", error.c_str());
+            return EXIT_USAGE;
+        }
+    }
+    session.Collect();  // as a host does before its scripts run
+    int worst = EXIT_DONE;
+    for (const std::string& command : commands) {
+        if (session.Ended())
+            break;
+        worst = std::max(worst, session.Run(command));
+    }
+    return worst;
+}
+
+// What --csv names: opened by the instance outside the sandbox, or here in guarded mode.
+std::FILE* OpenCsv(const Options& options, std::FILE* results) {
+    if (options.csv == "-")
+        return results;
+    return options.inside.csvDescriptor >= 0 ? ::fdopen(options.inside.csvDescriptor, "w")
+                                             : std::fopen(options.csv.c_str(), "w");
+}
+
+int RunWatch(Session& session, const Options& options, std::FILE* results) {
+    if (options.csv.empty())
+        return session.WatchChannels(options.interval, options.count, nullptr);
+    std::FILE* const csv = OpenCsv(options, results);
+    if (csv == nullptr) {
+        std::fprintf(stderr, "hxdpanel: cannot write %s: %s\n", options.csv.c_str(),
+                     std::strerror(errno));
+        return EXIT_USAGE;
+    }
+    const std::unique_ptr<std::FILE, FileCloser> owner(csv != results ? csv : nullptr);
+    return session.WatchChannels(options.interval, options.count, csv);
+}
+
+int RunMode(Session& session, const Options& options, DriverOutput& output) {
+    switch (options.mode) {
+        case Options::CHANNELS:
+            return options.json ? session.ShowChannelsJson() : session.ShowChannels();
+        case Options::EXEC:
+            return RunCommands(session, options.commands);
+        case Options::WRITE:
+            return session.Write(options.number, options.value);
+        case Options::WATCH:
+            return RunWatch(session, options, output.Results());
+        case Options::PANEL:
+            session.Collect();
+            return session.ShowPanel();
+        default:
+            return RunConsole(session, output, options.inside.historyFolder);
+    }
+}
+
+int RunPanel(const Options& options, int argc, char** argv) {
+    QCoreApplication application(argc, argv);
+    std::string filesOutside;
+    if (!SetUpPanel(options, filesOutside))
+        return EXIT_NO_PANEL;
+    // Owned by the application object, under which the driver looks for it.
+    const IVNCLock* const plugin = options.lockPlugin ? new LockPlugin(&application) : nullptr;
+    HostDatabase database;
+    for (const Definition& variable : options.variables)
+        database.SetVariable(variable.name, variable.value);
+
+    DriverOutput output;
+    std::string error;
+    const auto library = DriverLibrary::Load(sandbox::DriverFile(options), error);
+    if (library == nullptr) {
+        std::fprintf(stderr, "hxdpanel: %s\n", error.c_str());
+        return EXIT_NO_DRIVER;
+    }
+    Device device(*library, database, options.blob, options.channels);
+    output.Settle();
+    if (device.InitStatus() != HOST_OK) {
+        std::fprintf(stderr, "hxdpanel: the driver refuses to start: %s\n",
+                     StatusMeaning(device.InitStatus()));
+        return EXIT_NO_DRIVER;
+    }
+    Session session(database, device, output, plugin, filesOutside);
+    return RunMode(session, options, output);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    std::setlocale(LC_CTYPE, "");
+    Options options;
+    int exitCode = EXIT_DONE;
+    if (!ParseOptions(argc, argv, options, exitCode))
+        return exitCode;
+    if (options.mode == Options::HELP)
+        return PrintHelp(stdout, options.helpTopic);
+    if (!sandbox::Inside()) {
+        exitCode = sandbox::RunInside(options, argc, argv);
+        if (exitCode != sandbox::UNAVAILABLE)
+            return exitCode;
+        std::fputs(
+            "hxdpanel: going on without the sandbox; reboot, clock, mount and kernel-log "
+            "calls of the driver are refused\n",
+            stderr);
+        guard::Enable();
+    }
+    interrupt::Install();
+    return RunPanel(options, argc, argv);
+}
