@@ -1,0 +1,274 @@
+// The built library, driven as a host drives it: through dlopen and the abstract classes.
+#include "FakeHost.h"
+#include "FakeLink.h"
+#include "SimPanel.h"
+
+#include <gtest/gtest.h>
+
+#include <dirent.h>
+#include <dlfcn.h>
+#include <sched.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <algorithm>
+#include <csignal>
+#include <fstream>
+#include <stdexcept>
+#include <vector>
+
+namespace {
+
+const unsigned char BLOB[] = {2, 0, 0, 0, 1, 0, 0, 0, 200, 0, 0, 0};
+
+class Device : public testing::Test {
+protected:
+    Device() {
+        library = ::dlopen(HXD_DRIVER_FILE, RTLD_NOW | RTLD_LOCAL);
+        if (library == nullptr)
+            throw std::runtime_error(::dlerror());
+        create =
+            reinterpret_cast<decltype(&CreateDeviceCtrl)>(::dlsym(library, "CreateDeviceCtrl"));
+        destroy =
+            reinterpret_cast<decltype(&DestroyDeviceCtrl)>(::dlsym(library, "DestroyDeviceCtrl"));
+        device = create("panel", &host);
+    }
+    ~Device() override {
+        destroy(device);
+        ::dlclose(library);
+        sim::SimPanel::instance().reset();
+    }
+
+    int Init() { return device->InitDevice(BLOB, sizeof BLOB); }
+    int Collect(int count = 32) {
+        const std::vector<int> channels(static_cast<std::size_t>(count), 1);
+        return device->CollectDevData(channels.data(), count);
+    }
+
+    FakeHost host;
+    void* library = nullptr;
+    decltype(&CreateDeviceCtrl) create = nullptr;
+    decltype(&DestroyDeviceCtrl) destroy = nullptr;
+    IDeviceCtrl* device = nullptr;
+};
+
+struct Resources {
+    long memoryKib, descriptors, threads;
+};
+
+Resources Used() {
+    Resources used = {0, 0, 0};
+    std::ifstream status("/proc/self/status");
+    for (std::string word; status >> word;) {
+        if (word == "VmRSS:")
+            status >> used.memoryKib;
+        else if (word == "Threads:")
+            status >> used.threads;
+    }
+    DIR* const directory = ::opendir("/proc/self/fd");
+    while (::readdir(directory) != nullptr)
+        ++used.descriptors;
+    ::closedir(directory);
+    return used;
+}
+
+}  // namespace
+
+TEST_F(Device, RefusesBadArgumentsInEveryState) {
+    int channel = 1;
+    int value = 7;
+    for (const char* state : {"created", "initialised", "cleaned up"}) {
+        EXPECT_EQ(device->InitDevice(nullptr, 5), HOST_BAD_ARGUMENT) << state;
+        EXPECT_EQ(device->InitDevice(BLOB, 0), HOST_BAD_ARGUMENT) << state;
+        EXPECT_EQ(device->InitDevice(BLOB, -1), HOST_BAD_ARGUMENT) << state;
+        EXPECT_EQ(device->DevIOCtrl(nullptr), HOST_BAD_ARGUMENT) << state;
+        EXPECT_EQ(device->WriteChannel(-1, DATATYPE_INTEGER, &value), HOST_BAD_ARGUMENT) << state;
+        EXPECT_EQ(device->WriteChannel(0, DATATYPE_INTEGER, nullptr), HOST_BAD_ARGUMENT) << state;
+        EXPECT_EQ(device->WriteChannel(2147483647, DATATYPE_INTEGER, &value), 0) << state;
+        EXPECT_EQ(device->WriteChannel(0, static_cast<DATATYPE>(-2), &value), 0) << state;
+        EXPECT_EQ(device->UpdataCommunication(nullptr), HOST_BAD_ARGUMENT) << state;
+        EXPECT_EQ(device->ChannelRefChange(nullptr, 5), HOST_BAD_ARGUMENT) << state;
+        EXPECT_EQ(device->ChannelRefChange(&channel, 0), HOST_BAD_ARGUMENT) << state;
+        EXPECT_EQ(device->ChannelRefChange(&channel, 2147483647), HOST_BAD_ARGUMENT) << state;
+        EXPECT_EQ(device->CollectDevData(nullptr, 5), 0) << state;
+        EXPECT_EQ(device->CollectDevData(&channel, -5), 0) << state;
+        EXPECT_EQ(device->CollectDevData(&channel, 65537), HOST_BAD_ARGUMENT) << state;
+        EXPECT_EQ(device->SetChannelAddress(-1, -1), 0) << state;
+        EXPECT_EQ(Collect(), 0) << state;
+        if (std::string(state) == "created")
+            EXPECT_EQ(Init(), 0);
+        else
+            EXPECT_EQ(device->CleanupDevice(), 0);
+    }
+    EXPECT_EQ(device->CleanupDevice(), 0);
+    EXPECT_EQ(destroy(nullptr), 1);
+    ForeignDevice foreign;
+    EXPECT_EQ(destroy(&foreign), 0);
+    EXPECT_EQ(destroy(create(nullptr, nullptr)), 0);
+    EXPECT_EQ(host.unexpectedCalls, 0);
+}
+
+TEST_F(Device, DeliversTheChannelsByTheirTypes) {
+    const std::vector<int> texts = {0, 1, 7, 8, 14, 15, 16, 17, 18, 19, 21, 22};
+    host.channelType = [&](int channel) {
+        if (std::count(texts.begin(), texts.end(), channel) != 0)
+            return 3;
+        return channel == 20 ? 1 : channel == 5 ? 77 : 2;  // 77: no type that anybody knows
+    };
+    ASSERT_EQ(Init(), 0);
+    EXPECT_EQ(Collect(1), 0);  // fewer than the fixed channels: all are delivered all the same
+    EXPECT_EQ(host.textChannels[0], "192.168.1.20");
+    EXPECT_EQ(host.textChannels[8], "255.255.255.0");
+    EXPECT_EQ(host.textChannels[21], "02:48:58:44:00:20");
+    EXPECT_EQ(host.intChannels[20], 80);
+    EXPECT_GT(host.numberChannels[9], 0.0);
+    EXPECT_GT(host.numberChannels[10], 1.0);
+    EXPECT_EQ(host.numberChannels[28], 42.0);
+    EXPECT_EQ(host.numberChannels[30], -2.0);
+    EXPECT_EQ(host.numberChannels.count(5), 0u);
+    EXPECT_EQ(host.textChannels.size() + host.intChannels.size() + host.numberChannels.size(), 31u);
+}
+
+TEST_F(Device, ReadsItsSourcesAgainOnlyAfterACommandThatExpiresThem) {
+    ASSERT_EQ(Init(), 0);
+    Collect();
+    sim::SimPanel::instance().change([](sim::PanelState& state) { state.brightness = 35; });
+    Collect();
+    EXPECT_EQ(host.numberChannels[20], 80.0);
+    EXPECT_EQ(device->DevIOCtrl("GetCpuUse(10)"), 0);
+    Collect();
+    EXPECT_EQ(host.numberChannels[20], 80.0);
+    EXPECT_EQ(device->DevIOCtrl("REFLESH()"), 0);
+    Collect();
+    EXPECT_EQ(host.numberChannels[20], 35.0);
+    double brightness = 52.9;
+    EXPECT_EQ(device->WriteChannel(20, DATATYPE_DOUBLE, &brightness), 0);
+    EXPECT_EQ(Collect(), 0);
+    EXPECT_EQ(host.numberChannels[20], 50.0);
+    int tooBright = 101;
+    EXPECT_EQ(device->WriteChannel(20, DATATYPE_INTEGER, &tooBright), 5);
+    EXPECT_EQ(Collect(), 5);  // the last result stays in element 0
+    EXPECT_EQ(Init(), 0);     // changes nothing
+    EXPECT_EQ(Collect(), 5);
+}
+
+TEST_F(Device, CrossesTheLinkKindsAndNamesItselfOnEveryCall) {
+    FakeLink link;
+    EXPECT_EQ(device->UpdataCommunication(&link), 0);
+    link.kind = 2;
+    EXPECT_EQ(device->UpdataCommunication(&link), 0);
+    link.kind = 3;
+    EXPECT_EQ(device->UpdataCommunication(&link), HOST_BAD_ARGUMENT);
+    int value = 0;
+    device->DevIOCtrl("x");
+    device->WriteChannel(50, DATATYPE_INTEGER, &value);
+    Collect();
+    EXPECT_EQ(link.deviceName, "panelpanelpanel");  // kept although it was refused
+}
+
+TEST_F(Device, CopesWithAnyBlob) {
+    for (int length = 1; length <= 64; ++length) {
+        for (const int count : {-1, 0, 2, 4133, 2147483647}) {
+            for (const int mark : {0, 20000, 20001}) {
+                std::vector<unsigned char> blob;
+                for (int i = 0; mark != 0 && i < 2; ++i)
+                    blob.push_back(static_cast<unsigned char>(mark >> 8 * i));
+                for (int i = 0; i < 4; ++i)
+                    blob.push_back(static_cast<unsigned char>(count >> 8 * i));
+                blob.resize(64, 0xA5);
+                // The exact length on the heap, so that a sanitizer sees a byte too many.
+                const std::vector<unsigned char> cut(blob.begin(), blob.begin() + length);
+                EXPECT_EQ(device->InitDevice(cut.data(), length), 0);
+                EXPECT_EQ(device->CleanupDevice(), 0);
+            }
+        }
+    }
+}
+
+TEST_F(Device, SurvivesCommandsBetweenAndWithinLargerCollections) {
+    ASSERT_EQ(Init(), 0);
+    int deliveries = 0;
+    host.onDelivery = [&] { ++deliveries; };
+    EXPECT_EQ(Collect(40), 0);
+    EXPECT_EQ(deliveries, 40);
+    EXPECT_EQ(device->DevIOCtrl("nothing"), 0);  // cuts the values to 33, the flags stay
+    EXPECT_EQ(Collect(40), 0);
+    EXPECT_EQ(deliveries, 40 + 32);
+    host.onDelivery = [&] { device->DevIOCtrl("REFLESH()"); };
+    EXPECT_EQ(Collect(60), 0);
+    host.onDelivery = [] { throw std::runtime_error("host"); };
+    EXPECT_EQ(Collect(32), HOST_BAD_ARGUMENT);
+    host.onDelivery = [] {};
+    host.status = -1;  // every callback fails
+    EXPECT_EQ(Collect(32), 0);
+    EXPECT_EQ(device->DevIOCtrl("GetMacInfo(i,n,m)"), 0);
+}
+
+TEST_F(Device, AnswersAnyCommandText) {
+    ASSERT_EQ(Init(), 0);
+    const std::string mebibyte(1 << 20, 'a');
+    const std::string commands[] = {"",
+                                    "(",
+                                    ")",
+                                    ")(",
+                                    "()",
+                                    "((((",
+                                    "))))",
+                                    "OLMA_WRITE)(",
+                                    "OLMA_WRITE(",
+                                    "OLMA_WRITE(1=(",
+                                    "OLMA_WRITE(=)",
+                                    "OLMA_WRITE(999999999999=1)",
+                                    "OLMA_WRITE(nan=nan)",
+                                    "SAVESCREEN(,,,,,,)",
+                                    "GetMacInfo(,,)",
+                                    "SetNetworkMode(,,)",
+                                    "STRSHA256(,)",
+                                    "ModVncPwd(,)",
+                                    "ReadAppLog(,,,)",
+                                    "\xff\xfe(\x80)",
+                                    "ReadAppLog(%s%n,%d,%s,%s)",
+                                    mebibyte,
+                                    mebibyte + "(" + mebibyte + ")",
+                                    "OLMA_WRITE(19=" + mebibyte + ")",
+                                    "STRSHA256(" + mebibyte + ",x)",
+                                    "ReadAppLog(" + mebibyte + ",1,2,3)",
+                                    "GetCpuUse(" + std::string(1 << 20, ',') + ")"};
+    for (const std::string& command : commands)
+        device->DevIOCtrl(command.c_str());
+    EXPECT_EQ(device->DevIOCtrl("REFLESH()"), 0);
+}
+
+TEST_F(Device, RebootsThroughTheKernel) {
+    // The panel inside the panel: a process namespace of its own is what restarts.
+    const pid_t child = static_cast<pid_t>(
+        ::syscall(SYS_clone, SIGCHLD | CLONE_NEWUSER | CLONE_NEWPID, nullptr, nullptr, nullptr, 0));
+    if (child == 0) {
+        device->DevIOCtrl(" reboot ()");
+        ::_exit(0);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGHUP) << status;
+}
+
+TEST_F(Device, LeavesNothingBehind) {
+    const auto cycles = [&](int count) {
+        for (int i = 0; i < count; ++i) {
+            IDeviceCtrl* const other = create("other", &host);
+            other->InitDevice(BLOB, sizeof BLOB);
+            if (i % 2 == 0)
+                other->CleanupDevice();
+            destroy(other);
+        }
+    };
+    cycles(200);  // whatever is allocated once
+    const Resources before = Used();
+    cycles(1000);
+    const Resources after = Used();
+    EXPECT_EQ(after.descriptors, before.descriptors);
+    EXPECT_EQ(after.threads, before.threads);
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+    EXPECT_LT(after.memoryKib - before.memoryKib, 1024);
+#endif
+}
