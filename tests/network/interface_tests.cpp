@@ -38,7 +38,7 @@ class NetworkMode : public Interfaces {
 protected:
     NetworkMode() {
         host.ints = {{"i", 0}, {"m", 1}, {"r", 99}};
-        context.m_pNetworkTask.reset(new NetworkTask);
+        context.m_pNetworkTask = std::make_unique<NetworkTask>();
         context.m_pNetworkTask->start();
     }
     // The state a moment after the answer, when the next request is accepted.
@@ -124,7 +124,8 @@ TEST_F(Interfaces, ThatCannotBeReadKeepTheirPlaceAmongTheNamesAndEndTheAddresses
 TEST_F(Interfaces, GetANewAddressOrMaskAndKeepTheRest) {
     const std::string longest(31, 'x');
     ChangePanel([&](sim::PanelState& state) {
-        std::strcpy(state.interfaces[1].record.name, longest.c_str());
+        std::memset(state.interfaces[0].record.name, 'x', 32);  // too long to be asked for
+        std::memcpy(state.interfaces[1].record.name, longest.c_str(), 32);
         state.interfaces[1].record.flags = 0xfd;
     });
     const hal_network_t before = Panel().interfaces[1].record;
@@ -141,10 +142,10 @@ TEST_F(Interfaces, GetANewAddressOrMaskAndKeepTheRest) {
 
     EXPECT_FALSE(SetIp("10.1.2.3", 0, std::string(32, 'x')));
     EXPECT_FALSE(SetIp("10.1.2.3", 0, "eth7"));
-    EXPECT_FALSE(SetIp("10.1.2.3/24", 0, "eth0"));  // never 255.255.255.255
+    EXPECT_FALSE(SetIp("10.1.2.3/24", 0, longest));  // never 255.255.255.255
     EXPECT_EQ(Panel().appliedRecords.size(), 3u);
     Fail("hal_set_ip_addr", -3);
-    EXPECT_FALSE(SetIp("10.1.2.3", 0, "eth0"));
+    EXPECT_FALSE(SetIp("10.1.2.3", 0, longest));
 }
 
 TEST_F(Interfaces, TellTheirNameAndMacAddress) {
@@ -265,6 +266,7 @@ TEST_F(NetworkMode, IsNotQueuedBehindAnotherRequest) {
 }
 
 TEST_F(NetworkMode, TaskEndsFromEveryState) {
+    Run();  // the fixture's own task has said its word
     testing::internal::CaptureStderr();
     {
         NetworkTask neverStarted;
@@ -292,6 +294,6 @@ TEST_F(NetworkMode, TaskEndsFromEveryState) {
     caller.join();
     owner.join();
     EXPECT_TRUE(result == 0 || result == -6) << result;  // -6: the task ended before it began
-    context.m_pNetworkTask.reset(new NetworkTask);
+    context.m_pNetworkTask = std::make_unique<NetworkTask>();
     EXPECT_EQ(SetNetworkMode(record, "i,m,r"), -6);  // no thread to do it, but an answer
 }
