@@ -18,12 +18,14 @@ function(hxd_compile_options target)
 endfunction()
 
 # For the driver library: only what the map names is exported; the code stays mapped after a
-# dlclose, because threads and static objects may still need it.
+# dlclose, because threads and static objects may still need it. No search path: the host has loaded
+# the platform's libraries already.
 function(hxd_link_options target exports_map)
     hxd_compile_options(${target})
     target_link_options(${target} PRIVATE
         -Wl,--version-script=${exports_map}
         -Wl,-z,relro,-z,now,-z,noexecstack,-z,nodelete,-z,text)
+    set_target_properties(${target} PROPERTIES SKIP_BUILD_RPATH ON)
     if(NOT HXD_SANITIZE)
         target_link_options(${target} PRIVATE -Wl,-z,defs)
     endif()

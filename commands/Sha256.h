@@ -21,10 +21,10 @@ public:
 private:
     void transform();  // compresses the buffered block
 
-    unsigned char m_block[BLOCK_BYTES];
-    std::size_t m_nBuffered;  // bytes in the block
-    std::uint64_t m_nBits;    // length of the message so far
-    std::uint32_t m_chain[8];
+    unsigned char m_block[BLOCK_BYTES] = {};
+    std::size_t m_nBuffered = 0;  // bytes in the block
+    std::uint64_t m_nBits = 0;    // length of the message so far
+    std::uint32_t m_chain[8] = {};
 };
 
 #endif

@@ -75,10 +75,11 @@ bool VNCLockProxy::getVNCKeyboardState() const {
 
 std::unique_ptr<VNCLockProxy> MakeVncLockProxy() {
     QObject* const plugin = FindPlugin();
-    if (plugin == nullptr)
+    if (plugin == nullptr) {
         std::puts("Qt VNC plugin doesn't support lock");
-    else if (qobject_cast<IVNCLock*>(plugin) == nullptr)
+    } else if (qobject_cast<IVNCLock*>(plugin) == nullptr) {
         std::puts("Qt VNC plugin doesn't implement IVNCLock interface");
+    }
     std::unique_ptr<VNCLockProxy> proxy(new VNCLockProxy(plugin));
     proxy->ReleaseLocks();
     return proxy;

@@ -48,14 +48,14 @@ constexpr DEVSYSOPEAR OPERATIONS[] = {SYS_OPEAR_CPU_USE,      SYS_OPEAR_MEM_USE,
 
 void StartServices(OLMA_DATA& record) {
     DEV_CONTEXT& context = *record.m_pContext;
-    context.m_pDevManger.reset(new DevManger);
-    context.m_pNtpCtrl.reset(new NtpCtrl);
+    context.m_pDevManger = std::make_unique<DevManger>();
+    context.m_pNtpCtrl = std::make_unique<NtpCtrl>();
     context.m_pVncLock = MakeVncLockProxy();
     for (const DEVSYSOPEAR operation : OPERATIONS)
         context.m_pDevManger->DevRegiter(operation);
     context.m_pRtdb = record.m_pRtdb;
     CDevBas::ReadDeviceParameters(record);
-    context.m_pNetworkTask.reset(new NetworkTask);
+    context.m_pNetworkTask = std::make_unique<NetworkTask>();
     context.m_pNetworkTask->start();
     context.m_pDisk = MakeDiskManager();
     context.m_bDiskInitPending = true;

@@ -67,8 +67,10 @@ void ReadSettings(hxd::AppSettings& settings, Channels& channels) {
     double autoOff = 0.0;
     if (settings.Read(hxd::KEY_BACKLIGHT_STATUS, text) == 1 && refresh::ParseSwitch(text, autoOff))
         channels.Set(CHANNEL_BACKLIGHT_AUTO_OFF, autoOff);
-    if (settings.Read(hxd::KEY_BACKLIGHT_DURATION, text) == 1)
-        channels.Set(CHANNEL_BACKLIGHT_DELAY, text.toInt() / 1000);
+    if (settings.Read(hxd::KEY_BACKLIGHT_DURATION, text) == 1) {
+        const int wholeSeconds = text.toInt() / 1000;
+        channels.Set(CHANNEL_BACKLIGHT_DELAY, wholeSeconds);
+    }
 }
 
 void RunOperation(OLMA_DATA& data, const char* name, int channel) {
@@ -122,30 +124,28 @@ void ReadMacAddresses(Channels& channels) {
     }
 }
 
-void ShowStorage(const DiskInterface* disk, Channels& channels) {
-    DiskInterface* const manager = const_cast<DiskInterface*>(disk);
-    channels.Set(CHANNEL_STORAGE_LIFE,
-                 disk != nullptr ? manager->getDiskLifeTime() : STORAGE_UNKNOWN);
-    channels.Set(CHANNEL_STORAGE_GEAR, disk != nullptr ? manager->getDiskIO() : STORAGE_UNKNOWN);
-}
-
-void ReadStorage(DEV_CONTEXT& context, Channels& channels) {
+// Brings the storage manager's two numbers up to date; false while it has none.
+bool RefreshStorage(DEV_CONTEXT& context) {
     DiskInterface* const disk = context.m_pDisk.get();
-    if (disk == nullptr) {
-        ShowStorage(nullptr, channels);
-    } else if (context.m_bDiskInitPending) {
+    if (disk == nullptr)
+        return false;
+    if (context.m_bDiskInitPending) {
         // Stays pending after a failure: the next recomputation tries again.
         context.m_bDiskReady = disk->init();
         context.m_bDiskInitPending = !context.m_bDiskReady;
-        ShowStorage(context.m_bDiskReady ? disk : nullptr, channels);
     } else if (context.m_bDiskReady) {
         disk->refresh();
         while (!disk->refreshRes())
             Olma_Sleep(STORAGE_POLL_MS);
-        ShowStorage(disk, channels);
-    } else {
-        ShowStorage(nullptr, channels);
     }
+    return context.m_bDiskReady;
+}
+
+void ReadStorage(DEV_CONTEXT& context, Channels& channels) {
+    const bool known = RefreshStorage(context);
+    channels.Set(CHANNEL_STORAGE_LIFE,
+                 known ? context.m_pDisk->getDiskLifeTime() : STORAGE_UNKNOWN);
+    channels.Set(CHANNEL_STORAGE_GEAR, known ? context.m_pDisk->getDiskIO() : STORAGE_UNKNOWN);
 }
 
 void ReadUarts(Channels& channels) {
@@ -171,7 +171,8 @@ bool refresh::ParseSwitch(const QString& text, double& value) {
 
 double refresh::UartUsePercent(const hal_uart_info_t& info) {
     const long long sum = static_cast<long long>(info.first) + info.second;
-    return sum == 0 ? 0.0 : static_cast<double>(info.fourth * 100LL / sum);
+    const long long wholePercent = sum == 0 ? 0 : info.fourth * 100LL / sum;
+    return static_cast<double>(wholePercent);
 }
 
 int CDevBas::refleshData(OLMA_DATA& data, CArray<double, double>& values, CStringArray& strings) {

@@ -3,10 +3,10 @@
 #include "common/QtText.h"
 
 #include <arpa/inet.h>
-#include <string.h>
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 
 namespace {
 

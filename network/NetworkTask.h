@@ -54,8 +54,10 @@ private:
     std::atomic<State> m_eState{STATE_NEVER_USED};  // goes to idle without the lock
     std::int32_t m_nIndex = 0;
     std::int32_t m_nMode = 0;
-    std::int32_t m_nResult = 0;  // handed over by the semaphore
-    bool m_bAwaited = false;     // a caller is inside Execute()
+    // The semaphore orders the accesses; atomic for race checkers, which do not know Qt's
+    // semaphore.
+    std::atomic<std::int32_t> m_nResult{0};
+    bool m_bAwaited = false;  // a caller is inside Execute()
 };
 
 #endif

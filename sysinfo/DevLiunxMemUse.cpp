@@ -28,7 +28,8 @@ int DevLiunxMemUse::DevOpear(OLMA_DATA& data, std::vector<std::string>& args) {
         return RESULT_DONE;
     const int channel = hxd::ParseInt(args[0].c_str());
     DEV_TRACE("CPUMem DevOpear begin", "Chl = %d", channel);
-    const double availableMib = availableKb / 1024;
+    const int wholeMib = availableKb / 1024;
+    const double availableMib = wholeMib;
     if (data.m_pContext != nullptr)
         data.m_pContext->m_dMemAvail = availableMib;
     DEV_TRACE("CPUMem DevOpear end", "Chl = %d,Mem = %lf", channel, availableMib);

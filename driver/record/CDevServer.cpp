@@ -122,7 +122,7 @@ int CDevServer::SvrGetCmdStr(const CString& text, const CString& separator, CStr
 
 int CDevBas::splitString(const char* text, char separator, std::vector<FF::utils::String>& pieces) {
     if (text == nullptr) {
-        pieces.push_back(FF::utils::String());
+        pieces.emplace_back();
         return 0;
     }
     const std::size_t first = pieces.size();

@@ -9,9 +9,11 @@
 extern "C" {
 #endif
 
-// Writes a BMP of the screen, or of a rectangle of it, to relativePath below the directory that
-// dirMacro names ("$OLMA_DIR_USER": Olma_GetDirectory(8)). flag is always 1. Pixels; a width and
-// height of 0 mean the whole screen. 0 = done.
+// Writes a BMP of the whole screen to relativePath below the directory that dirMacro names
+// ("$OLMA_DIR_USER": Olma_GetDirectory(8)); missing directories are made. The rectangle (pixels; 0,
+// 0, 0, 0: everything) names the part the caller is interested in and does not cut the picture: its
+// coordinates stay those of the screen, and the caller takes its part out of the file. flag is
+// always 1. 0 = done.
 int __gui_screen_capture(const char* dirMacro, const char* relativePath, int flag, int x, int y,
                          int width, int height);
 

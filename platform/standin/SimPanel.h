@@ -6,20 +6,19 @@
 #ifndef SIMPANEL_H
 #define SIMPANEL_H
 
+#include "SimClock.h"
+#include "hal/TextStore.h"
 #include "olma_hal.h"
 
-#include <chrono>
-#include <condition_variable>
-#include <cstdint>
+#include <cstddef>
 #include <ctime>
 #include <deque>
 #include <functional>
 #include <map>
 #include <mutex>
 #include <string>
+#include <utility>
 #include <vector>
-
-#define SIM_API __attribute__((visibility("default")))
 
 namespace sim {
 
@@ -53,15 +52,24 @@ struct LogLine {
     std::string text;
 };
 
-// What a platform function does instead of its work.
+// The GUI's buzzer and backlight settings, as __gui_get_* deliver them.
+struct GuiSettings {
+    bool loaded = false;  // false: the next __gui_get_* reads the settings file
+    int buzzingTime = 30;
+    int lightStatus = 1;
+    int lightTime = 300000;
+};
+
+// What a platform function does instead of its work. Functions that return text return "",
+// functions without a result do nothing.
 struct Failure {
-    int result = -1;       // returned; functions that return text return ""
-    int times = -1;        // calls that fail before the function works again; -1: all
-    unsigned delayMs = 0;  // waited (real time) before returning
+    int result = -1;       // returned
+    int times = -1;        // calls concerned before the function works again; -1: all
+    unsigned delayMs = 0;  // waited (real time) before anything else
     bool fails = true;     // false: only slow
 };
 
-struct SIM_API PanelState {
+struct PanelState {
     PanelState();  // a plausible panel with two ports
 
     std::string serialNumber;
@@ -82,54 +90,72 @@ struct SIM_API PanelState {
     std::deque<LogLine> log;
     int echoLogLevel = 0;  // lines up to this level also go to standard error; 0: none
 
-    std::map<std::string, Failure> failures;  // by function name
+    GuiSettings guiSettings;
+
+    std::map<std::string, Failure> failures;  // by function name, one of FailableFunctions()
 
     // Rows of the picture that __gui_screen_capture draws: name and value.
     std::vector<std::pair<std::string, std::string>> screenRows;
 };
 
-class SIM_API SimPanel {
+// How many of each thing the panel keeps in mind.
+const std::size_t kKeptRecords = 1000;
+
+// Appends to one of the lists above, dropping the oldest beyond kKeptRecords.
+template <class T>
+void Keep(std::deque<T>& list, const T& item) {
+    list.push_back(item);
+    while (list.size() > kKeptRecords)
+        list.pop_front();
+}
+
+// The names of the platform functions that can be made to fail, sorted.
+const std::vector<std::string>& FailableFunctions();
+
+class SimPanel {
 public:
+    // Made at the first call and never destroyed, so threads may use it until the process ends.
     static SimPanel& instance();
 
-    // The factory state, and the clock running at its normal speed.
+    // The factory state, and the clock running at its normal speed (it is not set back).
     void reset();
     // Reads a panel.ini over the present state. Unknown keys and bad values are reported in error
     // (one line each) and make it return false; what was valid has been taken.
     bool loadIni(const std::string& path, std::string& error);
 
     PanelState state() const;  // a copy
+    // edit runs under the panel's lock: it must not call the panel or a platform function, and
+    // should be short.
     void change(const std::function<void(PanelState&)>& edit);
+    // A name that is not in FailableFunctions() is a mistake of the caller: the program stops.
     void fail(const std::string& function, const Failure& failure);
     void mend(const std::string& function);
 
     // Consults the failures: waits if the function is slow; true if it is to fail with result.
     bool shallFail(const char* function, int& result);
 
-    // The clock behind Olma_GetTickCount and Olma_Sleep. While held it moves only by advance(),
-    // and a sleeping thread wakes up when it has been moved past its time, or when it is let run.
-    // Advancing moves a running clock ahead as well.
-    void holdClock();
-    void advanceClock(long long milliseconds);
-    void runClock(double speed = 1.0);  // 10.0: ten times as fast; also ends a hold
-    long long tick() const;
-    void sleep(unsigned int milliseconds);
-    // Threads now inside sleep(); lets a test wait until a worker has come to rest.
-    int sleepers() const;
+    // A copy of text that stays valid while the platform functions hand out fewer than
+    // TextStore::kCapacity other texts.
+    const char* keepText(const std::string& text);
+
+    // The clock behind Olma_GetTickCount and Olma_Sleep; see SimClock.
+    void holdClock() { m_clock.hold(); }
+    void advanceClock(long long milliseconds) { m_clock.advance(milliseconds); }
+    void runClock(double speed = 1.0) { m_clock.run(speed); }
+    long long tick() const { return m_clock.tick(); }
+    void sleep(unsigned int milliseconds) { m_clock.sleep(milliseconds); }
+    int sleepers() const { return m_clock.sleepers(); }
+    bool waitForSleepers(int count, unsigned int timeoutMs = 10000) const {
+        return m_clock.waitForSleepers(count, timeoutMs);
+    }
 
 private:
-    SimPanel();
-    long long tickLocked() const;
-    void rebaseLocked(long long stepMs);
+    SimPanel() = default;
 
-    mutable std::mutex m_lock;  // guards everything below
+    mutable std::mutex m_lock;  // guards m_state
     PanelState m_state;
-    std::condition_variable m_clockChanged;
-    bool m_bHeld = false;
-    double m_dSpeed = 1.0;
-    long long m_llBaseTick = 0;
-    std::chrono::steady_clock::time_point m_base;
-    int m_nSleepers = 0;
+    SimClock m_clock;
+    TextStore m_texts;
 };
 
 }  // namespace sim

@@ -1,6 +1,7 @@
 #include "Record.h"
 #include "common/AppSettings.h"
 #include "driver/RefreshCycle.h"
+#include "storage/DiskInterface.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -23,7 +24,45 @@ protected:
     }
 };
 
+// A storage manager whose init() fails so many times, and which answers the second poll.
+class FakeDisk final : public DiskInterface {
+public:
+    FakeDisk(int failures, std::string& calls) : m_nFailures(failures), m_calls(calls) {}
+    bool init() override {
+        m_calls += "i";
+        return m_nFailures-- <= 0;
+    }
+    int getDiskLifeTime() override { return 77; }
+    int getDiskIO() override { return 2; }
+    void refresh() override { m_calls += "r"; }
+    bool refreshRes() override {
+        m_calls += "?";
+        return m_calls.size() >= 2 && m_calls[m_calls.size() - 2] == '?';
+    }
+
+private:
+    int m_nFailures;
+    std::string& m_calls;
+};
+
 }  // namespace
+
+TEST_F(Refresh, InitialisesTheStorageManagerUntilThatWorksAndThenRefreshesIt) {
+    std::string calls;
+    context.m_pDisk.reset(new FakeDisk(2, calls));
+    context.m_bDiskInitPending = true;
+    const struct {
+        const char* calls;
+        double life, gear;
+    } rounds[] = {{"i", -1, -1}, {"ii", -1, -1}, {"iii", 77, 2}, {"iiir??", 77, 2}};
+    sim::SimPanel::instance().runClock(100.0);
+    for (const auto& round : rounds) {
+        Run();
+        EXPECT_EQ(calls, round.calls);
+        EXPECT_EQ(Value(26), round.life);
+        EXPECT_EQ(Value(27), round.gear);
+    }
+}
 
 TEST_F(Refresh, ShowsOneOrTwoInterfacesAndLeavesOtherNumbersAlone) {
     const struct {
@@ -88,6 +127,7 @@ TEST_F(Refresh, ShowsSentinelsForWhatIsMissing) {
     ChangePanel([](sim::PanelState& state) {
         state.serialNumber.clear();
         state.brightness = -19;
+        state.uarts[0] = {true, {7350, 2650, 0, 4200}};
         state.uarts[1].counters = {5, -5, 0, 9};
         state.uarts[2] = {true, {2147483647, 2147483647, 0, 2147483647}};
         state.storageMounted = true;
@@ -95,7 +135,7 @@ TEST_F(Refresh, ShowsSentinelsForWhatIsMissing) {
     });
     testing::internal::CaptureStdout();
     Run();
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "hal_uart_info failed,com:4, res:-1\n");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "hal_uart_info failed,com:4, res:-19\n");
     EXPECT_EQ(Text(20), "-1");
     EXPECT_EQ(Value(21), 100.0);
     EXPECT_EQ(Value(26), -1.0);

@@ -115,11 +115,16 @@ TEST_F(Device, DeliversTheChannelsByTheirTypes) {
             return 3;
         return channel == 20 ? 1 : channel == 5 ? 77 : 2;  // 77: no type that anybody knows
     };
+    sim::SimPanel::instance().change([](sim::PanelState& state) {
+        state.interfaces[0].macAddress = "02:48:58:44:00:2a";
+        state.uarts[0] = {true, {7350, 2650, 0, 4200}};
+        state.uarts[2].present = false;
+    });
     ASSERT_EQ(Init(), 0);
     EXPECT_EQ(Collect(1), 0);  // fewer than the fixed channels: all are delivered all the same
     EXPECT_EQ(host.textChannels[0], "192.168.1.20");
     EXPECT_EQ(host.textChannels[8], "255.255.255.0");
-    EXPECT_EQ(host.textChannels[21], "02:48:58:44:00:20");
+    EXPECT_EQ(host.textChannels[21], "02:48:58:44:00:2A");
     EXPECT_EQ(host.intChannels[20], 80);
     EXPECT_GT(host.numberChannels[9], 0.0);
     EXPECT_GT(host.numberChannels[10], 1.0);

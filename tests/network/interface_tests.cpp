@@ -19,18 +19,12 @@ protected:
         failure.result = result;
         sim::SimPanel::instance().fail(function, failure);
     }
-    static void Delay(const char* function, unsigned milliseconds) {
-        sim::Failure failure;
-        failure.fails = false;
-        failure.delayMs = milliseconds;
-        sim::SimPanel::instance().fail(function, failure);
-    }
     static void SetFlags(std::uint8_t flags) {
         ChangePanel([=](sim::PanelState& state) { state.interfaces[0].record.flags = flags; });
     }
     static void SetInterfaceCount(std::size_t count) {
-        ChangePanel(
-            [=](sim::PanelState& state) { state.interfaces.resize(count, state.interfaces[0]); });
+        const sim::Interface usual = sim::PanelState().interfaces[0];
+        ChangePanel([&](sim::PanelState& state) { state.interfaces.assign(count, usual); });
     }
     static bool SetIp(const char* address, int which, const std::string& name) {
         QString text = QLatin1String(address);
@@ -44,7 +38,7 @@ class NetworkMode : public Interfaces {
 protected:
     NetworkMode() {
         host.ints = {{"i", 0}, {"m", 1}, {"r", 99}};
-        context.m_pNetworkTask.reset(new NetworkTask);
+        context.m_pNetworkTask = std::make_unique<NetworkTask>();
         context.m_pNetworkTask->start();
     }
     // The state a moment after the answer, when the next request is accepted.
@@ -98,7 +92,6 @@ TEST(Addresses, AreFourNumbersInTheirRanges) {
 
 TEST_F(Interfaces, AreListedUpToALimit) {
     for (const std::size_t count : {0u, 1u, 2u, 3u, 300u}) {
-        SetInterfaceCount(2);
         SetInterfaceCount(count);
         unsigned int found = 77;
         std::vector<QString> names;
@@ -107,8 +100,6 @@ TEST_F(Interfaces, AreListedUpToALimit) {
         EXPECT_EQ(found, count != 0 ? expected : 77u);
         EXPECT_EQ(names.size(), expected);
         EXPECT_EQ(ListInterfaceAddresses().size(), expected);
-        if (count == 0)
-            sim::SimPanel::instance().reset();
     }
 }
 
@@ -133,7 +124,8 @@ TEST_F(Interfaces, ThatCannotBeReadKeepTheirPlaceAmongTheNamesAndEndTheAddresses
 TEST_F(Interfaces, GetANewAddressOrMaskAndKeepTheRest) {
     const std::string longest(31, 'x');
     ChangePanel([&](sim::PanelState& state) {
-        std::strcpy(state.interfaces[1].record.name, longest.c_str());
+        std::memset(state.interfaces[0].record.name, 'x', 32);  // too long to be asked for
+        std::memcpy(state.interfaces[1].record.name, longest.c_str(), 32);
         state.interfaces[1].record.flags = 0xfd;
     });
     const hal_network_t before = Panel().interfaces[1].record;
@@ -150,10 +142,10 @@ TEST_F(Interfaces, GetANewAddressOrMaskAndKeepTheRest) {
 
     EXPECT_FALSE(SetIp("10.1.2.3", 0, std::string(32, 'x')));
     EXPECT_FALSE(SetIp("10.1.2.3", 0, "eth7"));
-    EXPECT_FALSE(SetIp("10.1.2.3/24", 0, "eth0"));  // never 255.255.255.255
+    EXPECT_FALSE(SetIp("10.1.2.3/24", 0, longest));  // never 255.255.255.255
     EXPECT_EQ(Panel().appliedRecords.size(), 3u);
     Fail("hal_set_ip_addr", -3);
-    EXPECT_FALSE(SetIp("10.1.2.3", 0, "eth0"));
+    EXPECT_FALSE(SetIp("10.1.2.3", 0, longest));
 }
 
 TEST_F(Interfaces, TellTheirNameAndMacAddress) {
@@ -253,23 +245,28 @@ TEST_F(NetworkMode, RefusesWhatIsOutside) {
     EXPECT_TRUE(Panel().appliedRecords.empty());
 }
 
+// While the panel's state is being changed the task's platform calls wait, and with them the
+// request.
 TEST_F(NetworkMode, IsNotQueuedBehindAnotherRequest) {
-    Delay("hal_set_ip_addr", 100);
-    int firstResult = -99;
-    std::thread other([&] { context.m_pNetworkTask->Execute(1, 1, firstResult); });
-    WaitFor(NetworkTask::STATE_EXECUTING);
-    testing::internal::CaptureStdout();
-    EXPECT_EQ(SetNetworkMode(record, "i,m,r"), 0);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "network task is executing.......\n");
-    EXPECT_EQ(host.ints["r"], 99);
-    int result = 0;
-    EXPECT_FALSE(context.m_pNetworkTask->Execute(0, 1, result));
+    int otherResult = -99;
+    std::thread other;
+    ChangePanel([&](sim::PanelState&) {
+        other = std::thread([&] { context.m_pNetworkTask->Execute(1, 1, otherResult); });
+        WaitFor(NetworkTask::STATE_EXECUTING);
+        testing::internal::CaptureStdout();
+        EXPECT_EQ(SetNetworkMode(record, "i,m,r"), 0);
+        EXPECT_EQ(testing::internal::GetCapturedStdout(), "network task is executing.......\n");
+        EXPECT_EQ(host.ints["r"], 99);
+        int result = 0;
+        EXPECT_FALSE(context.m_pNetworkTask->Execute(0, 1, result));
+    });
     other.join();
-    EXPECT_EQ(firstResult, 0);
+    EXPECT_EQ(otherResult, 0);
     EXPECT_EQ(Panel().appliedRecords.size(), 1u);
 }
 
 TEST_F(NetworkMode, TaskEndsFromEveryState) {
+    Run();  // the fixture's own task has said its word
     testing::internal::CaptureStderr();
     {
         NetworkTask neverStarted;
@@ -281,19 +278,22 @@ TEST_F(NetworkMode, TaskEndsFromEveryState) {
         NetworkTask task;
         task.start();
         task.start();
-        int result = 0;
-        if (i % 2 != 0)
-            EXPECT_TRUE(task.Execute(0, i / 2 % 2, result));
+        int result = 99;
+        EXPECT_TRUE(i % 2 == 0 || task.Execute(0, i / 2 % 2, result));
+        EXPECT_EQ(result, i % 2 == 0 ? 99 : 0);
     }
-    // The caller of a request under way gets its answer, and the task waits for both.
-    Delay("hal_set_ip_addr", 50);
-    SetFlags(0);
+    // The caller of a request under way gets an answer, and the task outlives the call.
     int result = 99;
-    std::thread caller([&] { context.m_pNetworkTask->Execute(0, 1, result); });
-    WaitFor(NetworkTask::STATE_EXECUTING);
-    context.m_pNetworkTask.reset();
+    std::thread caller, owner;
+    ChangePanel([&](sim::PanelState&) {
+        NetworkTask* const task = context.m_pNetworkTask.get();
+        caller = std::thread([&, task] { EXPECT_TRUE(task->Execute(0, 1, result)); });
+        WaitFor(NetworkTask::STATE_EXECUTING);
+        owner = std::thread([&] { context.m_pNetworkTask.reset(); });
+    });
     caller.join();
-    EXPECT_TRUE(result == 0 || result == -6);  // -6: ended before the thread took it up
-    context.m_pNetworkTask.reset(new NetworkTask);
+    owner.join();
+    EXPECT_TRUE(result == 0 || result == -6) << result;  // -6: the task ended before it began
+    context.m_pNetworkTask = std::make_unique<NetworkTask>();
     EXPECT_EQ(SetNetworkMode(record, "i,m,r"), -6);  // no thread to do it, but an answer
 }

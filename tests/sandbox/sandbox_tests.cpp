@@ -1,6 +1,8 @@
 // The sandbox seen by the driver's process: what it may do, what only looks done, what is refused.
 #include <gtest/gtest.h>
 
+#include "TestFiles.h"
+
 #include <fcntl.h>
 #include <sched.h>
 #include <sys/mount.h>
@@ -14,16 +16,9 @@
 #include <csignal>
 #include <cstdlib>
 #include <ctime>
-#include <fstream>
-#include <iterator>
 #include <string>
 
 namespace {
-
-std::string readFile(const std::string& path) {
-    std::ifstream file(path);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
 
 bool canWrite(const std::string& path, int flags) {
     const int fd = open(path.c_str(), O_WRONLY | O_CLOEXEC | flags, 0644);
@@ -59,7 +54,7 @@ TEST(Sandbox, CommandsAreRecordedAndCanBeReplaced) {
     EXPECT_EQ(0, std::system("date -s '2031-05-06 07:08:09'"));
     EXPECT_EQ(0, std::system("mount -t debugfs none /sys/kernel/debug"));
     ASSERT_EQ(0, mkdir("/run/shims", 0755));
-    std::ofstream("/run/shims/ping") << "test \"$2\" = \"it's here\" && exit 3\n";
+    writeFile("/run/shims/ping", "test \"$2\" = \"it's here\" && exit 3\n");
     const int status = std::system("ping -c \"it's here\" ''");
     EXPECT_EQ(3, WEXITSTATUS(status));
     EXPECT_EQ(

@@ -47,6 +47,10 @@ private:
 CString operator+(const CString& left, const CString& right);
 CString operator+(const CString& left, const char* right);
 CString operator+(const char* left, const CString& right);
+CString operator+(const CString& left, char right);
+CString operator+(char left, const CString& right);
+// Neither text nor an address: convert to const char* first where a pointer is meant.
+CString operator+(const CString& left, int right) = delete;
 
 bool operator==(const CString& left, const CString& right);
 bool operator==(const CString& left, const char* right);

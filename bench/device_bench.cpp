@@ -1,0 +1,169 @@
+// The device object's calls beside what they cannot do without: the host's own callbacks, the files
+// under /proc, reading a log once.
+#include "driver/CDevCtrl.h"
+#include "driver/RefreshCycle.h"
+#include "host.h"
+
+#include <benchmark/benchmark.h>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+// Takes values as a host with a plain table would.
+class BenchHost final : public IRtdb {
+public:
+    int GetParamType(const char* name, DATATYPE* type) override {
+        *type = *name == 't' ? DATATYPE_TEXT : *name == 's' ? DATATYPE_DOUBLE : DATATYPE();
+        return 0;
+    }
+    int GetParamInt(const char*, int*) override { return -1; }
+    int GetParamDouble(const char*, double*) override { return -1; }
+    int GetParamString(const char*, std::string*) override { return -1; }
+    int SetParamInt(const char*, int) override { return 0; }
+    int SetParamDouble(const char*, double) override { return 0; }
+    int SetParamString(const char*, const std::string* value) override {
+        benchmark::DoNotOptimize(value->size());
+        return 0;
+    }
+    int GetChannelType(int, int* type) override {
+        *type = DATATYPE_DOUBLE;
+        return 0;
+    }
+    int ReservedSlot9() override { return 0; }
+    int ReservedSlot10() override { return 0; }
+    int ReservedSlot11() override { return 0; }
+    int SetChannelInt(int, int) override { return 0; }
+    int SetChannelDouble(int channel, double value) override {
+        m_values[static_cast<std::size_t>(channel) % m_values.size()] = value;
+        return 0;
+    }
+    int SetChannelString(int, const std::string*) override { return 0; }
+
+private:
+    std::vector<double> m_values = std::vector<double>(1024);
+};
+
+struct BenchDevice {
+    BenchDevice() {
+        const unsigned char blob[] = {2, 0, 0, 0, 1, 0, 0, 0, 200, 0, 0, 0};
+        device.InitDevice(blob, sizeof blob);
+    }
+    ~BenchDevice() { device.CleanupDevice(); }
+    void Collect(std::size_t channels) {
+        const std::vector<int> list(channels, 1);
+        device.CollectDevData(list.data(), static_cast<int>(channels));
+    }
+
+    BenchHost host;
+    CDevCtrl device{"bench", &host};
+};
+
+void CachedCollection(benchmark::State& state) {
+    BenchDevice bench;
+    const std::vector<int> list(static_cast<std::size_t>(state.range(0)), 1);
+    bench.Collect(list.size());
+    for (auto _ : state)
+        bench.device.CollectDevData(list.data(), static_cast<int>(list.size()));
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(CachedCollection)->Name("collection/cached")->Arg(32)->Arg(1024);
+
+void CallbacksAlone(benchmark::State& state) {
+    BenchHost host;
+    IRtdb* volatile called = &host;  // through the virtual table, as the driver calls it
+    for (auto _ : state) {
+        for (int channel = 0; channel < state.range(0); ++channel) {
+            int type = 0;
+            called->GetChannelType(channel, &type);
+            called->SetChannelDouble(channel, type);
+        }
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(CallbacksAlone)->Name("collection/host_callbacks_alone")->Arg(32)->Arg(1024);
+
+void UnknownCommand(benchmark::State& state) {
+    BenchDevice bench;
+    for (auto _ : state)
+        bench.device.DevIOCtrl("Nothing(1)");
+}
+BENCHMARK(UnknownCommand)->Name("command/unknown_name");
+
+void RefusedWrite(benchmark::State& state) {
+    BenchDevice bench;
+    int value = 1;
+    for (auto _ : state)
+        bench.device.WriteChannel(9, DATATYPE_INTEGER, &value);
+}
+BENCHMARK(RefusedWrite)->Name("command/write_to_read_only_channel");
+
+void ReadProcFiles(benchmark::State& state) {
+    const char* const paths[] = {"/proc/stat", "/proc/meminfo", "/proc/diskstats", "/proc/net/dev"};
+    std::vector<int> files;
+    for (const char* path : paths)
+        files.push_back(::open(path, O_RDONLY | O_CLOEXEC));
+    std::vector<char> buffer(65536);
+    for (auto _ : state) {
+        for (const int file : files)
+            benchmark::DoNotOptimize(::pread(file, buffer.data(), buffer.size(), 0));
+    }
+    for (const int file : files)
+        ::close(file);
+}
+BENCHMARK(ReadProcFiles)->Name("refresh/four_preads_of_proc");
+
+// Without the storage manager's wait for its worker: that is a pause, not work.
+void Refresh(benchmark::State& state) {
+    BenchDevice bench;
+    for (auto _ : state) {
+        state.PauseTiming();
+        bench.device.CleanupDevice();
+        const unsigned char blob[] = {0, 0};
+        bench.device.InitDevice(blob, sizeof blob);
+        state.ResumeTiming();
+        bench.Collect(32);
+    }
+}
+BENCHMARK(Refresh)->Name("refresh/first_collection")->Iterations(200);
+
+constexpr const char* LOG = "/storage/log/restart.log";
+constexpr long LOG_BYTES = 48L << 20;  // what fits the panel's storage
+
+void MakeLog() {
+    FILE* const log = std::fopen(LOG, "w");
+    const std::string line(99, 'x');
+    for (long written = 0; log != nullptr && written < LOG_BYTES; written += 100)
+        std::fprintf(log, "%s\n", line.c_str());
+    if (log != nullptr)
+        std::fclose(log);
+}
+
+void LogTail(benchmark::State& state) {
+    BenchDevice bench;
+    MakeLog();
+    for (auto _ : state)
+        bench.device.DevIOCtrl("ReadAppLog(0,64,text,status)");
+    state.SetBytesProcessed(state.iterations() * LOG_BYTES);
+}
+BENCHMARK(LogTail)->Name("log/newest_64_kib_of_48_mib")->Unit(benchmark::kMillisecond);
+
+void ReadOnce(benchmark::State& state) {
+    MakeLog();
+    for (auto _ : state) {
+        const std::unique_ptr<char[]> buffer(new char[LOG_BYTES]);
+        const int file = ::open(LOG, O_RDONLY | O_CLOEXEC);
+        benchmark::DoNotOptimize(::read(file, buffer.get(), LOG_BYTES));
+        ::close(file);
+    }
+    state.SetBytesProcessed(state.iterations() * LOG_BYTES);
+}
+BENCHMARK(ReadOnce)->Name("log/one_read_of_48_mib")->Unit(benchmark::kMillisecond);
+
+}  // namespace

@@ -1,0 +1,43 @@
+// The frame of every platform function: the injected failure first, then the work under the
+// panel's lock, and no exception across the C interface.
+#ifndef GUARDED_H
+#define GUARDED_H
+
+#include "SimPanel.h"
+
+#include <cerrno>
+
+namespace sim {
+
+// work: int (PanelState&). -ENOMEM when memory is exhausted.
+template <class Work>
+int Guarded(const char* function, Work work) noexcept {
+    try {
+        int result = 0;
+        if (SimPanel::instance().shallFail(function, result))
+            return result;
+        SimPanel::instance().change([&](PanelState& state) { result = work(state); });
+        return result;
+    } catch (...) {
+        return -ENOMEM;
+    }
+}
+
+// The same for functions that return text. work: std::string (PanelState&); "" on any failure.
+template <class Work>
+const char* GuardedText(const char* function, Work work) noexcept {
+    try {
+        std::string text;
+        int result = 0;
+        if (SimPanel::instance().shallFail(function, result))
+            return "";
+        SimPanel::instance().change([&](PanelState& state) { text = work(state); });
+        return SimPanel::instance().keepText(text);
+    } catch (...) {
+        return "";
+    }
+}
+
+}  // namespace sim
+
+#endif

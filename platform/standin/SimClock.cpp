@@ -1,0 +1,113 @@
+#include "SimClock.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace {
+
+// Far beyond any test, and far enough from the type's limits to add a sleep to it.
+const long long kLastTick = std::numeric_limits<long long>::max() / 4;
+
+}  // namespace
+
+namespace sim {
+
+using std::chrono::duration_cast;
+using std::chrono::nanoseconds;
+
+SimClock::SimClock()
+    : m_llBaseTick(
+          duration_cast<std::chrono::milliseconds>(RealClock::now().time_since_epoch()).count()),
+      m_baseTime(RealClock::now()) {}
+
+void SimClock::hold() {
+    std::lock_guard<std::mutex> guard(m_lock);
+    setBase(tickLocked());
+    m_bHeld = true;
+    for (Sleeper* sleeper : m_sleepers)
+        sleeper->changed.notify_one();  // it must not wake by real time any more
+}
+
+void SimClock::advance(long long milliseconds) {
+    std::lock_guard<std::mutex> guard(m_lock);
+    const long long now = tickLocked();
+    setBase(now + std::min(std::max(milliseconds, 0LL), std::max(kLastTick - now, 0LL)));
+    for (Sleeper* sleeper : m_sleepers) {
+        // With the clock running, the others must compute their deadline anew.
+        if (!m_bHeld || sleeper->wakeTick <= m_llBaseTick)
+            sleeper->changed.notify_one();
+    }
+}
+
+void SimClock::run(double speed) {
+    std::lock_guard<std::mutex> guard(m_lock);
+    setBase(tickLocked());
+    m_bHeld = false;
+    m_dSpeed = std::isfinite(speed) && speed > 0.0 ? std::min(std::max(speed, 1e-3), 1e6) : 1.0;
+    for (Sleeper* sleeper : m_sleepers)
+        sleeper->changed.notify_one();
+}
+
+long long SimClock::tick() const {
+    std::lock_guard<std::mutex> guard(m_lock);
+    return tickLocked();
+}
+
+void SimClock::sleep(unsigned int milliseconds) {
+    Sleeper self;
+    std::unique_lock<std::mutex> guard(m_lock);
+    self.wakeTick = tickLocked() + milliseconds;
+    const auto place = m_sleepers.insert(m_sleepers.end(), &self);
+    m_sleeperArrived.notify_all();
+    while (tickLocked() < self.wakeTick) {
+        if (m_bHeld)
+            self.changed.wait(guard);
+        else
+            self.changed.wait_until(guard, realTimeOf(self.wakeTick));
+    }
+    m_sleepers.erase(place);
+}
+
+int SimClock::sleepers() const {
+    std::lock_guard<std::mutex> guard(m_lock);
+    return sleepersLocked();
+}
+
+bool SimClock::waitForSleepers(int count, unsigned int timeoutMs) const {
+    std::unique_lock<std::mutex> guard(m_lock);
+    return m_sleeperArrived.wait_for(guard, std::chrono::milliseconds(timeoutMs),
+                                     [&] { return sleepersLocked() >= count; });
+}
+
+long long SimClock::tickLocked() const {
+    if (m_bHeld)
+        return m_llBaseTick;
+    const auto passed = duration_cast<nanoseconds>(RealClock::now() - m_baseTime);
+    return m_llBaseTick +
+           static_cast<long long>(static_cast<double>(passed.count()) * m_dSpeed / 1e6);
+}
+
+int SimClock::sleepersLocked() const {
+    const long long now = tickLocked();
+    return static_cast<int>(
+        std::count_if(m_sleepers.begin(), m_sleepers.end(),
+                      [now](const Sleeper* sleeper) { return sleeper->wakeTick > now; }));
+}
+
+// At most an hour ahead: a sleeper whose time has not come by then asks again.
+SimClock::RealClock::time_point SimClock::realTimeOf(long long tick) const {
+    const double ahead = static_cast<double>(tick - m_llBaseTick) * 1e6 / m_dSpeed;
+    const auto limit = RealClock::now() + std::chrono::hours(1);
+    const double toLimit =
+        static_cast<double>(duration_cast<nanoseconds>(limit - m_baseTime).count());
+    return ahead < toLimit ? m_baseTime + nanoseconds(static_cast<long long>(std::ceil(ahead)))
+                           : limit;
+}
+
+void SimClock::setBase(long long tick) {
+    m_llBaseTick = tick;
+    m_baseTime = RealClock::now();
+}
+
+}  // namespace sim

@@ -1,0 +1,27 @@
+// Owns the texts that platform functions hand out as plain pointers.
+#ifndef TEXTSTORE_H
+#define TEXTSTORE_H
+
+#include <cstddef>
+#include <list>
+#include <mutex>
+#include <string>
+
+namespace sim {
+
+class TextStore {
+public:
+    // The most recently asked for texts that are kept; an older one loses its place.
+    static const std::size_t kCapacity = 256;
+
+    // The stored copy of text, the same pointer every time while it is kept. Any thread.
+    const char* keep(const std::string& text);
+
+private:
+    std::mutex m_lock;
+    std::list<std::string> m_texts;  // most recently asked for first
+};
+
+}  // namespace sim
+
+#endif

@@ -1,0 +1,70 @@
+#include "storage/DiskWorker.h"
+
+#include "olma_host.h"
+#include "storage/Wear.h"
+
+namespace {
+
+constexpr long long HOUR_MS = 3600000;
+constexpr unsigned TICK_MS = 200;
+
+}  // namespace
+
+DiskWorker::~DiskWorker() {
+    StopWorker();
+}
+
+void DiskWorker::StopWorker() {
+    m_bRunning = false;
+    if (m_thread.joinable())
+        m_thread.join();
+}
+
+bool DiskWorker::init() {
+    if (m_thread.joinable())
+        return true;
+    if (!FindStorage(m_llHourlyAllowance))
+        return false;
+    m_llBaseline = ReadWear();
+    m_nLifePercent = ReadLifePercent(m_llBaseline);
+    m_thread = std::thread(&DiskWorker::Run, this);
+    return true;
+}
+
+void DiskWorker::refresh() {
+    m_bRefreshRequested = true;
+    m_bRefreshDone = false;
+}
+
+void DiskWorker::Run() {
+    const long long startTick = Olma_GetTickCount();
+    m_llLastLifeRefresh = startTick;
+    while (m_bRunning) {
+        try {
+            Pass(startTick);
+        } catch (...) {
+            // No memory for a measurement: the values stay, the next pass tries again.
+        }
+        m_bRefreshDone = true;
+        Olma_Sleep(TICK_MS);
+    }
+}
+
+void DiskWorker::Pass(long long startTick) {
+    if (Olma_GetTickCount() - startTick < HOUR_MS) {
+        if (m_bRefreshRequested) {
+            RefreshGear(ReadWear());
+            m_bRefreshRequested = false;
+        }
+    } else if (Olma_GetTickCount() - m_llLastLifeRefresh > HOUR_MS) {
+        const long long wear = ReadWear();
+        m_nLifePercent = ReadLifePercent(wear);
+        RefreshGear(wear);
+        m_llBaseline = wear;
+        m_llLastLifeRefresh = Olma_GetTickCount();
+    }
+}
+
+void DiskWorker::RefreshGear(long long wear) {
+    m_nGear = wear::Gear(wear::Increase(m_llBaseline, wear), m_llHourlyAllowance);
+}

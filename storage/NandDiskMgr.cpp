@@ -1,0 +1,66 @@
+#include "storage/NandDiskMgr.h"
+
+#include "storage/DiskCommon.h"
+#include "storage/Wear.h"
+#include "sysinfo/DoCmd.h"
+
+#include <sys/statfs.h>
+
+namespace {
+
+constexpr long long CYCLES_OF_A_BLOCK = 100000;
+
+// Mounts debugfs for as long as it lives. A debugfs that is mounted already stays as it is: the
+// unmount would take it from whoever mounted it.
+class DebugfsMount {
+public:
+    DebugfsMount() : m_bOurs(!IsMounted()) {
+        if (m_bOurs)
+            DoCmd::doCmdOnly("mount -t debugfs none /sys/kernel/debug");
+    }
+    DebugfsMount(const DebugfsMount&) = delete;
+    DebugfsMount& operator=(const DebugfsMount&) = delete;
+    ~DebugfsMount() {
+        if (m_bOurs)
+            DoCmd::doCmdOnly("umount -l /sys/kernel/debug");
+    }
+
+private:
+    static bool IsMounted() {
+        constexpr long DEBUGFS_MAGIC_NUMBER = 0x64626720;
+        struct statfs status = {};
+        return ::statfs("/sys/kernel/debug", &status) == 0 &&
+               static_cast<long>(status.f_type) == DEBUGFS_MAGIC_NUMBER;
+    }
+
+    bool m_bOurs;
+};
+
+int ReadCount(const char* path) {
+    QString line;
+    return DiskCommon::readFirstLine(QLatin1String(path), line) ? line.toInt() : 0;
+}
+
+}  // namespace
+
+bool NandDiskMgr::FindStorage(long long& hourlyAllowance) {
+    QString line;
+    if (!DiskCommon::readFirstLine(QLatin1String("/sys/class/ubi/ubi0/total_eraseblocks"), line))
+        return false;
+    m_llTotalBlocks = line.toLongLong();
+    hourlyAllowance = wear::HourlyAllowance(m_llTotalBlocks, CYCLES_OF_A_BLOCK);
+    return true;
+}
+
+long long NandDiskMgr::ReadWear() {
+    const DebugfsMount debugfs;
+    QVector<QString> table;
+    DiskCommon::readFileOfLine(
+        QLatin1String("/sys/kernel/debug/ubi/ubi0/detailed_erase_block_info"), table);
+    return wear::EraseSum(table);
+}
+
+int NandDiskMgr::ReadLifePercent(long long wear) {
+    return wear::NandLife(wear, m_llTotalBlocks, ReadCount("/sys/class/ubi/ubi0/bad_peb_count"),
+                          ReadCount("/sys/class/ubi/ubi0/reserved_for_bad"));
+}

@@ -1,0 +1,14 @@
+// Words of a text.
+#ifndef HXD_STRINGCOMMON_H
+#define HXD_STRINGCOMMON_H
+
+#include <QString>
+#include <QVector>
+
+class StringCommon {
+public:
+    // Empties out and appends the words of text between runs of white space.
+    static void splitString(const QString& text, QVector<QString>& out);
+};
+
+#endif
