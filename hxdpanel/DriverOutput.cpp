@@ -12,6 +12,10 @@
 
 #include "Text.h"
 
+#include <QByteArray>
+#include <QString>
+#include <QtGlobal>
+
 namespace {
 
 using Locker = std::lock_guard<std::mutex>;
@@ -35,6 +39,11 @@ void Reset(int event) {
     }
 }
 
+// Qt's messages take the way of everything that the driver prints.
+void PrintQtMessage(QtMsgType, const QMessageLogContext&, const QString& message) {
+    std::fprintf(stdout, "%s\n", message.toLocal8Bit().constData());
+}
+
 }  // namespace
 
 DriverOutput::DriverOutput() {
@@ -52,10 +61,12 @@ DriverOutput::DriverOutput() {
     std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
     m_nWakeEvent = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
     m_nHeldEvent = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+    ::qInstallMessageHandler(PrintQtMessage);
     m_reader = std::thread([this] { Run(); });
 }
 
 DriverOutput::~DriverOutput() {
+    ::qInstallMessageHandler(nullptr);
     Release();
     Settle();
     {
@@ -77,6 +88,18 @@ void DriverOutput::Settle() {
     const unsigned asked = ++m_nSettleAsked;
     Signal(m_nWakeEvent);
     m_settled.wait(locker, [&] { return m_nSettleDone >= asked; });
+}
+
+void DriverOutput::Mute() {
+    Settle();
+    const Locker locker(m_lock);
+    m_bMuted = !m_bShowAll;
+}
+
+void DriverOutput::Unmute() {
+    Settle();
+    const Locker locker(m_lock);
+    m_bMuted = false;
 }
 
 void DriverOutput::Hold() {
@@ -138,6 +161,8 @@ bool DriverOutput::ReadSome() {
 void DriverOutput::Show(const std::string& line) {
     const std::string marked = "driver: " + Visible(line) + "\n";
     const Locker locker(m_lock);
+    if (m_bMuted)
+        return;
     if (!m_bHold) {
         std::fputs(marked.c_str(), stderr);
         return;

@@ -161,6 +161,11 @@ int RunInside(const Options& options, int argc, char** argv) {
     const std::string launcher = Launcher();
     if (launcher.empty())
         return UNAVAILABLE;
+    if (!options.driver.empty() && ::access(options.driver.c_str(), R_OK) != 0) {
+        std::fprintf(stderr, "hxdpanel: cannot read the driver %s: %s\n", options.driver.c_str(),
+                     std::strerror(errno));
+        return EXIT_NO_DRIVER;
+    }
     const int csvDescriptor = OpenCsv(options.csv);
     if (csvDescriptor < -1)
         return EXIT_USAGE;

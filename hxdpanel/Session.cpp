@@ -3,13 +3,13 @@
 #include "ChannelReport.h"
 #include "CommandHints.h"
 #include "CommandReference.h"
+#include "HardwareMemory.h"
 #include "Help.h"
 #include "Options.h"
 #include "PanelReport.h"
 #include "SimPanel.h"
 #include "Text.h"
 
-#include "common/ResultCodes.h"
 #include "driver/record/ChannelTable.h"
 
 #include <algorithm>
@@ -70,10 +70,11 @@ bool ChannelValue(const ChannelRow& row, const std::string& text, HostValue& val
 }  // namespace
 
 Session::Session(HostDatabase& database, Device& device, DriverOutput& output,
-                 const IVNCLock* plugin, const std::string& filesOutside)
+                 HardwareMemory& memory, const IVNCLock* plugin, const std::string& filesOutside)
     : m_database(database),
       m_device(device),
       m_output(output),
+      m_memory(memory),
       m_out(output.Results()),
       m_plugin(plugin),
       m_filesOutside(filesOutside) {}
@@ -156,6 +157,7 @@ int Session::RunDriverCommand(const std::string& text) {
     const CommandInfo* const info = FindCommand(Trimmed(parsed.name));
     m_database.TakeTrace();
     const int status = m_device.Command(text);
+    m_memory.Save();
     m_output.Settle();
     const HostDatabase::Trace trace = m_database.TakeTrace();
     std::fprintf(m_out, "%s: status %s\n", Visible(text).c_str(),
@@ -165,22 +167,26 @@ int Session::RunDriverCommand(const std::string& text) {
         if (m_database.FindVariable(name, value))
             std::fprintf(m_out, "%s = %s\n", Visible(name).c_str(), ValueText(value).c_str());
     }
-    ReportFiles();
+    const bool saved = ReportFiles();
     std::fflush(m_out);
+    if (info != nullptr && info->savesFile && !saved)
+        Note("no file was saved; see help " + std::string(info->name));
     for (const std::string& hint : CommandHints(parsed, info, status, m_database, trace))
         Note(hint);
     return ExitFor(status);
 }
 
-void Session::ReportFiles() {
-    for (const std::string& file : m_savedFiles.TakeChanges())
+bool Session::ReportFiles() {
+    const std::vector<std::string> files = m_savedFiles.TakeChanges();
+    for (const std::string& file : files)
         std::fprintf(m_out, "saved %s%s\n", Visible(m_filesOutside + file).c_str(),
                      m_filesOutside.empty() ? " (gone when this run ends)" : "");
+    return !files.empty();
 }
 
 int Session::Collect() {
+    const MutedDriver muted(m_output);
     const int status = m_device.Collect();
-    m_output.Settle();
     sim::SimPanel::instance().change(
         [&](sim::PanelState& state) { state.screenRows = ScreenRows(m_database); });
     return status;
@@ -216,10 +222,15 @@ int Session::Write(int number, const std::string& text) {
         return Complain("Channel " + std::to_string(number) + " takes a number, not " +
                         Quoted(text));
     const int status = m_device.Write(number, value);
+    m_memory.Save();
     Collect();
-    std::fprintf(m_out, "status %s\n%s\n", StatusText(status, StatusMeaning(status)).c_str(),
+    const CommandInfo* const command = FindCommand("OLMA_WRITE");
+    std::fprintf(m_out, "status %s\n%s\n",
+                 StatusText(status, CommandStatusMeaning(command, status)).c_str(),
                  ChannelText(m_database, number).c_str());
     std::fflush(m_out);
+    if (status != HOST_OK)
+        Note(AcceptedText(*row));
     if (value.type == DATATYPE_TEXT && text.find(')') != std::string::npos)
         Note("a channel's text ends at its first \")\": the driver takes no more of it");
     return ExitFor(status);

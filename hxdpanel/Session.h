@@ -11,13 +11,15 @@
 #include <string>
 #include <vector>
 
+class HardwareMemory;
+
 // Operations return an ExitCode.
 class Session {
 public:
     // What is passed by reference outlives the session. plugin may be null. filesOutside: where the
     // panel's files lie on the machine, empty when they are gone after this run.
-    Session(HostDatabase& database, Device& device, DriverOutput& output, const IVNCLock* plugin,
-            const std::string& filesOutside);
+    Session(HostDatabase& database, Device& device, DriverOutput& output, HardwareMemory& memory,
+            const IVNCLock* plugin, const std::string& filesOutside);
 
     // A console command, or a command of the driver as it stands. Blank lines do nothing.
     int Run(const std::string& line);
@@ -56,11 +58,12 @@ private:
     int RunQuit(const std::string& rest);
 
     int Refresh();
-    void ReportFiles();
+    bool ReportFiles();  // false: there were none
 
     HostDatabase& m_database;
     Device& m_device;
     DriverOutput& m_output;
+    HardwareMemory& m_memory;
     std::FILE* m_out;
     const IVNCLock* m_plugin;
     std::string m_filesOutside;
