@@ -12,8 +12,11 @@
 
 #include "driver/record/ChannelTable.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
+#include <sstream>
 
 namespace {
 
@@ -162,11 +165,8 @@ int Session::RunDriverCommand(const std::string& text) {
     const HostDatabase::Trace trace = m_database.TakeTrace();
     std::fprintf(m_out, "%s: status %s\n", Visible(text).c_str(),
                  StatusText(status, CommandStatusMeaning(info, status)).c_str());
-    for (const std::string& name : trace.written) {
-        HostValue value;
-        if (m_database.FindVariable(name, value))
-            std::fprintf(m_out, "%s = %s\n", Visible(name).c_str(), ValueText(value).c_str());
-    }
+    for (const std::string& name : trace.written)
+        PrintVariable(name);
     const bool saved = ReportFiles();
     std::fflush(m_out);
     if (info != nullptr && info->savesFile && !saved)
@@ -174,6 +174,21 @@ int Session::RunDriverCommand(const std::string& text) {
     for (const std::string& hint : CommandHints(parsed, info, status, m_database, trace))
         Note(hint);
     return ExitFor(status);
+}
+
+// One line for programs; people see the lines of a longer text as such.
+void Session::PrintVariable(const std::string& name) {
+    HostValue value;
+    m_database.FindVariable(name, value);
+    const bool isLong = value.type == DATATYPE_TEXT && value.text.find('\n') != std::string::npos;
+    if (!isLong || ::isatty(::fileno(m_out)) == 0) {
+        std::fprintf(m_out, "%s = %s\n", Visible(name).c_str(), ValueText(value).c_str());
+        return;
+    }
+    std::fprintf(m_out, "%s =\n", Visible(name).c_str());
+    std::istringstream lines(value.text);
+    for (std::string line; std::getline(lines, line);)
+        std::fprintf(m_out, "  %s\n", Visible(line).c_str());
 }
 
 bool Session::ReportFiles() {

@@ -58,6 +58,7 @@ private:
     int RunQuit(const std::string& rest);
 
     int Refresh();
+    void PrintVariable(const std::string& name);
     bool ReportFiles();  // false: there were none
 
     HostDatabase& m_database;
