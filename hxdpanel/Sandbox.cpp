@@ -136,6 +136,8 @@ int Await(pid_t child) {
     int status = 0;
     while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
     }
+    for (const int signal : {SIGINT, SIGQUIT, SIGTERM, SIGHUP})
+        ::signal(signal, SIG_DFL);
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
@@ -179,6 +181,8 @@ int RunInside(const Options& options, int argc, char** argv) {
         CommandLine(launcher, options, csvDescriptor, argc, argv);
     const pid_t parent = ::getpid();
     const pid_t child = ::fork();
+    if (child != 0 && csvDescriptor >= 0)
+        ::close(csvDescriptor);
     if (child < 0)
         return UNAVAILABLE;
     if (child == 0) {

@@ -73,14 +73,14 @@ bool ChannelValue(const ChannelRow& row, const std::string& text, HostValue& val
 }  // namespace
 
 Session::Session(HostDatabase& database, Device& device, DriverOutput& output,
-                 HardwareMemory& memory, const IVNCLock* plugin, const std::string& filesOutside)
+                 HardwareMemory& memory, const IVNCLock* plugin, const PanelFiles& files)
     : m_database(database),
       m_device(device),
       m_output(output),
       m_memory(memory),
       m_out(output.Results()),
       m_plugin(plugin),
-      m_filesOutside(filesOutside) {}
+      m_files(files) {}
 
 const std::vector<Session::ConsoleCommand>& Session::ConsoleCommands() {
     static const std::vector<ConsoleCommand> commands = {
@@ -193,9 +193,11 @@ void Session::PrintVariable(const std::string& name) {
 
 bool Session::ReportFiles() {
     const std::vector<std::string> files = m_savedFiles.TakeChanges();
+    const bool isGone = m_files.isPrivate && m_files.outside.empty();
+    const std::string folder = m_files.isPrivate ? m_files.outside : "";
     for (const std::string& file : files)
-        std::fprintf(m_out, "saved %s%s\n", Visible(m_filesOutside + file).c_str(),
-                     m_filesOutside.empty() ? " (gone when this run ends)" : "");
+        std::fprintf(m_out, "saved %s%s\n", Visible(folder + file).c_str(),
+                     isGone ? " (gone when this run ends; --root DIR keeps it)" : "");
     return !files.empty();
 }
 
@@ -262,7 +264,7 @@ int Session::WatchChannels(double interval, int count, std::FILE* csv) {
 
 int Session::ShowPanel() {
     m_output.Settle();
-    PrintPanel(m_out, m_plugin, m_filesOutside);
+    PrintPanel(m_out, m_plugin, m_files.outside);
     std::fflush(m_out);
     return EXIT_DONE;
 }
