@@ -1,0 +1,160 @@
+#include "network/NerworkCheck.h"
+
+#include "common/FileLock.h"
+#include "common/Retry.h"
+#include "network/ResolverText.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <unistd.h>
+#include <QByteArray>
+#include <QProcess>
+#include <QRegExp>
+#include <QStringList>
+
+#include <cstdio>
+
+namespace HXDCTRL {
+const char* const dnsFileLockPath = "/tmp/dns_access_lock.lck";
+const char* const dnsFilePath = "/etc/resolv.conf";
+const char* const dnsFilePathTmp = "/etc/resolv.conf.tmp";
+}  // namespace HXDCTRL
+
+namespace {
+
+constexpr int RESOLVER_ATTEMPTS = 4;
+constexpr useconds_t RESOLVER_PAUSE_US = 100000;
+constexpr int PING_TIMEOUT_MS = 3000;
+constexpr int KILL_TIMEOUT_MS = 1000;
+
+const char* const IP_REG_EXP =
+    "^(\\d{1,2}|1\\d\\d|2[0-4]\\d|25[0-5])\\."
+    "(\\d{1,2}|1\\d\\d|2[0-4]\\d|25[0-5])\\."
+    "(\\d{1,2}|1\\d\\d|2[0-4]\\d|25[0-5])\\."
+    "(\\d{1,2}|1\\d\\d|2[0-4]\\d|25[0-5])$";
+
+const char* const PING_SCRIPT_PATH = "/tmp/ping.sh";
+const char* const PING_SCRIPT =
+    "#!/bin/sh \n"
+    "ping -c 1 -W 2 %1 > /dev/null 2>&1 \n"
+    "if [ $? -eq 0 ];then \n"
+    "exit 0 \n"
+    "else \n"
+    "exit 1 \n"
+    "fi \n";
+
+// A process group of its own, so that the ping goes with its shell.
+class Shell : public QProcess {
+public:
+    // Leaves nothing behind: a QProcess that is destroyed while it runs says so on standard error.
+    void KillAndWait() {
+        const qint64 group = ProcessId();
+        if (group <= 1 || ::kill(static_cast<pid_t>(-group), SIGKILL) != 0)
+            return;
+        waitForFinished(KILL_TIMEOUT_MS);
+    }
+
+protected:
+    void setupChildProcess() override { ::setpgid(0, 0); }
+
+private:
+    qint64 ProcessId() const {
+#if QT_VERSION < 0x050000
+        return pid();
+#else
+        return processId();
+#endif
+    }
+};
+
+// A new file each time: what somebody else has put there is neither followed nor written nor run.
+bool WriteScript(const QByteArray& text) {
+    ::unlink(PING_SCRIPT_PATH);
+    const HXDCTRL::File script(hxd::RetryInterrupted([] {
+        return ::open(PING_SCRIPT_PATH, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0700);
+    }));
+    for (int written = 0; written < text.size();) {
+        const ssize_t count = hxd::RetryInterrupted([&] {
+            return ::write(script.Descriptor(), text.constData() + written,
+                           static_cast<std::size_t>(text.size() - written));
+        });
+        if (count <= 0)
+            return false;
+        written += static_cast<int>(count);
+    }
+    return true;
+}
+
+bool RunScript() {
+    Shell shell;
+    shell.start(QLatin1String("sh"), QStringList() << QLatin1String(PING_SCRIPT_PATH));
+    if (!shell.waitForFinished(PING_TIMEOUT_MS)) {
+        shell.KillAndWait();
+        return false;
+    }
+    return shell.exitStatus() == QProcess::NormalExit && shell.exitCode() == 0;
+}
+
+bool Ping(const QString& address) {
+    HXDCTRL::FileLock lock;
+    if (!lock.open(NerworkCheck::pingLckPath))
+        return false;
+    const HXDCTRL::FileLocker locker(lock);
+    return WriteScript(QString(QLatin1String(PING_SCRIPT)).arg(address).toUtf8()) && RunScript();
+}
+
+void RepairResolverFile() {
+    if (HXDCTRL::File::is_file_exist(HXDCTRL::dnsFilePath) ||
+        !HXDCTRL::File::is_file_exist(HXDCTRL::dnsFilePathTmp))
+        return;
+    std::rename(HXDCTRL::dnsFilePathTmp, HXDCTRL::dnsFilePath);
+    ::sync();
+}
+
+// A malformed file may be one that is being written by somebody who does not know of the lock, so
+// it gets more than one chance.
+std::vector<std::string> ReadNameServers() {
+    std::vector<std::string> servers;
+    for (int attempt = 0; attempt < RESOLVER_ATTEMPTS; ++attempt) {
+        HXDCTRL::File file;
+        if (!file.open(HXDCTRL::dnsFilePath, O_RDONLY | O_NONBLOCK) ||
+            ParseNameServers(file.readAll(), servers))
+            break;
+        ::usleep(RESOLVER_PAUSE_US);
+    }
+    return servers;
+}
+
+// The lock is released before the ping's is taken.
+bool FirstNameServer(std::string& address) {
+    HXDCTRL::FileLock lock;
+    if (!lock.open(HXDCTRL::dnsFileLockPath))
+        return false;
+    const HXDCTRL::FileLocker locker(lock);
+    RepairResolverFile();
+    const std::vector<std::string> servers = ReadNameServers();
+    if (servers.empty())
+        return false;
+    address = servers.front();
+    return true;
+}
+
+}  // namespace
+
+namespace NerworkCheck {
+
+const char* const testPingIpAddr = "223.5.5.5";
+const char* const pingLckPath = "/tmp/ping.lock";
+
+bool isIp(const QString& text) {
+    return QRegExp(QLatin1String(IP_REG_EXP)).exactMatch(text);
+}
+
+bool pingNetWork(bool literal) {
+    std::string address = testPingIpAddr;
+    if (!literal && !FirstNameServer(address))
+        return false;
+    return Ping(QString(QLatin1String(address.c_str())));
+}
+
+}  // namespace NerworkCheck

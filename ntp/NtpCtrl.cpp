@@ -1,0 +1,194 @@
+#include "ntp/NtpCtrl.h"
+
+#include "common/ResultCodes.h"
+#include "network/NerworkCheck.h"
+#include "ntp/NtpTriggers.h"
+#include "ntp/PanelClock.h"
+#include "olma_host.h"
+
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <QtDebug>
+
+namespace {
+
+constexpr int TICK_MS = 200;
+constexpr int TICKS_BETWEEN_ATTEMPTS = 5;
+
+// Pings for the kinds of server that are in the list; an empty entry counts as a host name. False
+// when no kind can be reached.
+bool FindReachMode(const QStringList& servers, std::int32_t& reachMode) {
+    int literals = 0;
+    for (int i = 0; i < servers.size(); ++i)
+        literals += NerworkCheck::isIp(servers.at(i)) ? 1 : 0;
+    const bool literalsReachable = literals > 0 && NerworkCheck::pingNetWork(true);
+    const bool namesReachable = literals < servers.size() && NerworkCheck::pingNetWork(false);
+    if (literalsReachable && namesReachable)
+        reachMode = REACH_BOTH;
+    else
+        reachMode = literalsReachable ? REACH_LITERALS : REACH_NAMES;
+    return literalsReachable || namesReachable;
+}
+
+}  // namespace
+
+NtpCtrl::NtpCtrl() : m_bRunning(true), m_stopEvent(::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)) {
+    m_settings.ReadCfg();
+    m_thread = std::thread(&NtpCtrl::Run, this);
+}
+
+NtpCtrl::~NtpCtrl() {
+    m_bRunning = false;
+    if (m_stopEvent.IsOpen())
+        ::eventfd_write(m_stopEvent.Descriptor(), 1);
+    m_thread.join();
+    // All of them before the first is joined: none is to wait for another one's name look-up.
+    for (NtpThread& worker : m_workers)
+        worker.notifyStop();
+}
+
+int NtpCtrl::enableNtp(int on) {
+    return Change(&ntpCfgParam::ntpSwitch, on, 0, 1);
+}
+
+int NtpCtrl::setNtpMode(int mode) {
+    return Change(&ntpCfgParam::mode, mode, 0, 1);
+}
+
+int NtpCtrl::setNtpFreq(int hours) {
+    return Change(&ntpCfgParam::freq, hours, 1, 24);
+}
+
+int NtpCtrl::Change(std::int32_t ntpCfgParam::*field, int value, int lowest, int highest) {
+    if (value < lowest || value > highest)
+        return RESULT_REFUSED;
+    const std::lock_guard<std::mutex> locker(m_lock);
+    if (m_settings.*field != value) {
+        m_settings.*field = value;
+        m_settings.writeCfg();
+    }
+    return RESULT_DONE;
+}
+
+int NtpCtrl::setNtpServer(const QString& server, int slot) {
+    const std::lock_guard<std::mutex> locker(m_lock);
+    if (slot < 0 || slot >= m_settings.servers.size())
+        return RESULT_REFUSED;
+    if (m_settings.servers.at(slot) != server) {
+        m_settings.servers[slot] = server;
+        m_settings.writeCfg();
+    }
+    return RESULT_DONE;
+}
+
+int NtpCtrl::setNtpServers(const QStringList& servers) {
+    if (servers.size() != NTP_SERVER_COUNT)
+        return RESULT_REFUSED;
+    const std::lock_guard<std::mutex> locker(m_lock);
+    if (m_settings.servers != servers) {
+        m_settings.servers = servers;
+        m_settings.writeCfg();
+    }
+    return RESULT_DONE;
+}
+
+ntpCfgParam NtpCtrl::getParam() const {
+    const std::lock_guard<std::mutex> locker(m_lock);
+    return m_settings;
+}
+
+int NtpCtrl::execNtp() {
+    try {
+        qDebug("%s", "execNtp-----------");
+        if (getParam().ntpSwitch != 1)
+            return RESULT_DONE;
+        return Synchronise() ? RESULT_DONE : RESULT_TIME_SYNC_FAILED;
+    } catch (...) {
+        return RESULT_TIME_SYNC_FAILED;
+    }
+}
+
+bool NtpCtrl::Synchronise() {
+    QStringList servers;
+    std::int32_t reachMode = REACH_BOTH;
+    std::int32_t seconds = 0;
+    if (!ServersToAsk(servers) || !FindReachMode(servers, reachMode))
+        return false;
+    PostRequests(servers, reachMode);
+    return AwaitAnswer(seconds) && SetPanelClock(seconds);
+}
+
+bool NtpCtrl::ServersToAsk(QStringList& servers) const {
+    servers = getParam().servers;
+    for (int i = 0; i < servers.size(); ++i) {
+        if (!servers.at(i).isEmpty())
+            return true;
+    }
+    return false;
+}
+
+void NtpCtrl::PostRequests(const QStringList& servers, std::int32_t reachMode) {
+    for (int i = 0; i < NTP_SERVER_COUNT && i < servers.size(); ++i) {
+        NtpThread& worker = m_workers[static_cast<std::size_t>(i)];
+        worker.Start();
+        worker.Post(servers.at(i), reachMode, m_bRunning);
+    }
+}
+
+// Without a time-out of its own: each worker bounds its request, and one that could not be started
+// counts as failed.
+bool NtpCtrl::AwaitAnswer(std::int32_t& seconds) {
+    bool working = true;
+    while (m_bRunning && working) {
+        working = false;
+        for (NtpThread& worker : m_workers) {
+            const NtpThread::Outcome outcome = worker.Look(seconds);
+            if (outcome == NtpThread::Outcome::ANSWERED)
+                return true;
+            working = working || outcome == NtpThread::Outcome::WORKING;
+        }
+        if (working)
+            Pause();
+    }
+    return false;
+}
+
+// The previous settings start at zero, so a controller that is switched on and automatic when it is
+// made synchronises at once.
+void NtpCtrl::Run() {
+    try {
+        ntpCfgParam previous;
+        long long startMs = Olma_GetTickCount();
+        do {
+            const ntpCfgParam current = getParam();
+            const NtpTriggers triggers = CompareSettings(previous, current);
+            previous = current;
+            if (SynchronisationDue(current, triggers, Olma_GetTickCount() - startMs)) {
+                SynchroniseUntilDone();
+                startMs = Olma_GetTickCount();
+            }
+        } while (Pause());
+    } catch (...) {
+        // Out of memory before the loop; copies inside it share their texts and cannot fail.
+    }
+}
+
+// Until it has succeeded, or has been switched off, which counts as success.
+void NtpCtrl::SynchroniseUntilDone() {
+    while (execNtp() != RESULT_DONE) {
+        for (int i = 0; i < TICKS_BETWEEN_ATTEMPTS; ++i) {
+            if (!Pause())
+                return;
+        }
+    }
+}
+
+// One tick of real time, not the platform's: stopping must not depend on that clock, nor may the
+// system clock, which is set here. A condition variable of an older C++ library would wait by it.
+// Without the event the tick is a plain sleep. False when the controller is to stop.
+bool NtpCtrl::Pause() const {
+    pollfd stop = {m_stopEvent.Descriptor(), POLLIN, 0};
+    if (m_bRunning)
+        ::poll(&stop, 1, TICK_MS);
+    return m_bRunning;
+}

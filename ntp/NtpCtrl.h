@@ -1,0 +1,64 @@
+// Time synchronisation: its settings, the thread that runs it periodically, and one run on demand.
+#ifndef HXD_NTPCTRL_H
+#define HXD_NTPCTRL_H
+
+#include "common/File.h"
+#include "ntp/NtpThread.h"
+#include "ntp/ntpCfgParam.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <mutex>
+#include <thread>
+
+// All operations may be called from any thread and throw only when memory is short. The setters
+// write the settings file on a real change, and so take as long as the storage does; their results
+// are 0 = accepted, RESULT_REFUSED = out of range, nothing changed.
+class NtpCtrl {
+public:
+    // Reads the settings file and starts the control thread; std::system_error when the system
+    // refuses a thread.
+    NtpCtrl();
+    NtpCtrl(const NtpCtrl&) = delete;
+    NtpCtrl& operator=(const NtpCtrl&) = delete;
+    // Stops and joins all threads: at once, except for a running ping (3 s) or name look-up. Nobody
+    // may be inside another operation.
+    ~NtpCtrl();
+
+    int enableNtp(int on);                              // 0 or 1
+    int setNtpMode(int mode);                           // 0 = on demand, 1 = automatic
+    int setNtpFreq(int hours);                          // 1 to 24
+    int setNtpServer(const QString& server, int slot);  // any text, also empty; slot 0 to 3
+    int setNtpServers(const QStringList& servers);      // all four; another number is refused
+
+    ntpCfgParam getParam() const;
+
+    // Asks the servers, waits for the first answer and sets both clocks by it. 0 = done, or
+    // synchronisation is switched off; RESULT_TIME_SYNC_FAILED after any failure. Takes two pings
+    // of up to 3 s, the look-up of the names, and twice 2 s for silent servers. Throws nothing.
+    int execNtp();
+
+private:
+    int Change(std::int32_t ntpCfgParam::*field, int value, int lowest, int highest);
+    bool Synchronise();
+    bool ServersToAsk(QStringList& servers) const;
+    void PostRequests(const QStringList& servers, std::int32_t reachMode);
+    bool AwaitAnswer(std::int32_t& seconds);
+
+    void Run();
+    void SynchroniseUntilDone();
+    bool Pause() const;
+
+    ntpCfgParam m_settings;
+    std::atomic<bool> m_bRunning;
+    mutable std::mutex m_lock;  // guards the settings; never held while a worker's lock is taken
+    std::array<NtpThread, NTP_SERVER_COUNT> m_workers;  // worker i serves slot i
+    std::thread m_thread;
+    HXDCTRL::File m_stopEvent;  // eventfd that ends a pause
+};
+
+#endif

@@ -1,0 +1,79 @@
+// One SNTP worker: a thread that asks one time server at a time.
+#ifndef HXD_NTPTHREAD_H
+#define HXD_NTPTHREAD_H
+
+#include "common/File.h"
+#include "ntp/SntpPacket.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <atomic>
+#include <condition_variable>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+// Which kinds of server can be reached at all.
+enum ReachMode : std::int32_t {
+    REACH_LITERALS = 0,  // only servers given as IPv4 addresses
+    REACH_NAMES = 1,     // only servers given as host names
+    REACH_BOTH = 2,
+};
+
+// The controller posts requests and looks at their outcome; the thread serves them and sets no
+// clock. May be used by several threads. The destructor stops and joins the thread: at once, except
+// while a name is being resolved.
+class NtpThread {
+public:
+    NtpThread() = default;
+    NtpThread(const NtpThread&) = delete;
+    NtpThread& operator=(const NtpThread&) = delete;
+    ~NtpThread();
+
+    // Starts the thread unless it has been started. When the system lacks descriptors (one line on
+    // standard output) or threads, the worker stays unstarted and the next call tries again.
+    void Start();
+
+    // Hands a request to the thread, after the one it is still working on. Without a running
+    // thread, or when running becomes false meanwhile, nothing is posted.
+    void Post(const QString& server, std::int32_t reachMode, const std::atomic<bool>& running);
+
+    enum class Outcome { WORKING, FAILED, ANSWERED };
+    // Of the last request; a worker without a running thread has failed. seconds: the corrected
+    // time since 1970, with ANSWERED only.
+    Outcome Look(std::int32_t& seconds);
+
+    // Ends the thread and what it waits for, without waiting for it to end.
+    void notifyStop();
+
+    // Part of serving a request. Sends it to every address of the server and waits up to 2 s for
+    // the socket to become readable; twice at most. False after a failure, with a line on standard
+    // output or standard error, and after notifyStop().
+    bool tryToSend(int socket, const QString& server);
+
+private:
+    enum State : std::int32_t { STATE_IDLE = 0, STATE_PENDING = 1, STATE_DONE = 2 };
+
+    void Run();
+    bool AwaitRequest(QString& server, std::int32_t& reachMode);
+    bool sendPacketToServer(const QString& server, sntp::CorrectedTime& time);
+    bool AwaitReadable(int socket, const QByteArray& server) const;
+    void Finish(bool success, const sntp::CorrectedTime& time);
+
+    QString m_strServer;
+    std::int32_t m_nReachMode = -1;
+    std::mutex m_lock;  // guards every other member
+    State m_eState = STATE_IDLE;
+    std::condition_variable m_requestPosted;
+    std::condition_variable m_requestDone;
+    std::atomic<bool> m_bRunning{false};  // written under the lock, and read without it
+    std::thread m_thread;
+    bool m_bSuccess = false;
+    std::int32_t m_nSeconds = 0;
+    std::int32_t m_nMicroseconds = 0;
+    std::unique_ptr<HXDCTRL::File> m_pWakeUp;  // eventfd; not changed while the thread runs
+};
+
+#endif
