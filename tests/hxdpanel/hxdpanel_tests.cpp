@@ -17,7 +17,7 @@
 
 namespace {
 
-struct Run {
+struct Outcome {
     int exitCode;
     std::string out;
     std::string errors;
@@ -28,7 +28,7 @@ void Start(QProcess& process, const QStringList& arguments) {
     ASSERT_TRUE(process.waitForStarted()) << "hxdpanel is not built beside the tests";
 }
 
-Run Finish(QProcess& process) {
+Outcome Finish(QProcess& process) {
     process.closeWriteChannel();
     EXPECT_TRUE(process.waitForFinished(60000));
     EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
@@ -36,7 +36,7 @@ Run Finish(QProcess& process) {
             process.readAllStandardError().toStdString()};
 }
 
-Run Hxdpanel(const QStringList& arguments, const QByteArray& input = "") {
+Outcome Hxdpanel(const QStringList& arguments, const QByteArray& input = "") {
     QProcess process;
     Start(process, arguments);
     process.write(input);
@@ -48,7 +48,7 @@ bool Contains(const std::string& text, const std::string& part) {
 }
 
 TEST(Hxdpanel, PrintsJsonAndNothingElse) {
-    const Run run = Hxdpanel({"channels", "--json", "--log", "4", "--no-vnc"});
+    const Outcome run = Hxdpanel({"channels", "--json", "--log", "4", "--no-vnc"});
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_TRUE(Contains(run.errors, "driver: Qt VNC plugin doesn't support lock")) << run.errors;
     const QJsonArray channels = QJsonDocument::fromJson(QByteArray::fromStdString(run.out)).array();
@@ -81,7 +81,6 @@ TEST(Hxdpanel, GivesVariablesTheTypeOfTheirValue) {
         {"x:int=", "x = 0 (int)"},
         {"x=", "x = \"\" (text)"},
         {"x= a=b ", "x = \" a=b \" (text)"},
-        {"x=a\x1b[31m\n\xff\xc3\xa4", "x = \"a\\x1B[31m\\n\\xFF\xc3\xa4\" (text)"},
         {"x:int=2.5", nullptr},
         {"x:word=5", nullptr},
         {"x", nullptr},
@@ -89,9 +88,7 @@ TEST(Hxdpanel, GivesVariablesTheTypeOfTheirValue) {
         {"a,b=5", nullptr},
     };
     for (const auto& row : cases) {
-        // As bytes: the argument need not be valid text.
-        const QString argument = QFile::decodeName(row.definition);
-        const Run run = Hxdpanel({"exec", "--set", argument, "vars"});
+        const Outcome run = Hxdpanel({"exec", "--set", row.definition, "vars"});
         EXPECT_EQ(run.exitCode, row.shown != nullptr ? 0 : 2) << row.definition;
         EXPECT_EQ(run.out, row.shown != nullptr ? std::string(row.shown) + "\n" : "");
     }
@@ -131,7 +128,7 @@ TEST(Hxdpanel, TellsScriptsAndUsersWhatACommandDid) {
         {{"help", "savescreen"}, 0, "SAVESCREEN(path[,x1[,y1[,x2[,y2]]]])", ""},
     };
     for (const auto& row : cases) {
-        const Run run = Hxdpanel(row.arguments);
+        const Outcome run = Hxdpanel(row.arguments);
         const std::string what = row.arguments.join(' ').toStdString();
         EXPECT_EQ(run.exitCode, row.exitCode) << what;
         EXPECT_TRUE(Contains(run.out, row.out)) << what << ": " << run.out;
@@ -140,10 +137,12 @@ TEST(Hxdpanel, TellsScriptsAndUsersWhatACommandDid) {
 }
 
 TEST(Hxdpanel, ReadsLinesFromAPipe) {
-    const Run run = Hxdpanel({}, "set r 7\n\nEnableNTP(2,r)\nquit\nvars\n");
+    const Outcome run = Hxdpanel({}, "set r 7\n\nEnableNTP(2,r)\nquit\nvars\n");
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_EQ(run.out, "r = 7 (int)\nEnableNTP(2,r): status 0 (done)\nr = 4\n");
     EXPECT_EQ(Hxdpanel({}, "nonsense\nREFLESH()").exitCode, 2);
+    EXPECT_EQ(Hxdpanel({}, "set x a\x1b[31m\xff\xc3\xa4\n").out,
+              "x = \"a\\x1B[31m\\xFF\xc3\xa4\" (text)\n");
 }
 
 TEST(Hxdpanel, WatchWritesALinePerReadingUntilInterrupted) {
@@ -167,7 +166,7 @@ TEST(Hxdpanel, RefusesDangerousCallsWithoutTheSandbox) {
     ASSERT_EQ(::unlink("/run/hxd-panel"), 0);  // what tells it that it is inside
     const QByteArray path = qgetenv("PATH");
     qputenv("PATH", "/nowhere");  // so that there is no bubblewrap
-    const Run run = Hxdpanel({"--fresh", "exec", "REBOOT()", "ReadSysLog(0,1,a,b)", "panel"});
+    const Outcome run = Hxdpanel({"--fresh", "exec", "REBOOT()", "ReadSysLog(0,1,a,b)", "panel"});
     qputenv("PATH", path);
     writeFile("/run/hxd-panel", "");
     EXPECT_EQ(run.exitCode, 1);
