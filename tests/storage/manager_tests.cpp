@@ -228,8 +228,9 @@ TEST_F(Storage, OfThePanelsIsFound) {
     for (const auto& c : cases) {
         const std::string root = std::string(HXD_SOURCE_DIR "/tests/panels/") + c.panel + "/root/";
         ASSERT_EQ(std::system(("rm -rf /sys/* /dev/mtd* && cp -rd " + root + "sys /").c_str()), 0);
-        if (c.nand)
+        if (c.nand) {
             ASSERT_EQ(std::system(("cp " + root + "dev/mtd0 /dev").c_str()), 0);
+        }
         disk = MakeDiskManager();
         EXPECT_EQ(dynamic_cast<NandDiskMgr*>(disk.get()) != nullptr, c.nand) << c.panel;
         EXPECT_EQ(disk->init(), c.found) << c.panel;
