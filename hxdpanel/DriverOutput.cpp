@@ -39,6 +39,11 @@ void Reset(int event) {
     }
 }
 
+// Said by threads of the driver whenever they start and end, so it may come at any time.
+bool IsRoutine(const std::string& line) {
+    return line == "task start......." || line == "task exit.....";
+}
+
 // Qt's messages take the way of everything that the driver prints.
 void PrintQtMessage(QtMsgType, const QMessageLogContext&, const QString& message) {
     std::fprintf(stdout, "%s\n", message.toLocal8Bit().constData());
@@ -161,7 +166,7 @@ bool DriverOutput::ReadSome() {
 void DriverOutput::Show(const std::string& line) {
     const std::string marked = "driver: " + Visible(line) + "\n";
     const Locker locker(m_lock);
-    if (m_bMuted)
+    if (m_bMuted || (IsRoutine(line) && !m_bShowAll))
         return;
     if (!m_bHold) {
         std::fputs(marked.c_str(), stderr);

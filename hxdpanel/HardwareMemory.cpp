@@ -25,9 +25,8 @@ std::string InterfaceSettings(std::size_t number, const sim::Interface& interfac
 // As in a panel.ini, which this file is read like.
 std::string HardwareMemory::Settings() {
     const sim::PanelState state = sim::SimPanel::instance().state();
-    std::string text = "[panel]\nbrightness=" + std::to_string(state.brightness) +
-                       "\nlight=" + std::to_string(state.lightOn ? 1 : 0) +
-                       "\ninterfaces=" + std::to_string(state.interfaces.size()) + "\n";
+    std::string text = "[panel]\nbrightness=" + std::to_string(state.brightness) + "\n" +
+                       (state.interfaces.empty() ? "interfaces=0\n" : "");
     for (std::size_t i = 0; i < state.interfaces.size(); ++i)
         text += InterfaceSettings(i + 1, state.interfaces[i]);
     return text;

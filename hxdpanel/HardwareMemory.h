@@ -1,5 +1,5 @@
-// The settings that a panel's hardware keeps over a restart: brightness, light and the interfaces.
-// They lie among the panel's files, so they are kept as long as these.
+// The settings that a panel's hardware keeps over a restart: brightness and interfaces. They lie
+// among the panel's files, so they are kept as long as these.
 #ifndef HXDPANEL_HARDWAREMEMORY_H
 #define HXDPANEL_HARDWAREMEMORY_H
 

@@ -45,13 +45,18 @@ std::string DataFolder(const char* name) {
     return folder.toStdString();
 }
 
-// The launcher script: in the source tree, or beside an installed program.
-std::string Launcher() {
-    for (const std::string& file : {std::string(HXD_IN_PANEL), ExecutableFolder() + "/in-panel"}) {
-        if (::access(file.c_str(), X_OK) == 0)
-            return file;
+// What comes with the program: in the source tree, or beside an installed program. "" if missing.
+std::string Companion(const std::string& name) {
+    for (const std::string& folder : {std::string(HXD_PANEL_SOURCES), ExecutableFolder()}) {
+        const std::string path = folder + "/" + name;
+        if (::access(path.c_str(), R_OK) == 0)
+            return path;
     }
     return "";
+}
+
+std::string PanelFolder(const Options& options) {
+    return options.panel.empty() ? Companion("default-panel") : Absolute(options.panel);
 }
 
 void Append(std::vector<std::string>& words, const std::vector<std::string>& more) {
@@ -66,8 +71,9 @@ std::vector<std::string> CommandLine(const std::string& launcher, const Options&
     std::vector<std::string> words = {launcher};
     if (!root.empty())
         Append(words, {"--root", root});
-    if (!options.panel.empty())
-        Append(words, {"--panel", Absolute(options.panel)});
+    const std::string panel = PanelFolder(options);
+    if (!panel.empty())
+        Append(words, {"--panel", panel});
     if (!history.empty())
         Append(words, {"--rw", history});
     if (!options.driver.empty())
@@ -130,6 +136,8 @@ int Await(pid_t child) {
     int status = 0;
     while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
     }
+    for (const int signal : {SIGINT, SIGQUIT, SIGTERM, SIGHUP})
+        ::signal(signal, SIG_DFL);
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
@@ -158,7 +166,7 @@ std::string DriverFile(const Options& options) {
 }
 
 int RunInside(const Options& options, int argc, char** argv) {
-    const std::string launcher = Launcher();
+    const std::string launcher = Companion("in-panel");
     if (launcher.empty())
         return UNAVAILABLE;
     if (!options.driver.empty() && ::access(options.driver.c_str(), R_OK) != 0) {
@@ -173,6 +181,8 @@ int RunInside(const Options& options, int argc, char** argv) {
         CommandLine(launcher, options, csvDescriptor, argc, argv);
     const pid_t parent = ::getpid();
     const pid_t child = ::fork();
+    if (child != 0 && csvDescriptor >= 0)
+        ::close(csvDescriptor);
     if (child < 0)
         return UNAVAILABLE;
     if (child == 0) {

@@ -12,8 +12,11 @@
 
 #include "driver/record/ChannelTable.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
+#include <sstream>
 
 namespace {
 
@@ -70,14 +73,14 @@ bool ChannelValue(const ChannelRow& row, const std::string& text, HostValue& val
 }  // namespace
 
 Session::Session(HostDatabase& database, Device& device, DriverOutput& output,
-                 HardwareMemory& memory, const IVNCLock* plugin, const std::string& filesOutside)
+                 HardwareMemory& memory, const IVNCLock* plugin, const PanelFiles& files)
     : m_database(database),
       m_device(device),
       m_output(output),
       m_memory(memory),
       m_out(output.Results()),
       m_plugin(plugin),
-      m_filesOutside(filesOutside) {}
+      m_files(files) {}
 
 const std::vector<Session::ConsoleCommand>& Session::ConsoleCommands() {
     static const std::vector<ConsoleCommand> commands = {
@@ -162,11 +165,8 @@ int Session::RunDriverCommand(const std::string& text) {
     const HostDatabase::Trace trace = m_database.TakeTrace();
     std::fprintf(m_out, "%s: status %s\n", Visible(text).c_str(),
                  StatusText(status, CommandStatusMeaning(info, status)).c_str());
-    for (const std::string& name : trace.written) {
-        HostValue value;
-        if (m_database.FindVariable(name, value))
-            std::fprintf(m_out, "%s = %s\n", Visible(name).c_str(), ValueText(value).c_str());
-    }
+    for (const std::string& name : trace.written)
+        PrintVariable(name);
     const bool saved = ReportFiles();
     std::fflush(m_out);
     if (info != nullptr && info->savesFile && !saved)
@@ -176,11 +176,28 @@ int Session::RunDriverCommand(const std::string& text) {
     return ExitFor(status);
 }
 
+// One line for programs; people see the lines of a longer text as such.
+void Session::PrintVariable(const std::string& name) {
+    HostValue value;
+    m_database.FindVariable(name, value);
+    const bool isLong = value.type == DATATYPE_TEXT && value.text.find('\n') != std::string::npos;
+    if (!isLong || ::isatty(::fileno(m_out)) == 0) {
+        std::fprintf(m_out, "%s = %s\n", Visible(name).c_str(), ValueText(value).c_str());
+        return;
+    }
+    std::fprintf(m_out, "%s =\n", Visible(name).c_str());
+    std::istringstream lines(value.text);
+    for (std::string line; std::getline(lines, line);)
+        std::fprintf(m_out, "  %s\n", Visible(line).c_str());
+}
+
 bool Session::ReportFiles() {
     const std::vector<std::string> files = m_savedFiles.TakeChanges();
+    const bool isGone = m_files.isPrivate && m_files.outside.empty();
+    const std::string folder = m_files.isPrivate ? m_files.outside : "";
     for (const std::string& file : files)
-        std::fprintf(m_out, "saved %s%s\n", Visible(m_filesOutside + file).c_str(),
-                     m_filesOutside.empty() ? " (gone when this run ends)" : "");
+        std::fprintf(m_out, "saved %s%s\n", Visible(folder + file).c_str(),
+                     isGone ? " (gone when this run ends; --root DIR keeps it)" : "");
     return !files.empty();
 }
 
@@ -247,7 +264,7 @@ int Session::WatchChannels(double interval, int count, std::FILE* csv) {
 
 int Session::ShowPanel() {
     m_output.Settle();
-    PrintPanel(m_out, m_plugin, m_filesOutside);
+    PrintPanel(m_out, m_plugin, m_files.outside);
     std::fflush(m_out);
     return EXIT_DONE;
 }

@@ -6,6 +6,7 @@
 #include "DriverOutput.h"
 #include "HostDatabase.h"
 #include "SavedFiles.h"
+#include "SimulatedPanel.h"
 #include "Watch.h"
 
 #include <string>
@@ -16,10 +17,9 @@ class HardwareMemory;
 // Operations return an ExitCode.
 class Session {
 public:
-    // What is passed by reference outlives the session. plugin may be null. filesOutside: where the
-    // panel's files lie on the machine, empty when they are gone after this run.
+    // What is passed by reference outlives the session. plugin may be null.
     Session(HostDatabase& database, Device& device, DriverOutput& output, HardwareMemory& memory,
-            const IVNCLock* plugin, const std::string& filesOutside);
+            const IVNCLock* plugin, const PanelFiles& files);
 
     // A console command, or a command of the driver as it stands. Blank lines do nothing.
     int Run(const std::string& line);
@@ -58,6 +58,7 @@ private:
     int RunQuit(const std::string& rest);
 
     int Refresh();
+    void PrintVariable(const std::string& name);
     bool ReportFiles();  // false: there were none
 
     HostDatabase& m_database;
@@ -66,7 +67,7 @@ private:
     HardwareMemory& m_memory;
     std::FILE* m_out;
     const IVNCLock* m_plugin;
-    std::string m_filesOutside;
+    PanelFiles m_files;
     SavedFiles m_savedFiles;
     bool m_bEnded = false;
 };

@@ -63,6 +63,6 @@ bool SetUpPanel(const Options& options, PanelFiles& files) {
         return false;
     }
     panel.change([&](sim::PanelState& state) { state.echoLogLevel = options.logLevel; });
-    files = {options.inside.filesOutside, MEMORY_FILE};
-    return !guard::Enabled() || SetUpGuarded(options, files);
+    files = {options.inside.filesOutside, MEMORY_FILE, !guard::Enabled()};
+    return files.isPrivate || SetUpGuarded(options, files);
 }

@@ -83,7 +83,9 @@ int RunMode(Session& session, const Options& options, DriverOutput& output) {
             session.Collect();
             return session.ShowPanel();
         default:
-            return RunConsole(session, output, options.inside.historyFolder);
+            return RunConsole(
+                session, output,
+                guard::Enabled() ? sandbox::HistoryFolder() : options.inside.historyFolder);
     }
 }
 
@@ -116,7 +118,7 @@ int RunPanel(const Options& options, int argc, char** argv) {
                      StatusMeaning(device.InitStatus()));
         return EXIT_NO_DRIVER;
     }
-    Session session(database, device, output, memory, plugin, files.outside);
+    Session session(database, device, output, memory, plugin, files);
     const int exitCode = RunMode(session, options, output);
     output.Mute();  // what the driver says when it ends
     return exitCode;

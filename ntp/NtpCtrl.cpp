@@ -15,19 +15,12 @@ namespace {
 constexpr int TICK_MS = 200;
 constexpr int TICKS_BETWEEN_ATTEMPTS = 5;
 
-// Pings for the kinds of server that are in the list; an empty entry counts as a host name. False
-// when no kind can be reached.
-bool FindReachMode(const QStringList& servers, std::int32_t& reachMode) {
-    int literals = 0;
-    for (int i = 0; i < servers.size(); ++i)
-        literals += NerworkCheck::isIp(servers.at(i)) ? 1 : 0;
-    const bool literalsReachable = literals > 0 && NerworkCheck::pingNetWork(true);
-    const bool namesReachable = literals < servers.size() && NerworkCheck::pingNetWork(false);
-    if (literalsReachable && namesReachable)
-        reachMode = REACH_BOTH;
-    else
-        reachMode = literalsReachable ? REACH_LITERALS : REACH_NAMES;
-    return literalsReachable || namesReachable;
+bool AllEmpty(const QStringList& servers) {
+    for (int i = 0; i < servers.size(); ++i) {
+        if (!servers.at(i).isEmpty())
+            return false;
+    }
+    return true;
 }
 
 }  // namespace
@@ -100,31 +93,38 @@ ntpCfgParam NtpCtrl::getParam() const {
 int NtpCtrl::execNtp() {
     try {
         qDebug("%s", "execNtp-----------");
-        if (getParam().ntpSwitch != 1)
+        const ntpCfgParam settings = getParam();
+        if (settings.ntpSwitch != 1)
             return RESULT_DONE;
-        return Synchronise() ? RESULT_DONE : RESULT_TIME_SYNC_FAILED;
+        return Synchronise(settings.servers) ? RESULT_DONE : RESULT_TIME_SYNC_FAILED;
     } catch (...) {
         return RESULT_TIME_SYNC_FAILED;
     }
 }
 
-bool NtpCtrl::Synchronise() {
-    QStringList servers;
+bool NtpCtrl::Synchronise(const QStringList& servers) {
     std::int32_t reachMode = REACH_BOTH;
     std::int32_t seconds = 0;
-    if (!ServersToAsk(servers) || !FindReachMode(servers, reachMode))
+    if (AllEmpty(servers) || !FindReachMode(servers, reachMode))
         return false;
     PostRequests(servers, reachMode);
     return AwaitAnswer(seconds) && SetPanelClock(seconds);
 }
 
-bool NtpCtrl::ServersToAsk(QStringList& servers) const {
-    servers = getParam().servers;
-    for (int i = 0; i < servers.size(); ++i) {
-        if (!servers.at(i).isEmpty())
-            return true;
-    }
-    return false;
+// Pings for the kinds of server that are in the list; an empty entry counts as a host name. False
+// when no kind can be reached. Stopping waits for one ping, not for two.
+bool NtpCtrl::FindReachMode(const QStringList& servers, std::int32_t& reachMode) const {
+    int literals = 0;
+    for (int i = 0; i < servers.size(); ++i)
+        literals += NerworkCheck::isIp(servers.at(i)) ? 1 : 0;
+    const bool reachesLiterals = literals > 0 && m_bRunning && NerworkCheck::pingNetWork(true);
+    const bool reachesNames =
+        literals < servers.size() && m_bRunning && NerworkCheck::pingNetWork(false);
+    if (reachesLiterals && reachesNames)
+        reachMode = REACH_BOTH;
+    else
+        reachMode = reachesLiterals ? REACH_LITERALS : REACH_NAMES;
+    return reachesLiterals || reachesNames;
 }
 
 void NtpCtrl::PostRequests(const QStringList& servers, std::int32_t reachMode) {
@@ -153,24 +153,27 @@ bool NtpCtrl::AwaitAnswer(std::int32_t& seconds) {
     return false;
 }
 
+void NtpCtrl::Run() {
+    m_llStartMs = Olma_GetTickCount();
+    do {
+        try {
+            SynchroniseIfDue();
+        } catch (...) {
+            // Out of memory; the next tick tries again.
+        }
+    } while (Pause());
+}
+
 // The previous settings start at zero, so a controller that is switched on and automatic when it is
 // made synchronises at once.
-void NtpCtrl::Run() {
-    try {
-        ntpCfgParam previous;
-        long long startMs = Olma_GetTickCount();
-        do {
-            const ntpCfgParam current = getParam();
-            const NtpTriggers triggers = CompareSettings(previous, current);
-            previous = current;
-            if (SynchronisationDue(current, triggers, Olma_GetTickCount() - startMs)) {
-                SynchroniseUntilDone();
-                startMs = Olma_GetTickCount();
-            }
-        } while (Pause());
-    } catch (...) {
-        // Out of memory before the loop; copies inside it share their texts and cannot fail.
-    }
+void NtpCtrl::SynchroniseIfDue() {
+    const ntpCfgParam current = getParam();
+    const NtpTriggers triggers = CompareSettings(m_previous, current);
+    m_previous = current;
+    if (!SynchronisationDue(current, triggers, Olma_GetTickCount() - m_llStartMs))
+        return;
+    SynchroniseUntilDone();
+    m_llStartMs = Olma_GetTickCount();
 }
 
 // Until it has succeeded, or has been switched off, which counts as success.

@@ -44,12 +44,13 @@ public:
 
 private:
     int Change(std::int32_t ntpCfgParam::*field, int value, int lowest, int highest);
-    bool Synchronise();
-    bool ServersToAsk(QStringList& servers) const;
+    bool Synchronise(const QStringList& servers);
+    bool FindReachMode(const QStringList& servers, std::int32_t& reachMode) const;
     void PostRequests(const QStringList& servers, std::int32_t reachMode);
     bool AwaitAnswer(std::int32_t& seconds);
 
     void Run();
+    void SynchroniseIfDue();
     void SynchroniseUntilDone();
     bool Pause() const;
 
@@ -59,6 +60,9 @@ private:
     std::array<NtpThread, NTP_SERVER_COUNT> m_workers;  // worker i serves slot i
     std::thread m_thread;
     HXDCTRL::File m_stopEvent;  // eventfd that ends a pause
+    // Of the control thread: the settings it saw last, and when the last synchronisation ended.
+    ntpCfgParam m_previous;
+    long long m_llStartMs = 0;  // of the platform's tick
 };
 
 #endif

@@ -18,8 +18,8 @@ bool KnowsTimeZone() {
     return ::access("/etc/localtime", F_OK) == 0 || ::access("/etc/timezone", F_OK) == 0;
 }
 
-// The hour that the assumed zone gives is not carried into the day: late evening gives hours 24 to
-// 31, to both clocks. Scripts and the real-time clock's driver know it that way.
+// The hour of the assumed zone is not carried into the day, so late evening gives hours 24 to 31.
+// Both clocks are handed the same fields, and what they make of them is theirs.
 bool ToLocalTime(std::int32_t seconds, std::tm& local) {
     const std::time_t time = seconds;
     ::tzset();  // the zone may have been set since
@@ -37,8 +37,8 @@ bool SetPanelClock(std::int32_t seconds) {
     if (!ToLocalTime(seconds, local))
         return false;
     std::printf("%s\n", ClockReport(local).c_str());
-    if (std::system(ClockCommand(local).c_str()) != 0) {
-        // The real-time clock is set all the same, and decides.
-    }
+    // Whether this worked does not count: the real-time clock is set in any case, and decides.
+    const int status = std::system(ClockCommand(local).c_str());
+    static_cast<void>(status);
     return hal_set_rtc_time(&local) == 0;
 }

@@ -52,6 +52,12 @@ protected:
     IDeviceCtrl* device = nullptr;
 };
 
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr int CYCLES = 500;
+#else
+constexpr int CYCLES = 10000;
+#endif
+
 struct Resources {
     long memoryKib, descriptors, threads;
 };
@@ -269,7 +275,7 @@ TEST_F(Device, LeavesNothingBehind) {
     };
     cycles(200);  // whatever is allocated once
     const Resources before = Used();
-    cycles(1000);
+    cycles(CYCLES);
     const Resources after = Used();
     EXPECT_EQ(after.descriptors, before.descriptors);
     EXPECT_EQ(after.threads, before.threads);
