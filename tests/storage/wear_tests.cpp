@@ -26,16 +26,14 @@ QVector<QString> Lines(const char* text) {
 TEST(Wear, SpreadsTheEnduranceOverFiveYears) {
     const struct {
         long long amount, endurance, allowance;
-    } cases[] = {
-        {7634944, wear::EmmcEndurance(524288), 522941},
-        {7634944, wear::EmmcEndurance(131072), 8715689},
-        {7634944, wear::EmmcEndurance(4194304), 1045882},
-        {4096, 100000, 9351},
-        {0, 100000, 0},
-        {-43800, 3000, -3000},
-        {MAX, 100000, MAX / 43800},
-        {MIN, 100000, MIN / 43800},
-    };
+    } cases[] = {{7634944, wear::EmmcEndurance(524288), 522941},
+                 {7634944, wear::EmmcEndurance(131072), 8715689},
+                 {7634944, wear::EmmcEndurance(4194304), 1045882},
+                 {4096, 100000, 9351},
+                 {0, 100000, 0},
+                 {-43800, 3000, -3000},
+                 {MAX, 100000, MAX / 43800},
+                 {MIN, 100000, MIN / 43800}};
     for (const auto& c : cases)
         EXPECT_EQ(wear::HourlyAllowance(c.amount, c.endurance), c.allowance) << c.amount;
     EXPECT_EQ(wear::Increase(MIN, 1), MAX);
@@ -47,48 +45,37 @@ TEST(Wear, SpreadsTheEnduranceOverFiveYears) {
 
 TEST(Wear, GearChangesAtThreeSixAndTenTenthsOfTheAllowance) {
     const struct {
-        long long written, allowance;
-        int gear;
+        long long allowance;
+        long long highest[3];  // of gears 1 to 3
     } cases[] = {
-        {0, 1000, 1},
-        {300, 1000, 1},
-        {301, 1000, 2},
-        {600, 1000, 2},
-        {601, 1000, 3},
-        {1000, 1000, 3},
-        {1001, 1000, 4},
-        {-5, 1000, 1},
-        {2, 9, 1},
-        {3, 9, 2},
-        {5, 9, 2},
-        {6, 9, 3},
-        {0, 0, 1},
-        {1, 0, 4},
-        {-1, 0, 1},
-        {MIN, 0, 1},
-        {-3, -9, 1},
-        {-2, -9, 4},
-        {MIN, MAX, 1},
-        {MAX, MAX, 3},
-        {MAX / 5, MAX / 2, 2},
-        {MAX / 10 * 3, MAX, 1},
-        {MAX, MAX / 43800, 4},
-        {MAX, MIN, 4},
+        {1000, {300, 600, 1000}},
+        {9, {2, 5, 9}},
+        {MAX - 1, {2767011611056432741, 5534023222112865483, MAX - 1}},
     };
-    for (const auto& c : cases)
-        EXPECT_EQ(wear::Gear(c.written, c.allowance), c.gear) << c.written << ' ' << c.allowance;
+    for (const auto& c : cases) {
+        for (int gear = 1; gear <= 3; ++gear) {
+            EXPECT_EQ(wear::Gear(c.highest[gear - 1], c.allowance), gear) << c.allowance;
+            EXPECT_EQ(wear::Gear(c.highest[gear - 1] + 1, c.allowance), gear + 1) << c.allowance;
+        }
+        EXPECT_EQ(wear::Gear(-5, c.allowance), 1);
+        EXPECT_EQ(wear::Gear(MIN, c.allowance), 1);
+        EXPECT_EQ(wear::Gear(MAX, -c.allowance), 4);
+    }
+    EXPECT_EQ(wear::Gear(0, 0), 1);
+    EXPECT_EQ(wear::Gear(1, 0), 4);
+    EXPECT_EQ(wear::Gear(-3, -9), 1);
+    EXPECT_EQ(wear::Gear(-2, -9), 4);
 }
 
 TEST(Wear, LifeOfAnEmmc) {
     const struct {
         const char* line;
         int byEstimates, byPreEol;
-    } cases[] = {
-        {"0x02 0x01", 80, 100}, {"0x0b 0x01", 0, 100}, {"", 100, 100},   {"0x00 0x00", 100, 100},
-        {"0x01\t0x0A", 0, 100}, {"2", 80, 20},         {"0x03", 70, 10}, {"0x04", 60, 0},
-        {"0x05", 50, 0},        {"0x7fffffff", 0, 0},  {"-1", 100, 100}, {"0xffffffff", 100, 100},
-        {"life 3 ??", 70, 100}, {"0x01", 90, 100},     {"10", 0, 0},
-    };
+    } cases[] = {{"0x02 0x01", 80, 100},  {"0x0b 0x01", 0, 100},  {"", 100, 100},
+                 {"0x00 0x00", 100, 100}, {"0x01\t0x0A", 0, 100}, {"2", 80, 20},
+                 {"0x03", 70, 10},        {"0x04", 60, 0},        {"0x05", 50, 0},
+                 {"0x7fffffff", 0, 0},    {"-1", 100, 100},       {"0xffffffff", 100, 100},
+                 {"life 3 ??", 70, 100},  {"0x01", 90, 100},      {"10", 0, 0}};
     for (const auto& c : cases) {
         EXPECT_EQ(wear::LifeFromEstimates(QLatin1String(c.line)), c.byEstimates) << c.line;
         EXPECT_EQ(wear::LifeFromPreEol(QLatin1String(c.line)), c.byPreEol) << c.line;
@@ -96,28 +83,25 @@ TEST(Wear, LifeOfAnEmmc) {
 }
 
 TEST(Wear, LifeOfNand) {
+    const int lives[][2] = {{0, 100}, {1, 90},  {10, 90}, {15, 89},
+                            {20, 80}, {25, 88}, {99, 81}, {100, 0}};  // used, left
+    for (const auto& life : lives) {
+        EXPECT_EQ(wear::NandLife(1000LL * life[0] + 999, 1, 0, 80), life[1]) << life[0];
+        EXPECT_EQ(wear::NandLife(0, 1, life[0], 100 - life[0]), life[1]) << life[0];
+    }
     const struct {
         long long eraseSum, blocks;
         int bad, reserved, life;
-    } cases[] = {
-        {41000000, 4096, 0, 0, 90},
-        {0, 4096, 5, 15, 88},
-        {0, 4096, 0, 20, 100},
-        {20480000, 4096, 0, 80, 90},
-        {15 * 4096000LL, 4096, 0, 1, 89},  // 5 and 15 used
-        {20 * 4096000LL, 4096, 0, 1, 80},
-        {99 * 4096000LL, 4096, 0, 1, 81},
-        {250 * 4096000LL, 4096, 0, 1, -150},
-        {0, 0, 0, 0, 100},
-        {5000000, 0, 1, 3, 88},
-        {5000000, 0, 0, 4, 100},
-        {41000000, 4096, 7, -7, 90},
-        {0, 4096, 2000000000, 0, 0},
-        {0, 1, 2147483647, 2147483647, 50},
-        {MAX, 1, 0, 0, 100 - 1000000000},
-        {MAX, -1, 0, 1, 100},
-        {MIN, 1, 0, 0, 100},
-    };
+    } cases[] = {{41000000, 4096, 0, 0, 90},
+                 {41000000, 4096, 5, 15, 88},
+                 {250000, 1, 0, 1, -150},
+                 {105000, 1, 0, 1, 80},
+                 {0, 0, 0, 0, 100},
+                 {5000000, 0, 1, 3, 88},
+                 {41000000, 4096, 7, -7, 90},
+                 {0, 1, 2147483647, 2147483647, 50},
+                 {MAX, 1, 0, 0, 100 - 1000000000},
+                 {MIN, -1, -1, 0, 100 - 1000000000}};
     for (const auto& c : cases)
         EXPECT_EQ(wear::NandLife(c.eraseSum, c.blocks, c.bad, c.reserved), c.life)
             << c.eraseSum << ' ' << c.blocks << ' ' << c.bad << ' ' << c.reserved;
@@ -132,12 +116,11 @@ TEST(Wear, CountsWhatTheKernelReports) {
          " 179 16 mmcblk0gp0 1 2 3 4 5 6 11 8\n",
          711},
         {"179 0 mmcblk0 1 2 3 4 5 6 700\n179 24 mmcblk1 1 2 3 4 5 6 9 8", 700},
-        {"179 0 mmcblk0 1 2 3 4 5 6\n", 0},  // too short
+        {"179 0 mmcblk0 1 2 3 4 5 6\n", 0},
         {"179 0 mmcblk0 1 2 3 4 5 6 5\n179 0 mmcblk0 1 2 3 4 5 6 6\n", 6},
         {"179 0 mmcblk0 1 2 3 4 5 6 5\n179 0 mmcblk0 1 2 3 4 5 6 x\n", 0},
         {"179 0 mmcblk0 1 2 3 4 5 6 9223372036854775807\n179 0 mmcblk0gp0 1 2 3 4 5 6 5\n", MAX},
-        {"", 0},
-    };
+        {"", 0}};
     for (const auto& c : cases)
         EXPECT_EQ(wear::SectorsWritten(Lines(c.diskstats)), c.sectors) << c.diskstats;
 
