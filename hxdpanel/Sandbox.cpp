@@ -48,7 +48,8 @@ std::string DataFolder(const char* name) {
 // What comes with the program: in the source tree, or beside an installed program. "" if missing.
 std::string Companion(const std::string& name) {
     for (const std::string& folder : {std::string(HXD_PANEL_SOURCES), ExecutableFolder()}) {
-        const std::string path = folder + "/" + name;
+        std::string path = folder;
+        path.append("/").append(name);
         if (::access(path.c_str(), R_OK) == 0)
             return path;
     }
@@ -109,6 +110,7 @@ int OpenCsv(const std::string& file) {
 
 [[noreturn]] void Execute(const std::vector<std::string>& words) {
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (const std::string& word : words)
         arguments.push_back(const_cast<char*>(word.c_str()));
     arguments.push_back(nullptr);
