@@ -1,5 +1,6 @@
 #include "Interrupt.h"
 
+#include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
 #include <sys/eventfd.h>
@@ -43,6 +44,13 @@ void Install() {
     action.sa_handler = OnSignal;
     for (const int signal : {SIGINT, SIGTERM, SIGHUP})
         ::sigaction(signal, &action, nullptr);
+}
+
+void EndWith(int descriptor) {
+    ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
+    ::fcntl(descriptor, F_SETSIG, SIGTERM);
+    ::fcntl(descriptor, F_SETOWN, ::getpid());
+    ::fcntl(descriptor, F_SETFL, O_NONBLOCK | O_ASYNC);
 }
 
 bool Pending() {
