@@ -168,6 +168,10 @@ void DriverOutput::Show(const std::string& line) {
     const Locker locker(m_lock);
     if (m_bMuted || (IsRoutine(line) && !m_bShowAll))
         return;
+    // A thread that tries again and again would push what the user types off the screen.
+    if (m_bHold && marked == m_lastLine)
+        return;
+    m_lastLine = marked;
     if (!m_bHold) {
         std::fputs(marked.c_str(), stderr);
         return;

@@ -32,7 +32,7 @@ public:
     void ShowAll() { m_bShowAll = true; }
 
     // Lines are kept back between Hold() and Release(), while the user is typing. A line that is
-    // kept back makes Descriptor() readable.
+    // kept back makes Descriptor() readable; one that repeats the line before is dropped.
     void Hold();
     void Release();
     int Descriptor() const { return m_nHeldEvent; }
@@ -55,6 +55,7 @@ private:
     bool m_bStop = false;
     bool m_bHold = false;
     std::vector<std::string> m_held;
+    std::string m_lastLine;
 
     bool m_bMuted = false;
     std::atomic<bool> m_bShowAll{false};

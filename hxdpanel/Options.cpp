@@ -90,6 +90,7 @@ void AddGeneralOptions(CLI::App& app, Options& options) {
 void AddInsideOptions(CLI::App& app, Options::Inside& inside) {
     app.add_flag("--launched", inside.launched)->group("");
     app.add_option("--csv-descriptor", inside.csvDescriptor)->group("");
+    app.add_option("--stop-descriptor", inside.stopDescriptor)->group("");
     app.add_option("--driver-inside", inside.driver)->group("");
     app.add_option("--history-folder", inside.historyFolder)->group("");
     app.add_option("--files-outside", inside.filesOutside)->group("");

@@ -1,9 +1,8 @@
 #include "Sandbox.h"
 
+#include "ChildProcess.h"
+
 #include <fcntl.h>
-#include <signal.h>
-#include <sys/prctl.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -21,9 +20,6 @@ namespace {
 
 const char* const MARKER = "/run/hxd-panel";
 const char* const DRIVER_INSIDE = "/run/driver/libhxdcontrol_armv7.so.1";
-constexpr int FIRST_HANDED_OVER = 100;  // descriptors below are the launcher's own
-
-volatile sig_atomic_t g_child = 0;
 
 std::string ExecutableFolder() {
     return QFileInfo(QStringLiteral("/proc/self/exe"))
@@ -48,7 +44,8 @@ std::string DataFolder(const char* name) {
 // What comes with the program: in the source tree, or beside an installed program. "" if missing.
 std::string Companion(const std::string& name) {
     for (const std::string& folder : {std::string(HXD_PANEL_SOURCES), ExecutableFolder()}) {
-        const std::string path = folder + "/" + name;
+        std::string path = folder;
+        path.append("/").append(name);
         if (::access(path.c_str(), R_OK) == 0)
             return path;
     }
@@ -65,7 +62,7 @@ void Append(std::vector<std::string>& words, const std::vector<std::string>& mor
 
 // The launcher's options, the program, what the program inside must know, and its own arguments.
 std::vector<std::string> CommandLine(const std::string& launcher, const Options& options,
-                                     int csvDescriptor, int argc, char** argv) {
+                                     int csvDescriptor, int stopDescriptor, int argc, char** argv) {
     const std::string root = RootFolder(options);
     const std::string history = options.mode == Options::CONSOLE ? HistoryFolder() : "";
     std::vector<std::string> words = {launcher};
@@ -87,6 +84,7 @@ std::vector<std::string> CommandLine(const std::string& launcher, const Options&
         Append(words, {"--driver-inside", DRIVER_INSIDE});
     if (csvDescriptor >= 0)
         Append(words, {"--csv-descriptor", std::to_string(csvDescriptor)});
+    Append(words, {"--stop-descriptor", std::to_string(stopDescriptor)});
     for (int i = 1; i < argc; ++i)
         words.emplace_back(argv[i]);
     return words;
@@ -102,43 +100,9 @@ int OpenCsv(const std::string& file) {
         std::fprintf(stderr, "hxdpanel: cannot write %s: %s\n", file.c_str(), std::strerror(errno));
         return -2;
     }
-    const int handedOver = ::fcntl(opened, F_DUPFD, FIRST_HANDED_OVER);
+    const int handedOver = ::fcntl(opened, F_DUPFD, ChildProcess::FIRST_HANDED_OVER);
     ::close(opened);
     return handedOver;
-}
-
-[[noreturn]] void Execute(const std::vector<std::string>& words) {
-    std::vector<char*> arguments;
-    for (const std::string& word : words)
-        arguments.push_back(const_cast<char*>(word.c_str()));
-    arguments.push_back(nullptr);
-    ::execv(arguments[0], arguments.data());
-    ::_exit(UNAVAILABLE);
-}
-
-void PassOn(int signal) {
-    if (g_child > 0)
-        ::kill(g_child, signal);
-}
-
-// Ctrl-C reaches the program inside through the terminal; here it must not end the wait for it.
-void LeaveSignalsToChild() {
-    ::signal(SIGINT, SIG_IGN);
-    ::signal(SIGQUIT, SIG_IGN);
-    struct sigaction action = {};
-    action.sa_handler = PassOn;
-    action.sa_flags = SA_RESTART;
-    ::sigaction(SIGTERM, &action, nullptr);
-    ::sigaction(SIGHUP, &action, nullptr);
-}
-
-int Await(pid_t child) {
-    int status = 0;
-    while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
-    }
-    for (const int signal : {SIGINT, SIGQUIT, SIGTERM, SIGHUP})
-        ::signal(signal, SIG_DFL);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
 }  // namespace
@@ -177,23 +141,12 @@ int RunInside(const Options& options, int argc, char** argv) {
     const int csvDescriptor = OpenCsv(options.csv);
     if (csvDescriptor < -1)
         return EXIT_USAGE;
-    const std::vector<std::string> words =
-        CommandLine(launcher, options, csvDescriptor, argc, argv);
-    const pid_t parent = ::getpid();
-    const pid_t child = ::fork();
-    if (child != 0 && csvDescriptor >= 0)
+    ChildProcess child;
+    const int exitCode = child.Run(
+        CommandLine(launcher, options, csvDescriptor, child.StopDescriptor(), argc, argv));
+    if (csvDescriptor >= 0)
         ::close(csvDescriptor);
-    if (child < 0)
-        return UNAVAILABLE;
-    if (child == 0) {
-        ::prctl(PR_SET_PDEATHSIG, SIGTERM);
-        if (::getppid() == parent)
-            Execute(words);
-        ::_exit(UNAVAILABLE);
-    }
-    g_child = child;
-    LeaveSignalsToChild();
-    return Await(child);
+    return exitCode;
 }
 
 }  // namespace sandbox

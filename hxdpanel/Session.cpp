@@ -10,6 +10,7 @@
 #include "SimPanel.h"
 #include "Text.h"
 
+#include "common/ResultCodes.h"
 #include "driver/record/ChannelTable.h"
 
 #include <unistd.h>
@@ -246,7 +247,7 @@ int Session::Write(int number, const std::string& text) {
                  StatusText(status, CommandStatusMeaning(command, status)).c_str(),
                  ChannelText(m_database, number).c_str());
     std::fflush(m_out);
-    if (status != HOST_OK)
+    if (status == -RESULT_MALFORMED || status == -RESULT_REFUSED || status == -RESULT_BAD_ARGUMENTS)
         Note(AcceptedText(*row));
     if (value.type == DATATYPE_TEXT && text.find(')') != std::string::npos)
         Note("a channel's text ends at its first \")\": the driver takes no more of it");

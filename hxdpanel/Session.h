@@ -29,7 +29,7 @@ public:
 
     int ShowChannels();
     int ShowChannelsJson();
-    int Write(int number, const std::string& value);
+    int Write(int number, const std::string& text);
     // csv: null for tables.
     int WatchChannels(double interval, int count, std::FILE* csv);
     int ShowPanel();

@@ -145,5 +145,7 @@ int main(int argc, char** argv) {
         guard::Enable();
     }
     interrupt::Install();
+    if (options.inside.stopDescriptor >= 0)
+        interrupt::EndWith(options.inside.stopDescriptor);
     return RunPanel(options, argc, argv);
 }

@@ -51,10 +51,14 @@ timeval Now() {
     return now;
 }
 
-bool SendRequest(int socket, const addrinfo& to) {
+sockaddr_in TimePortOf(const addrinfo& found) {
     sockaddr_in address = {};
-    ::memcpy(&address, to.ai_addr, std::min<std::size_t>(to.ai_addrlen, sizeof address));
+    ::memcpy(&address, found.ai_addr, std::min<std::size_t>(found.ai_addrlen, sizeof address));
     address.sin_port = htons(sntp::PORT);
+    return address;
+}
+
+bool SendRequest(int socket, const sockaddr_in& address) {
     const sntp::Packet request = sntp::MakeRequest(Now());
     return ::sendto(socket, request.data(), request.size(), MSG_DONTWAIT | MSG_NOSIGNAL,
                     reinterpret_cast<const sockaddr*>(&address), sizeof address) >= 0;
@@ -77,8 +81,14 @@ bool SendRequests(int socket, const QByteArray& server) {
         return false;
     }
     bool sent = false;
-    for (const addrinfo* address = found; address != nullptr; address = address->ai_next)
-        sent = SendRequest(socket, *address) || sent;
+    in_addr_t last = INADDR_ANY;
+    for (const addrinfo* entry = found; entry != nullptr; entry = entry->ai_next) {
+        const sockaddr_in address = TimePortOf(*entry);
+        // The list holds an address once for every socket type; the server is asked once.
+        if (entry == found || address.sin_addr.s_addr != last)
+            sent = SendRequest(socket, address) || sent;
+        last = address.sin_addr.s_addr;
+    }
     if (!sent)
         ReportAttempt(187, "发送请求数据包到服务器失败...", server);
     return sent;

@@ -1,0 +1,384 @@
+// Commands, workers and the control thread, against servers on the panel's own network.
+#include "common/QtText.h"
+#include "ntp/ClockText.h"
+#include "ntp/NtpCommands.h"
+#include "ntp/NtpCtrl.h"
+#include "tests/ntp/TimePanel.h"
+#include "tests/ntp/TimeServer.h"
+
+#include <signal.h>
+#include <spawn.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+
+namespace {
+
+constexpr long long SERVER_TIME = 1900000000;  // 2030-03-17 17:46:40 UTC
+constexpr long long EVENING = 1900017100;      // 22:31:40 UTC
+
+class TimeControl : public TimePanel {
+protected:
+    TimeControl() {
+        OnPing("exit 0");
+        writeFile("/etc/timezone", "Etc/UTC\n");
+        host.ints["r"] = 99;
+    }
+    ~TimeControl() override {
+        writeFile("/etc/hosts", "127.0.0.1 localhost panel\n");
+        writeFile("/etc/nsswitch.conf", "hosts: files\n");
+    }
+    NtpCtrl& Start() {
+        context.m_pNtpCtrl.reset(new NtpCtrl);
+        return *context.m_pNtpCtrl;
+    }
+    void Stop() { context.m_pNtpCtrl.reset(); }
+    // Switched on, on demand.
+    NtpCtrl& StartOnDemand(const std::vector<std::string>& servers) {
+        Settings("1", "0", "2", servers);
+        return Start();
+    }
+    NtpCtrl& StartAutomatic(const std::vector<std::string>& servers) {
+        Settings("1", "1", "2", servers);
+        return Start();
+    }
+    // Both clocks were last set to this time, as if the zone were UTC. The arithmetic drops parts
+    // of a second, so one second off is right.
+    static void ExpectClocksAt(long long seconds) {
+        std::tm set = Panel().rtcSettings.back();
+        const std::string command = ClockCommand(set);  // date -s "..."
+        EXPECT_NE(readFile(COMMANDS).find(command.substr(9, command.size() - 10) + "'\n"),
+                  std::string::npos);
+        EXPECT_LE(std::abs(::timegm(&set) - seconds), 1);
+    }
+    // The number that the command leaves in its result variable.
+    int Exec() {
+        host.ints["r"] = 99;
+        EXPECT_EQ(ntp_commands::ExecNtp(record, "r"), 0);
+        return host.ints["r"];
+    }
+};
+
+int Count(const std::string& text, const std::string& part) {
+    int count = 0;
+    for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
+        ++count;
+    return count;
+}
+
+}  // namespace
+
+TEST_F(TimeControl, CommandsSetWhatIsInRange) {
+    using namespace ntp_commands;
+    NtpCtrl& control = Start();
+    host.ints = {{"seven", 7}, {"one", 1}, {"minus", -1}, {"r", 99}};
+    host.texts = {{"text", "x"}, {"a", "10.0.0.1"}};
+    const struct {
+        int (*run)(OLMA_DATA&, const CString&);
+        const char* args;
+        int result, variable;
+    } cases[] = {
+        {EnableNtp, "one,r", 0, 0},
+        {EnableNtp, "seven , r", 0, 4},
+        {EnableNtp, "minus,r", 0, 4},
+        {SetNtpMode, "0,r", 0, 0},
+        {SetNtpMode, "2,r", 0, 4},
+        {SetNtpFreq, "seven", 0, 99},
+        {SetNtpFreq, "0,r", 0, 4},
+        {SetNtpFreq, "25,r", 0, 4},
+        {SetNtpFreq, "text,r", -4, 4},
+        {SetNtpFreq, "text", -4, 99},
+        {SetNtpFreq, "3,nobody", -4, 99},
+        {EnableNtp, "1,r,r", -5, 99},
+        {SetNtpServer, "a,,text", -5, 99},
+        {SetNtpServer, "a,,,,r,r", -5, 99},
+        {SetNtpServer, "a,,text,one,r", -4, 4},
+        {SetNtpServer, "a,,text,time.example.org,r", 0, 0},
+        {SetNtpServer, "a,,text,time.example.org,nobody", -4, 99},
+    };
+    for (const auto& c : cases) {
+        host.ints["r"] = 99;
+        EXPECT_EQ(c.run(record, c.args), c.result) << c.args;
+        EXPECT_EQ(host.ints["r"], c.variable) << c.args;
+    }
+    using namespace CDevBas;
+    EXPECT_EQ(execSameCtrl(record, "1,r", static_cast<NTP_CTRL_TYPE>(3)), -5);
+    EXPECT_EQ(host.ints["r"], 5);
+    EXPECT_EQ(execSameCtrl(record, "1,nobody", static_cast<NTP_CTRL_TYPE>(-1)), -4);
+
+    EXPECT_EQ(control.setNtpServer(QLatin1String("b"), 1), 0);
+    EXPECT_EQ(control.setNtpServer(QString(), 4), -4);
+    EXPECT_EQ(control.setNtpServer(QString(), -1), -4);
+
+    const std::string expected =
+        "[NTP_PARAM]\nntp_freq=3\nntp_mode=0\nntp_server1=10.0.0.1\nntp_server2=b\nntp_server3=x\n"
+        "ntp_server4=time.example.org\nntp_switch=1\n";
+    EXPECT_EQ(readFile(SETTINGS), expected);
+    ntpCfgParam reloaded;
+    reloaded.ReadCfg();
+    EXPECT_TRUE(control.getParam() == reloaded);
+
+    ::unlink(SETTINGS);  // equal values are not written
+    EXPECT_EQ(SetNtpServer(record, "a,b,text,time.example.org"), 0);
+    EXPECT_EQ(control.enableNtp(1) | control.setNtpMode(0) | control.setNtpFreq(3), 0);
+    EXPECT_NE(::access(SETTINGS, F_OK), 0);
+}
+
+TEST_F(TimeControl, SetsBothClocksToTheServersTime) {
+    const TimeServer server("127.0.0.11", TimeServer::Showing(SERVER_TIME));
+    const TimeServer evening("127.0.0.12", TimeServer::Showing(EVENING));
+    NtpCtrl& control = StartOnDemand({"127.0.0.11"});
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(Exec(), 0);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), ClockReport(Panel().rtcSettings[0]) + "\n");
+    ExpectClocksAt(SERVER_TIME);
+
+    ::unlink("/etc/timezone");
+    control.setNtpServer(QLatin1String("127.0.0.12"), 0);
+    EXPECT_EQ(Exec(), 0);
+    ExpectClocksAt(EVENING + 8 * 3600);
+    EXPECT_EQ(Panel().rtcSettings.back().tm_hour, 30);
+
+    sim::SimPanel::instance().fail("hal_set_rtc_time", sim::Failure());
+    EXPECT_EQ(Exec(), 10);
+    EXPECT_EQ(ntp_commands::ExecNtp(record, "nobody"), -4);
+    control.enableNtp(0);
+    const int dates = Runs("date");
+    EXPECT_EQ(Exec(), 0);
+    EXPECT_EQ(Runs("date"), dates);
+}
+
+// Which servers are asked follows from what can be reached.
+TEST_F(TimeControl, AsksOnlyServersThatCanBeReached) {
+    writeFile("/etc/hosts", "127.0.0.12 time.test\n127.0.0.13 time.test\n");
+    const auto answer = TimeServer::Showing(SERVER_TIME);
+    const TimeServer literal("127.0.0.11", answer);
+    const TimeServer named("127.0.0.12", answer), namedToo("127.0.0.13", answer);
+    NtpCtrl& control = StartOnDemand({});
+    const std::string literals = "127.0.0.11", name = "time.test";
+    const struct {
+        std::vector<std::string> servers;
+        const char* ping;  // $6 is the address
+        int result, literalAsked, nameAsked, pings;
+    } cases[] = {
+        {{literals, name, "", ""}, "exit 0", 0, 1, 1, 2},
+        {{literals, name, "", ""}, "test $6 != 127.0.0.53", 0, 1, 0, 2},
+        {{literals, name, "", ""}, "test $6 = 127.0.0.53", 0, 0, 1, 2},
+        {{literals, name, "", ""}, "exit 1", 10, 0, 0, 2},
+        {{name, "", "", ""}, "test $6 = 127.0.0.53", 0, 0, 1, 1},
+        {{name, "", "", ""}, "exit 1", 10, 0, 0, 1},
+        {{literals, literals, literals, literals}, "test $6 != 127.0.0.53", 0, 4, 0, 1},
+        {{"", "", "", ""}, "exit 0", 10, 0, 0, 0},
+    };
+    for (const auto& c : cases) {
+        const int label = static_cast<int>(&c - cases);
+        const int before[] = {literal.Requests(), named.Requests(), namedToo.Requests(),
+                              Runs("ping")};
+        for (int i = 0; i < NTP_SERVER_COUNT; ++i)
+            control.setNtpServer(QLatin1String(c.servers[static_cast<std::size_t>(i)].c_str()), i);
+        OnPing(std::string("set -- x \"$@\"; ") + c.ping);
+        EXPECT_EQ(Exec(), c.result) << label;
+        EXPECT_TRUE(WaitFor([&] { return literal.Requests() == before[0] + c.literalAsked; }))
+            << label;
+        EXPECT_TRUE(WaitFor([&] { return named.Requests() == before[1] + c.nameAsked; })) << label;
+        EXPECT_EQ(namedToo.Requests(), before[2] + c.nameAsked) << "every address is asked";
+        EXPECT_EQ(Runs("ping"), before[3] + c.pings) << label;
+    }
+}
+
+TEST_F(TimeControl, TakesTheOneServerThatAnswers) {
+    const TimeServer silent("127.0.0.11", nullptr);
+    StartOnDemand({"127.0.0.11", "none.test", "127.0.0.14", "127.0.0.15"});
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(Exec(), 10);
+    const std::string out = testing::internal::GetCapturedStdout();
+    const std::string error = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(Count(error, "server:none.test,getaddrinfo error: Name or service not known\n"), 2);
+    EXPECT_EQ(Count(out, "[tryToSend:214]等待服务器响应超时，终止 !:127.0.0.11\n\n"), 2);
+
+    const TimeServer good("127.0.0.15", TimeServer::Showing(SERVER_TIME));
+    EXPECT_EQ(Exec(), 0);
+    ExpectClocksAt(SERVER_TIME);
+}
+
+TEST_F(TimeControl, SaysWhatCouldNotBeSent) {
+    StartOnDemand({"255.255.255.255"});  // sending to everybody is not permitted
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(Exec(), 10);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "[tryToSend:187]发送请求数据包到服务器失败...:255.255.255.255\n\n"
+              "[tryToSend:187]发送请求数据包到服务器失败...:255.255.255.255\n\n");
+}
+
+TEST_F(TimeControl, TakesAnyBytesForAnAnswer) {
+    const auto honest = TimeServer::Showing(SERVER_TIME);
+    std::string datagram;
+    int latencyMs = 0;
+    const TimeServer server("127.0.0.11", [&](const sntp::Packet& request, int number) {
+        ::usleep(static_cast<useconds_t>(latencyMs) * 1000);
+        return datagram == "honest" ? honest(request, number) + std::string(2000, '\xff')
+                                    : datagram;
+    });
+    StartOnDemand({"127.0.0.11"});
+    const std::string halves(48, '\x80');
+    const struct {
+        std::string datagram;
+        int latencyMs, result;
+    } cases[] = {
+        {"honest", 0, 0},     // the first 48 bytes of a longer one count
+        {"honest", 2100, 0},  // the second attempt takes the answer to the first
+        {"", 0, 10},          // a datagram without a byte
+        {"x", 0, 0},          // what is missing counts as zero
+        {std::string(48, '\xff'), 0, 0},
+        {std::string(47, '\0'), 0, 0},
+        {halves, 0, 0},
+    };
+    testing::internal::CaptureStdout();
+    for (const auto& c : cases) {
+        datagram = c.datagram;
+        latencyMs = c.latencyMs;
+        EXPECT_EQ(Exec(), c.result) << &c - cases;
+    }
+    const std::string out = testing::internal::GetCapturedStdout();
+    EXPECT_EQ(Count(out,
+                    "[getServerTime:305]读取返回数据失败\n\n"
+                    "[sendPacketToServer:246]获取服务器数据失败 !\n\n"),
+              1);
+    EXPECT_EQ(Count(out, "[tryToSend:214]"), 1);
+}
+
+TEST_F(TimeControl, AgreesWithARealServer) {
+    if (::access("/usr/sbin/chronyd", X_OK) != 0)
+        GTEST_SKIP() << "chrony is not installed";
+    writeFile("/tmp/chrony.conf",
+              "local stratum 1\nallow all\ncmdport 0\nbindcmdaddress /\n"
+              "pidfile /tmp/chronyd.pid\n");
+    writeFile("/etc/hosts", "127.0.0.20 time.test\n");
+    ::unlink("/run/shims/ping");  // a real ping of the name server
+    const char* arguments[] = {"chronyd",          "-x",   "-d", "-u", "root", "-f",
+                               "/tmp/chrony.conf", nullptr};
+    pid_t daemon = -1;
+    ASSERT_EQ(::posix_spawn(&daemon, "/usr/sbin/chronyd", nullptr, nullptr,
+                            const_cast<char**>(arguments), environ),
+              0);
+    StartOnDemand({"time.test"});
+    EXPECT_TRUE(WaitFor([] { return ::access("/tmp/chronyd.pid", F_OK) == 0; }));
+    const std::time_t before = std::time(nullptr);
+    EXPECT_EQ(Exec(), 0);
+    ExpectClocksAt(before);
+    ::kill(daemon, SIGTERM);
+    ::waitpid(daemon, nullptr, 0);
+}
+
+TEST_F(TimeControl, SynchronisesByItselfWhenDue) {
+    const TimeServer server("127.0.0.11", TimeServer::Showing(SERVER_TIME));
+    const auto synchronised = [&](int times) {
+        return WaitFor([=] { return static_cast<int>(Panel().rtcSettings.size()) >= times; });
+    };
+    sim::SimPanel::instance().holdClock();
+    NtpCtrl& control = StartAutomatic({"127.0.0.11"});
+    ASSERT_TRUE(synchronised(1));
+    ::usleep(450000);  // two ticks, in which the end of the synchronisation is noted
+    sim::SimPanel::instance().advanceClock(2 * 3600000 - 1);
+    control.setNtpServer(QLatin1String("127.0.0.11"), 1);
+    ::usleep(450000);
+    EXPECT_EQ(Panel().rtcSettings.size(), 1u) << "neither the period is over nor do servers count";
+    sim::SimPanel::instance().advanceClock(1);
+    ASSERT_TRUE(synchronised(2));
+    control.setNtpFreq(3);
+    ASSERT_TRUE(synchronised(3));
+    control.setNtpMode(0);
+    ::usleep(450000);
+    control.setNtpMode(1);
+    ASSERT_TRUE(synchronised(4));
+    control.enableNtp(0);
+    ::usleep(450000);
+    // Each attempt fails until the network is there.
+    OnPing("echo >>/run/attempts; test $(wc -l </run/attempts) -ge 3");
+    const Stopwatch watch;
+    control.enableNtp(1);
+    ASSERT_TRUE(synchronised(5));
+    EXPECT_GE(watch.Ms(), 2000);
+    ::unlink("/run/attempts");
+}
+
+// Stopping a controller takes less than a second in every state but two.
+TEST_F(TimeControl, StopsAtOnceAndLeavesNothing) {
+    const TimeServer silent("127.0.0.11", nullptr);
+    const TimeServer silentNames("127.0.0.53", nullptr, 53);
+    writeFile("/etc/resolv.conf", "nameserver 127.0.0.53\noptions timeout:1 attempts:1\n");
+    writeFile("/etc/nsswitch.conf", "hosts: dns\n");
+    const struct {
+        const char* name;
+        const char* ping;
+        std::vector<std::string> servers;
+        std::function<bool()> reached;
+        long long limitMs;
+    } cases[] = {
+        {"idle", "exit 0", {}, [] { return true; }, 500},
+        {"no network", "exit 1", {"127.0.0.11"}, [] { return Runs("ping") > 0; }, 500},
+        {"waiting", "exit 0", {"127.0.0.11"}, [&] { return silent.Requests() > 2; }, 500},
+        {"resolving", "exit 0", {"time.test"}, [&] { return silentNames.Requests() > 0; }, 2500},
+        {"pinging", "exec sleep 9", {"127.0.0.11"}, [] { return Runs("ping") > 0; }, 4000},
+    };
+    for (const auto& c : cases) {
+        ::unlink(COMMANDS);
+        OnPing(c.ping);
+        StartAutomatic(c.servers);
+        EXPECT_TRUE(WaitFor(c.reached)) << c.name;
+        ::usleep(50000);
+        const Stopwatch watch;
+        Stop();
+        EXPECT_LT(watch.Ms(), c.limitMs) << c.name;
+    }
+    const std::size_t descriptors = EntriesOf("/proc/self/fd");
+    const std::size_t threads = EntriesOf("/proc/self/task");
+    OnPing("exit 0");
+    for (int i = 0; i < 50; ++i) {
+        StartAutomatic({"127.0.0.11"});
+        ::usleep(static_cast<useconds_t>(i * 1000));
+        Stop();
+    }
+    EXPECT_EQ(EntriesOf("/proc/self/fd"), descriptors);
+    EXPECT_EQ(EntriesOf("/proc/self/task"), threads);
+}
+
+// Commands, channel reads and the control thread at once.
+TEST_F(TimeControl, ServesSeveralThreads) {
+    const TimeServer server("127.0.0.11", TimeServer::Showing(SERVER_TIME));
+    NtpCtrl& control = StartAutomatic({"127.0.0.11", "", "", ""});
+    std::thread writer([&] {
+        for (int i = 0; i < 30; ++i) {
+            control.setNtpServer(QLatin1String(i % 2 == 0 ? "127.0.0.11" : ""), 3);
+            control.setNtpFreq(i % 24 + 1);
+        }
+    });
+    std::thread commands([&] {
+        for (int i = 0; i < 3; ++i)
+            EXPECT_EQ(control.execNtp(), 0);
+    });
+    for (int i = 0; i < 1000; ++i)
+        EXPECT_EQ(control.getParam().servers.size(), NTP_SERVER_COUNT);
+    writer.join();
+    commands.join();
+    EXPECT_EQ(control.getParam().freq, 6);
+}
+
+TEST_F(TimeControl, AWorkerWithoutDescriptorsFailsAndIsStartedLater) {
+    rlimit limit = {};
+    ::getrlimit(RLIMIT_NOFILE, &limit);
+    const rlimit none = {0, limit.rlim_max};
+    const std::atomic<bool> running{true};
+    std::int32_t seconds = 0;
+    NtpThread worker;
+    testing::internal::CaptureStdout();
+    ::setrlimit(RLIMIT_NOFILE, &none);
+    worker.Start();
+    ::setrlimit(RLIMIT_NOFILE, &limit);
+    worker.Post(QLatin1String("127.0.0.11"), REACH_BOTH, running);
+    EXPECT_EQ(worker.Look(seconds), NtpThread::Outcome::FAILED);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "open event fd failed!Too many open files\n");
+    worker.Start();
+    worker.Post(QLatin1String("127.0.0.11"), 3, running);  // an unknown mode lets nothing through
+    EXPECT_TRUE(WaitFor([&] { return worker.Look(seconds) != NtpThread::Outcome::WORKING; }));
+}
