@@ -103,7 +103,7 @@ int wear::LifeFromEstimates(const QString& line) {
     if (words.isEmpty())
         return 100;
     int grade = 0;
-    for (const QString& word : words)
+    for (const QString& word : static_cast<const QVector<QString>&>(words))
         grade = std::max(grade, word.toInt(nullptr, 16));
     return 100 - emmcLifeGradePercent[std::min(grade, MAX_LIFE_GRADE)];
 }
