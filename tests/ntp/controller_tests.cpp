@@ -33,7 +33,7 @@ protected:
         writeFile("/etc/nsswitch.conf", "hosts: files\n");
     }
     NtpCtrl& Start() {
-        context.m_pNtpCtrl.reset(new NtpCtrl);
+        context.m_pNtpCtrl = std::make_unique<NtpCtrl>();
         return *context.m_pNtpCtrl;
     }
     void Stop() { context.m_pNtpCtrl.reset(); }
