@@ -46,9 +46,9 @@ int ReadPixel(OLMA_DATA& data, const CString& name) {
     return hxd::ToInt(value);
 }
 
-// One piece: the whole screen. Two to five: a rectangle; only with all five are x2 and y2 taken,
-// so two to four give one that ends at (0, 0), which scripts use to see that a picture was asked
-// for. Everything behind the fourth comma is the fifth name.
+// One piece: the whole screen. Two to five: a rectangle; only with all five are x2 and y2 taken, so
+// two to four give one that ends at (0, 0): nothing is saved, or the whole screen when it begins
+// there too. Everything behind the fourth comma is the fifth name.
 ScreenshotRequest ParseArguments(OLMA_DATA& data, const CString& args) {
     std::vector<CString> pieces;
     CString piece;

@@ -51,6 +51,28 @@ std::string UnitSuffix(const std::string& unit) {
     return unit.find("..") != std::string::npos ? " (" + unit + ")" : " " + unit;
 }
 
+// What stands in a channel for a value that cannot be had.
+struct Sentinel {
+    int firstNumber;
+    int lastNumber;
+    double value;
+    const char* meaning;
+};
+constexpr Sentinel SENTINELS[] = {
+    {CHANNEL_STORAGE_LIFE, CHANNEL_STORAGE_GEAR, -1.0, "storage not readable"},
+    {CHANNEL_STORAGE_LIFE, CHANNEL_STORAGE_LIFE, -2.0, "not known"},
+    {CHANNEL_UART_1, CHANNEL_UART_4, -2.0, "port cannot be queried"},
+};
+
+std::string ExplainedValue(const Line& line) {
+    for (const Sentinel& sentinel : SENTINELS) {
+        if (line.number >= sentinel.firstNumber && line.number <= sentinel.lastNumber &&
+            line.received.value.number == sentinel.value)
+            return Value(line) + " (" + sentinel.meaning + ")";
+    }
+    return Value(line);
+}
+
 struct Column {
     const char* title;
     std::string (*cell)(const Line&);
@@ -61,7 +83,7 @@ const Column COLUMNS[] = {
     {"Name", [](const Line& line) { return line.name; }},
     {"Unit", [](const Line& line) { return line.unit; }},
     {"Type", [](const Line& line) { return std::string(Kind(line)); }},
-    {"Value", Value},
+    {"Value", ExplainedValue},
 };
 
 // One value as JSON writes it; an array is the smallest document there is.

@@ -12,6 +12,7 @@ constexpr bool OPTIONAL = true;
 constexpr bool REQUIRED = false;
 constexpr bool EXACT = true;
 constexpr bool ANY_CASE = false;
+constexpr bool SAVES_FILE = true;
 
 const char* const STATUS_IN_RESULT =
     "A refused value shows only in the result variable; the command's own status stays 0.";
@@ -70,7 +71,8 @@ const std::vector<CommandInfo> COMMANDS = {
      {"The status is always 0; look whether the file is there.",
       "The name's ending chooses the format: .png, .jpg or .bmp.",
       "Give the path alone or all four edges; in between the part is not a proper one."},
-     ANY_CASE},
+     ANY_CASE,
+     SAVES_FILE},
     {"STRSHA256",
      "SHA-256 of a text, as 64 lower-case hexadecimal digits",
      {{"text", Arg::IN, Arg::TEXT, "what to hash", REQUIRED},

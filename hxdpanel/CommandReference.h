@@ -33,7 +33,8 @@ struct CommandInfo {
     std::vector<CommandStatus> codes;  // where StatusMeaning() is not precise enough; 0 is left out
     std::vector<const char*> example;  // lines that work in the console
     std::vector<const char*> notes;
-    bool exactSpelling;  // otherwise the driver ignores case, and blanks around the name
+    bool exactSpelling = false;  // otherwise the driver ignores case, and blanks around the name
+    bool savesFile = false;      // leaves a file, and no status tells whether
 };
 
 const std::vector<CommandInfo>& CommandReference();

@@ -178,7 +178,9 @@ unsigned char Editor::Complete(EditLine* edit, int) {
         self.ListCandidates(candidates);
         return CC_REDISPLAY;
     }
-    if (candidates.size() == 1 && common.back() != '(')
+    // Within parentheses a blank would become part of a name.
+    const bool isArgument = line.find('(') != std::string::npos;
+    if (candidates.size() == 1 && common.back() != '(' && !isArgument)
         common += ' ';
     ::el_deletestr(edit, static_cast<int>(typed));
     ::el_insertstr(edit, common.c_str());

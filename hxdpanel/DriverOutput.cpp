@@ -12,6 +12,10 @@
 
 #include "Text.h"
 
+#include <QByteArray>
+#include <QString>
+#include <QtGlobal>
+
 namespace {
 
 using Locker = std::lock_guard<std::mutex>;
@@ -35,6 +39,16 @@ void Reset(int event) {
     }
 }
 
+// Said by threads of the driver whenever they start and end, so it may come at any time.
+bool IsRoutine(const std::string& line) {
+    return line == "task start......." || line == "task exit.....";
+}
+
+// Qt's messages take the way of everything that the driver prints.
+void PrintQtMessage(QtMsgType, const QMessageLogContext&, const QString& message) {
+    std::fprintf(stdout, "%s\n", message.toLocal8Bit().constData());
+}
+
 }  // namespace
 
 DriverOutput::DriverOutput() {
@@ -52,10 +66,12 @@ DriverOutput::DriverOutput() {
     std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
     m_nWakeEvent = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
     m_nHeldEvent = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+    ::qInstallMessageHandler(PrintQtMessage);
     m_reader = std::thread([this] { Run(); });
 }
 
 DriverOutput::~DriverOutput() {
+    ::qInstallMessageHandler(nullptr);
     Release();
     Settle();
     {
@@ -77,6 +93,18 @@ void DriverOutput::Settle() {
     const unsigned asked = ++m_nSettleAsked;
     Signal(m_nWakeEvent);
     m_settled.wait(locker, [&] { return m_nSettleDone >= asked; });
+}
+
+void DriverOutput::Mute() {
+    Settle();
+    const Locker locker(m_lock);
+    m_bMuted = !m_bShowAll;
+}
+
+void DriverOutput::Unmute() {
+    Settle();
+    const Locker locker(m_lock);
+    m_bMuted = false;
 }
 
 void DriverOutput::Hold() {
@@ -138,6 +166,12 @@ bool DriverOutput::ReadSome() {
 void DriverOutput::Show(const std::string& line) {
     const std::string marked = "driver: " + Visible(line) + "\n";
     const Locker locker(m_lock);
+    if (m_bMuted || (IsRoutine(line) && !m_bShowAll))
+        return;
+    // A thread that tries again and again would push what the user types off the screen.
+    if (m_bHold && marked == m_lastLine)
+        return;
+    m_lastLine = marked;
     if (!m_bHold) {
         std::fputs(marked.c_str(), stderr);
         return;

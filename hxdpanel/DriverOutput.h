@@ -1,9 +1,11 @@
 // Keeps what the driver prints apart from the results of this program. The driver writes to
-// standard output on its own account, from its threads too; while this object lives its lines go to
-// standard error, marked as the driver's, and the results go where standard output was.
+// standard output and to Qt's debug output on its own account, from its threads too; while this
+// object lives these lines go to standard error, marked as the driver's, and the results go where
+// standard output was.
 #ifndef HXDPANEL_DRIVEROUTPUT_H
 #define HXDPANEL_DRIVEROUTPUT_H
 
+#include <atomic>
 #include <condition_variable>
 #include <cstdio>
 #include <mutex>
@@ -24,8 +26,13 @@ public:
     // above the result they belong to.
     void Settle();
 
+    // Lines printed between Mute() and Unmute() are dropped, unless the user wants to see all.
+    void Mute();
+    void Unmute();
+    void ShowAll() { m_bShowAll = true; }
+
     // Lines are kept back between Hold() and Release(), while the user is typing. A line that is
-    // kept back makes Descriptor() readable.
+    // kept back makes Descriptor() readable; one that repeats the line before is dropped.
     void Hold();
     void Release();
     int Descriptor() const { return m_nHeldEvent; }
@@ -48,8 +55,24 @@ private:
     bool m_bStop = false;
     bool m_bHold = false;
     std::vector<std::string> m_held;
+    std::string m_lastLine;
+
+    bool m_bMuted = false;
+    std::atomic<bool> m_bShowAll{false};
 
     std::thread m_reader;  // started last, joined by the destructor
+};
+
+// Drops what the driver prints while it lives: collections and the start say the same every time.
+class MutedDriver {
+public:
+    explicit MutedDriver(DriverOutput& output) : m_output(output) { m_output.Mute(); }
+    ~MutedDriver() { m_output.Unmute(); }
+    MutedDriver(const MutedDriver&) = delete;
+    MutedDriver& operator=(const MutedDriver&) = delete;
+
+private:
+    DriverOutput& m_output;
 };
 
 #endif

@@ -96,13 +96,13 @@ bool IsHarmless(const std::string& command) {
 
 }  // namespace guard
 
-HXD_EXPORT int reboot(int command) noexcept {
+HXD_EXPORT int reboot(int howto) noexcept {
     if (guard::Enabled()) {
         guard::Refuse("reboot");
         return -1;
     }
     static auto* const hidden = guard::Hidden(&reboot, "reboot");
-    return hidden != nullptr ? hidden(command) : -1;
+    return hidden != nullptr ? hidden(howto) : -1;
 }
 
 HXD_EXPORT int system(const char* command) {
@@ -112,9 +112,9 @@ HXD_EXPORT int system(const char* command) {
     return hidden != nullptr ? hidden(command) : -1;
 }
 
-HXD_EXPORT FILE* popen(const char* command, const char* mode) {
+HXD_EXPORT FILE* popen(const char* command, const char* modes) {
     if (command == nullptr || !guard::Admit(command))
         return nullptr;
     static auto* const hidden = guard::Hidden(&popen, "popen");
-    return hidden != nullptr ? hidden(command, mode) : nullptr;
+    return hidden != nullptr ? hidden(command, modes) : nullptr;
 }

@@ -59,17 +59,10 @@ void PrintDriverCommand(std::FILE* out, const CommandInfo& command) {
 }
 
 void PrintChannel(std::FILE* out, const ChannelRow& row) {
-    std::fprintf(out, "channel %d  %s\n  %s%s%s, host's channel index %d\n", row.number, row.name,
-                 row.kind == ChannelRow::TEXT ? "text" : "number", *row.unit != '\0' ? ", " : "",
-                 row.unit, row.number - 1);
-    if (row.access == ChannelRow::READ_ONLY)
-        std::fputs("  cannot be written\n", out);
-    else if (row.kind == ChannelRow::TEXT)
-        std::fputs("  can be written\n", out);
-    else if (row.maximum == INT_MAX)
-        std::fprintf(out, "  can be written: %d or more\n", row.minimum);
-    else
-        std::fprintf(out, "  can be written: %d to %d\n", row.minimum, row.maximum);
+    std::fprintf(out, "channel %d  %s\n  %s%s%s, host's channel index %d\n  %s\n", row.number,
+                 row.name, row.kind == ChannelRow::TEXT ? "text" : "number",
+                 *row.unit != '\0' ? ", " : "", row.unit, row.number - 1,
+                 AcceptedText(row).c_str());
 }
 
 int PrintUnknown(const std::string& topic) {
@@ -86,6 +79,16 @@ int PrintUnknown(const std::string& topic) {
 }
 
 }  // namespace
+
+std::string AcceptedText(const ChannelRow& row) {
+    const std::string subject = "channel " + std::to_string(row.number);
+    if (row.access == ChannelRow::READ_ONLY)
+        return subject + " cannot be written";
+    if (row.kind == ChannelRow::TEXT)
+        return subject + " takes a text";
+    return subject + " takes " + std::to_string(row.minimum) +
+           (row.maximum == INT_MAX ? " or more" : " to " + std::to_string(row.maximum));
+}
 
 int PrintHelp(std::FILE* out, const std::string& topic) {
     const std::string name = Trimmed(topic.substr(0, topic.find('(')));

@@ -5,8 +5,10 @@
 
 #include "host.h"
 
-class HostLink final : public ICommunication {
+class HostLink : public ICommunication {
 public:
+    virtual ~HostLink() = default;
+
     int ReservedSlot1() override { return 0; }
     int ReservedSlot2() override { return 0; }
     int ReservedSlot3() override { return 0; }

@@ -1,5 +1,6 @@
 #include "Interrupt.h"
 
+#include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
 #include <sys/eventfd.h>
@@ -14,6 +15,7 @@ namespace interrupt {
 namespace {
 
 constexpr int PATIENCE = 3;
+constexpr char STILL_BUSY[] = "\nhxdpanel: the driver is busy; once more ends hxdpanel at once\n";
 
 int g_event = -1;
 volatile sig_atomic_t g_pending = 0;
@@ -27,9 +29,10 @@ void OnSignal(int signal) {
     if (g_pending >= PATIENCE)
         ::_exit(128 + signal);
     const std::uint64_t one = 1;
-    if (::write(g_event, &one, sizeof one) < 0) {
-        // The counter is full, so the descriptor is readable already.
-    }
+    ssize_t written = ::write(g_event, &one, sizeof one);  // fails when it is readable already
+    if (g_pending == PATIENCE - 1)
+        written = ::write(STDERR_FILENO, STILL_BUSY, sizeof STILL_BUSY - 1);
+    static_cast<void>(written);
     errno = savedError;
 }
 
@@ -41,6 +44,13 @@ void Install() {
     action.sa_handler = OnSignal;
     for (const int signal : {SIGINT, SIGTERM, SIGHUP})
         ::sigaction(signal, &action, nullptr);
+}
+
+void EndWith(int descriptor) {
+    ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
+    ::fcntl(descriptor, F_SETSIG, SIGTERM);
+    ::fcntl(descriptor, F_SETOWN, ::getpid());
+    ::fcntl(descriptor, F_SETFL, O_NONBLOCK | O_ASYNC);
 }
 
 bool Pending() {

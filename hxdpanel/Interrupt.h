@@ -8,6 +8,9 @@ namespace interrupt {
 // order. A third signal that nobody has answered ends it at once, for a driver that hangs.
 void Install();
 
+// Takes it as a request to end when this descriptor becomes readable, or its other end is closed.
+void EndWith(int descriptor);
+
 bool Pending();       // a signal has come
 bool EndRequested();  // ... and it was not SIGINT
 void Clear();         // Ctrl-C has been answered

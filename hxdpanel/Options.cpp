@@ -10,7 +10,7 @@
 namespace {
 
 const char* const DESCRIPTION =
-    "hxdpanel: a simulated touch panel with the real driver in it. Without a subcommand it starts "
+    "hxdpanel: a simulated touch panel with the real driver in it. Without a subcommand it starts\n"
     "an interactive console. The driver runs in a sandbox: nothing it does reaches this machine.";
 
 const char* const FOOTER =
@@ -57,8 +57,7 @@ std::string AddVariable(const std::string& text, std::vector<Definition>& variab
 void AddGeneralOptions(CLI::App& app, Options& options) {
     app.add_option("--panel", options.panel,
                    "Folder of the panel: panel.ini describes its hardware, root/ its files")
-        ->check(CLI::ExistingDirectory)
-        ->type_name("DIR");
+        ->check(CLI::ExistingDirectory);
     app.add_option("--root", options.root,
                    "Keep the panel's files in DIR (default: a folder among the user's data; with "
                    "--panel fresh files)")
@@ -91,6 +90,7 @@ void AddGeneralOptions(CLI::App& app, Options& options) {
 void AddInsideOptions(CLI::App& app, Options::Inside& inside) {
     app.add_flag("--launched", inside.launched)->group("");
     app.add_option("--csv-descriptor", inside.csvDescriptor)->group("");
+    app.add_option("--stop-descriptor", inside.stopDescriptor)->group("");
     app.add_option("--driver-inside", inside.driver)->group("");
     app.add_option("--history-folder", inside.historyFolder)->group("");
     app.add_option("--files-outside", inside.filesOutside)->group("");
@@ -121,8 +121,7 @@ void AddSubcommands(CLI::App& app, Options& options) {
             },
             "Set a variable of the host first; its type follows the value, or is forced by "
             "NAME:int=, NAME:double= or NAME:text=")
-        ->expected(1)
-        ->take_all()
+        ->allow_extra_args(false)
         ->type_name("NAME=VALUE");
     exec->add_option("COMMAND", options.commands, "For example 'GetCpuUse(10)'")->required();
 
@@ -151,6 +150,20 @@ void AddSubcommands(CLI::App& app, Options& options) {
     help->add_option("COMMAND", options.helpTopic, "Name of the command, or number of a channel");
 }
 
+// Words that no option or subcommand takes.
+void ExplainExtras(const std::vector<std::string>& words) {
+    const std::string word = words.empty() ? "" : words.front();
+    const std::string closest =
+        Closest(word, {"channels", "exec", "write", "watch", "panel", "help"});
+    std::string advice = "see hxdpanel --help";
+    if (word.find('(') != std::string::npos)
+        advice = "to run a command of the driver: hxdpanel exec '" + Visible(word) + "'";
+    else if (!closest.empty())
+        advice = "did you mean " + closest + "?";
+    std::fprintf(stderr, "hxdpanel: %s means nothing here; %s\n", Quoted(word).c_str(),
+                 advice.c_str());
+}
+
 }  // namespace
 
 bool ParseOptions(int argc, const char* const* argv, Options& options, int& exitCode) {
@@ -164,6 +177,10 @@ bool ParseOptions(int argc, const char* const* argv, Options& options, int& exit
     AddSubcommands(app, options);
     try {
         app.parse(argc, argv);
+    } catch (const CLI::ExtrasError&) {
+        ExplainExtras(app.remaining(true));
+        exitCode = EXIT_USAGE;
+        return false;
     } catch (const CLI::ParseError& error) {
         exitCode = app.exit(error) == 0 ? EXIT_DONE : EXIT_USAGE;
         return false;

@@ -42,6 +42,7 @@ struct Options {
     struct Inside {
         bool launched = false;
         int csvDescriptor = -1;
+        int stopDescriptor = -1;  // becomes readable when this program is to end
         std::string driver;
         std::string historyFolder;
         std::string filesOutside;  // where the panel's files lie on the machine

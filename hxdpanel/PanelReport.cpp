@@ -19,15 +19,10 @@ constexpr std::size_t NEWEST = 20;  // of a longer list only so many are shown
 
 using Lines = std::vector<std::string>;
 
-std::string Address(uint32_t address) {
-    std::array<char, INET_ADDRSTRLEN> text = {};
-    ::inet_ntop(AF_INET, &address, text.data(), text.size());
-    return text.data();
-}
-
 std::string RecordText(const hal_network_t& record) {
-    return Visible(record.name) + "  " + Address(record.address) + " / " + Address(record.netmask) +
-           "  gateway " + Address(record.gateway) + "  mode " + std::to_string(record.flags & 3);
+    return Visible(record.name) + "  " + AddressText(record.address) + " / " +
+           AddressText(record.netmask) + "  gateway " + AddressText(record.gateway) + "  mode " +
+           std::to_string(record.flags & 3);
 }
 
 std::string TimeText(const std::tm& time) {
@@ -102,6 +97,12 @@ void PrintList(std::FILE* out, const char* title, const Lines& lines) {
 }
 
 }  // namespace
+
+std::string AddressText(std::uint32_t address) {
+    std::array<char, INET_ADDRSTRLEN> text = {};
+    ::inet_ntop(AF_INET, &address, text.data(), text.size());
+    return text.data();
+}
 
 void PrintPanel(std::FILE* out, const IVNCLock* plugin, const std::string& filesOutside) {
     const sim::PanelState state = sim::SimPanel::instance().state();

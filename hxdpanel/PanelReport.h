@@ -4,11 +4,15 @@
 
 #include "host.h"
 
+#include <cstdint>
 #include <cstdio>
 #include <string>
 
 // plugin: null when the host runs without the remote-view plug-in. filesOutside: where the panel's
 // files lie on the machine; empty when they are gone after this run.
 void PrintPanel(std::FILE* out, const IVNCLock* plugin, const std::string& filesOutside);
+
+// address: IPv4, network byte order.
+std::string AddressText(std::uint32_t address);
 
 #endif

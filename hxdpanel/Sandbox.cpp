@@ -1,9 +1,8 @@
 #include "Sandbox.h"
 
+#include "ChildProcess.h"
+
 #include <fcntl.h>
-#include <signal.h>
-#include <sys/prctl.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -21,9 +20,6 @@ namespace {
 
 const char* const MARKER = "/run/hxd-panel";
 const char* const DRIVER_INSIDE = "/run/driver/libhxdcontrol_armv7.so.1";
-constexpr int FIRST_HANDED_OVER = 100;  // descriptors below are the launcher's own
-
-volatile sig_atomic_t g_child = 0;
 
 std::string ExecutableFolder() {
     return QFileInfo(QStringLiteral("/proc/self/exe"))
@@ -45,13 +41,19 @@ std::string DataFolder(const char* name) {
     return folder.toStdString();
 }
 
-// The launcher script: in the source tree, or beside an installed program.
-std::string Launcher() {
-    for (const std::string& file : {std::string(HXD_IN_PANEL), ExecutableFolder() + "/in-panel"}) {
-        if (::access(file.c_str(), X_OK) == 0)
-            return file;
+// What comes with the program: in the source tree, or beside an installed program. "" if missing.
+std::string Companion(const std::string& name) {
+    for (const std::string& folder : {std::string(HXD_PANEL_SOURCES), ExecutableFolder()}) {
+        std::string path = folder;
+        path.append("/").append(name);
+        if (::access(path.c_str(), R_OK) == 0)
+            return path;
     }
     return "";
+}
+
+std::string PanelFolder(const Options& options) {
+    return options.panel.empty() ? Companion("default-panel") : Absolute(options.panel);
 }
 
 void Append(std::vector<std::string>& words, const std::vector<std::string>& more) {
@@ -60,14 +62,15 @@ void Append(std::vector<std::string>& words, const std::vector<std::string>& mor
 
 // The launcher's options, the program, what the program inside must know, and its own arguments.
 std::vector<std::string> CommandLine(const std::string& launcher, const Options& options,
-                                     int csvDescriptor, int argc, char** argv) {
+                                     int csvDescriptor, int stopDescriptor, int argc, char** argv) {
     const std::string root = RootFolder(options);
     const std::string history = options.mode == Options::CONSOLE ? HistoryFolder() : "";
     std::vector<std::string> words = {launcher};
     if (!root.empty())
         Append(words, {"--root", root});
-    if (!options.panel.empty())
-        Append(words, {"--panel", Absolute(options.panel)});
+    const std::string panel = PanelFolder(options);
+    if (!panel.empty())
+        Append(words, {"--panel", panel});
     if (!history.empty())
         Append(words, {"--rw", history});
     if (!options.driver.empty())
@@ -81,6 +84,7 @@ std::vector<std::string> CommandLine(const std::string& launcher, const Options&
         Append(words, {"--driver-inside", DRIVER_INSIDE});
     if (csvDescriptor >= 0)
         Append(words, {"--csv-descriptor", std::to_string(csvDescriptor)});
+    Append(words, {"--stop-descriptor", std::to_string(stopDescriptor)});
     for (int i = 1; i < argc; ++i)
         words.emplace_back(argv[i]);
     return words;
@@ -96,41 +100,9 @@ int OpenCsv(const std::string& file) {
         std::fprintf(stderr, "hxdpanel: cannot write %s: %s\n", file.c_str(), std::strerror(errno));
         return -2;
     }
-    const int handedOver = ::fcntl(opened, F_DUPFD, FIRST_HANDED_OVER);
+    const int handedOver = ::fcntl(opened, F_DUPFD, ChildProcess::FIRST_HANDED_OVER);
     ::close(opened);
     return handedOver;
-}
-
-[[noreturn]] void Execute(const std::vector<std::string>& words) {
-    std::vector<char*> arguments;
-    for (const std::string& word : words)
-        arguments.push_back(const_cast<char*>(word.c_str()));
-    arguments.push_back(nullptr);
-    ::execv(arguments[0], arguments.data());
-    ::_exit(UNAVAILABLE);
-}
-
-void PassOn(int signal) {
-    if (g_child > 0)
-        ::kill(g_child, signal);
-}
-
-// Ctrl-C reaches the program inside through the terminal; here it must not end the wait for it.
-void LeaveSignalsToChild() {
-    ::signal(SIGINT, SIG_IGN);
-    ::signal(SIGQUIT, SIG_IGN);
-    struct sigaction action = {};
-    action.sa_handler = PassOn;
-    action.sa_flags = SA_RESTART;
-    ::sigaction(SIGTERM, &action, nullptr);
-    ::sigaction(SIGHUP, &action, nullptr);
-}
-
-int Await(pid_t child) {
-    int status = 0;
-    while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
-    }
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
 }  // namespace
@@ -158,27 +130,23 @@ std::string DriverFile(const Options& options) {
 }
 
 int RunInside(const Options& options, int argc, char** argv) {
-    const std::string launcher = Launcher();
+    const std::string launcher = Companion("in-panel");
     if (launcher.empty())
         return UNAVAILABLE;
+    if (!options.driver.empty() && ::access(options.driver.c_str(), R_OK) != 0) {
+        std::fprintf(stderr, "hxdpanel: cannot read the driver %s: %s\n", options.driver.c_str(),
+                     std::strerror(errno));
+        return EXIT_NO_DRIVER;
+    }
     const int csvDescriptor = OpenCsv(options.csv);
     if (csvDescriptor < -1)
         return EXIT_USAGE;
-    const std::vector<std::string> words =
-        CommandLine(launcher, options, csvDescriptor, argc, argv);
-    const pid_t parent = ::getpid();
-    const pid_t child = ::fork();
-    if (child < 0)
-        return UNAVAILABLE;
-    if (child == 0) {
-        ::prctl(PR_SET_PDEATHSIG, SIGTERM);
-        if (::getppid() == parent)
-            Execute(words);
-        ::_exit(UNAVAILABLE);
-    }
-    g_child = child;
-    LeaveSignalsToChild();
-    return Await(child);
+    ChildProcess child;
+    const int exitCode = child.Run(
+        CommandLine(launcher, options, csvDescriptor, child.StopDescriptor(), argc, argv));
+    if (csvDescriptor >= 0)
+        ::close(csvDescriptor);
+    return exitCode;
 }
 
 }  // namespace sandbox

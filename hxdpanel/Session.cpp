@@ -3,6 +3,7 @@
 #include "ChannelReport.h"
 #include "CommandHints.h"
 #include "CommandReference.h"
+#include "HardwareMemory.h"
 #include "Help.h"
 #include "Options.h"
 #include "PanelReport.h"
@@ -12,8 +13,11 @@
 #include "common/ResultCodes.h"
 #include "driver/record/ChannelTable.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
+#include <sstream>
 
 namespace {
 
@@ -70,13 +74,14 @@ bool ChannelValue(const ChannelRow& row, const std::string& text, HostValue& val
 }  // namespace
 
 Session::Session(HostDatabase& database, Device& device, DriverOutput& output,
-                 const IVNCLock* plugin, const std::string& filesOutside)
+                 HardwareMemory& memory, const IVNCLock* plugin, const PanelFiles& files)
     : m_database(database),
       m_device(device),
       m_output(output),
+      m_memory(memory),
       m_out(output.Results()),
       m_plugin(plugin),
-      m_filesOutside(filesOutside) {}
+      m_files(files) {}
 
 const std::vector<Session::ConsoleCommand>& Session::ConsoleCommands() {
     static const std::vector<ConsoleCommand> commands = {
@@ -156,31 +161,50 @@ int Session::RunDriverCommand(const std::string& text) {
     const CommandInfo* const info = FindCommand(Trimmed(parsed.name));
     m_database.TakeTrace();
     const int status = m_device.Command(text);
+    m_memory.Save();
     m_output.Settle();
     const HostDatabase::Trace trace = m_database.TakeTrace();
     std::fprintf(m_out, "%s: status %s\n", Visible(text).c_str(),
                  StatusText(status, CommandStatusMeaning(info, status)).c_str());
-    for (const std::string& name : trace.written) {
-        HostValue value;
-        if (m_database.FindVariable(name, value))
-            std::fprintf(m_out, "%s = %s\n", Visible(name).c_str(), ValueText(value).c_str());
-    }
-    ReportFiles();
+    for (const std::string& name : trace.written)
+        PrintVariable(name);
+    const bool saved = ReportFiles();
     std::fflush(m_out);
+    if (info != nullptr && info->savesFile && !saved)
+        Note("no file was saved; see help " + std::string(info->name));
     for (const std::string& hint : CommandHints(parsed, info, status, m_database, trace))
         Note(hint);
     return ExitFor(status);
 }
 
-void Session::ReportFiles() {
-    for (const std::string& file : m_savedFiles.TakeChanges())
-        std::fprintf(m_out, "saved %s%s\n", Visible(m_filesOutside + file).c_str(),
-                     m_filesOutside.empty() ? " (gone when this run ends)" : "");
+// One line for programs; people see the lines of a longer text as such.
+void Session::PrintVariable(const std::string& name) {
+    HostValue value;
+    m_database.FindVariable(name, value);
+    const bool isLong = value.type == DATATYPE_TEXT && value.text.find('\n') != std::string::npos;
+    if (!isLong || ::isatty(::fileno(m_out)) == 0) {
+        std::fprintf(m_out, "%s = %s\n", Visible(name).c_str(), ValueText(value).c_str());
+        return;
+    }
+    std::fprintf(m_out, "%s =\n", Visible(name).c_str());
+    std::istringstream lines(value.text);
+    for (std::string line; std::getline(lines, line);)
+        std::fprintf(m_out, "  %s\n", Visible(line).c_str());
+}
+
+bool Session::ReportFiles() {
+    const std::vector<std::string> files = m_savedFiles.TakeChanges();
+    const bool isGone = m_files.isPrivate && m_files.outside.empty();
+    const std::string folder = m_files.isPrivate ? m_files.outside : "";
+    for (const std::string& file : files)
+        std::fprintf(m_out, "saved %s%s\n", Visible(folder + file).c_str(),
+                     isGone ? " (gone when this run ends; --root DIR keeps it)" : "");
+    return !files.empty();
 }
 
 int Session::Collect() {
+    const MutedDriver muted(m_output);
     const int status = m_device.Collect();
-    m_output.Settle();
     sim::SimPanel::instance().change(
         [&](sim::PanelState& state) { state.screenRows = ScreenRows(m_database); });
     return status;
@@ -216,10 +240,15 @@ int Session::Write(int number, const std::string& text) {
         return Complain("Channel " + std::to_string(number) + " takes a number, not " +
                         Quoted(text));
     const int status = m_device.Write(number, value);
+    m_memory.Save();
     Collect();
-    std::fprintf(m_out, "status %s\n%s\n", StatusText(status, StatusMeaning(status)).c_str(),
+    const CommandInfo* const command = FindCommand("OLMA_WRITE");
+    std::fprintf(m_out, "status %s\n%s\n",
+                 StatusText(status, CommandStatusMeaning(command, status)).c_str(),
                  ChannelText(m_database, number).c_str());
     std::fflush(m_out);
+    if (status == -RESULT_MALFORMED || status == -RESULT_REFUSED || status == -RESULT_BAD_ARGUMENTS)
+        Note(AcceptedText(*row));
     if (value.type == DATATYPE_TEXT && text.find(')') != std::string::npos)
         Note("a channel's text ends at its first \")\": the driver takes no more of it");
     return ExitFor(status);
@@ -236,7 +265,7 @@ int Session::WatchChannels(double interval, int count, std::FILE* csv) {
 
 int Session::ShowPanel() {
     m_output.Settle();
-    PrintPanel(m_out, m_plugin, m_filesOutside);
+    PrintPanel(m_out, m_plugin, m_files.outside);
     std::fflush(m_out);
     return EXIT_DONE;
 }

@@ -6,18 +6,20 @@
 #include "DriverOutput.h"
 #include "HostDatabase.h"
 #include "SavedFiles.h"
+#include "SimulatedPanel.h"
 #include "Watch.h"
 
 #include <string>
 #include <vector>
 
+class HardwareMemory;
+
 // Operations return an ExitCode.
 class Session {
 public:
-    // What is passed by reference outlives the session. plugin may be null. filesOutside: where the
-    // panel's files lie on the machine, empty when they are gone after this run.
-    Session(HostDatabase& database, Device& device, DriverOutput& output, const IVNCLock* plugin,
-            const std::string& filesOutside);
+    // What is passed by reference outlives the session. plugin may be null.
+    Session(HostDatabase& database, Device& device, DriverOutput& output, HardwareMemory& memory,
+            const IVNCLock* plugin, const PanelFiles& files);
 
     // A console command, or a command of the driver as it stands. Blank lines do nothing.
     int Run(const std::string& line);
@@ -27,7 +29,7 @@ public:
 
     int ShowChannels();
     int ShowChannelsJson();
-    int Write(int number, const std::string& value);
+    int Write(int number, const std::string& text);
     // csv: null for tables.
     int WatchChannels(double interval, int count, std::FILE* csv);
     int ShowPanel();
@@ -56,14 +58,16 @@ private:
     int RunQuit(const std::string& rest);
 
     int Refresh();
-    void ReportFiles();
+    void PrintVariable(const std::string& name);
+    bool ReportFiles();  // false: there were none
 
     HostDatabase& m_database;
     Device& m_device;
     DriverOutput& m_output;
+    HardwareMemory& m_memory;
     std::FILE* m_out;
     const IVNCLock* m_plugin;
-    std::string m_filesOutside;
+    PanelFiles m_files;
     SavedFiles m_savedFiles;
     bool m_bEnded = false;
 };

@@ -16,29 +16,42 @@
 
 namespace {
 
+constexpr char MEMORY_FILE[] = "/root/panel-hardware.ini";
+
+bool MakeFolder(const std::string& path) {
+    if (QDir().mkpath(QString::fromStdString(path)))
+        return true;
+    std::fprintf(stderr, "hxdpanel: cannot create %s\n", path.c_str());
+    return false;
+}
+
 // In guarded mode there is no private root: the directories that the platform names go below the
 // panel's folder.
-bool RedirectDirectories(const Options& options, std::string& filesOutside) {
-    static const std::unique_ptr<QTemporaryDir> temporary(new QTemporaryDir);  // removed at the end
-    filesOutside = sandbox::RootFolder(options);
-    const std::string root = filesOutside.empty() ? temporary->path().toStdString() : filesOutside;
+bool UseFolder(const std::string& root) {
     const std::pair<int, const char*> directories[] = {
         {1, "/usr/olma_app/config"}, {2, "/usr/olma_app"}, {8, "/tmp/olma_user"}};
     for (const auto& directory : directories) {
         const std::string path = root + directory.second;
-        if (!QDir().mkpath(QString::fromStdString(path))) {
-            std::fprintf(stderr, "hxdpanel: cannot create %s\n", path.c_str());
+        if (!MakeFolder(path))
             return false;
-        }
         sim::SimPanel::instance().change(
             [&](sim::PanelState& state) { state.directories[directory.first] = path; });
     }
-    return true;
+    return MakeFolder(root + "/root");
+}
+
+bool SetUpGuarded(const Options& options, PanelFiles& files) {
+    static const std::unique_ptr<QTemporaryDir> temporary(new QTemporaryDir);  // removed at the end
+    files.outside = sandbox::RootFolder(options);
+    const std::string root =
+        files.outside.empty() ? temporary->path().toStdString() : files.outside;
+    files.memory = root + MEMORY_FILE;
+    return UseFolder(root);
 }
 
 }  // namespace
 
-bool SetUpPanel(const Options& options, std::string& filesOutside) {
+bool SetUpPanel(const Options& options, PanelFiles& files) {
     sim::SimPanel& panel = sim::SimPanel::instance();
     // The launcher passes the folder's full path on; relative ones mean nothing in the sandbox.
     const char* const handedOver = options.inside.launched ? std::getenv("HXD_PANEL_DIR") : nullptr;
@@ -50,6 +63,6 @@ bool SetUpPanel(const Options& options, std::string& filesOutside) {
         return false;
     }
     panel.change([&](sim::PanelState& state) { state.echoLogLevel = options.logLevel; });
-    filesOutside = options.inside.filesOutside;
-    return !guard::Enabled() || RedirectDirectories(options, filesOutside);
+    files = {options.inside.filesOutside, MEMORY_FILE, !guard::Enabled()};
+    return files.isPrivate || SetUpGuarded(options, files);
 }

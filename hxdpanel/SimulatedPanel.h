@@ -6,8 +6,13 @@
 
 struct Options;
 
-// filesOutside receives where the panel's files lie on the machine; empty: they are gone after this
-// run. False, after a message, when the panel's description or files cannot be used.
-bool SetUpPanel(const Options& options, std::string& filesOutside);
+struct PanelFiles {
+    std::string outside;    // where they lie on the machine; empty: they are gone after this run
+    std::string memory;     // the file that keeps the hardware's settings
+    bool isPrivate = true;  // false in guarded mode: absolute paths are the machine's own
+};
+
+// False, after a message, when the panel's description or files cannot be used.
+bool SetUpPanel(const Options& options, PanelFiles& files);
 
 #endif

@@ -4,6 +4,7 @@
 #include "DriverLibrary.h"
 #include "DriverOutput.h"
 #include "GuardedCalls.h"
+#include "HardwareMemory.h"
 #include "Help.h"
 #include "HostDatabase.h"
 #include "Interrupt.h"
@@ -17,6 +18,8 @@
 
 #include <QCoreApplication>
 
+#include <algorithm>
+#include <cerrno>
 #include <clocale>
 #include <cstring>
 #include <memory>
@@ -80,15 +83,18 @@ int RunMode(Session& session, const Options& options, DriverOutput& output) {
             session.Collect();
             return session.ShowPanel();
         default:
-            return RunConsole(session, output, options.inside.historyFolder);
+            return RunConsole(
+                session, output,
+                guard::Enabled() ? sandbox::HistoryFolder() : options.inside.historyFolder);
     }
 }
 
 int RunPanel(const Options& options, int argc, char** argv) {
     QCoreApplication application(argc, argv);
-    std::string filesOutside;
-    if (!SetUpPanel(options, filesOutside))
+    PanelFiles files;
+    if (!SetUpPanel(options, files))
         return EXIT_NO_PANEL;
+    HardwareMemory memory(files.memory);
     // Owned by the application object, under which the driver looks for it.
     const IVNCLock* const plugin = options.lockPlugin ? new LockPlugin(&application) : nullptr;
     HostDatabase database;
@@ -96,21 +102,26 @@ int RunPanel(const Options& options, int argc, char** argv) {
         database.SetVariable(variable.name, variable.value);
 
     DriverOutput output;
+    if (options.logLevel > 0)
+        output.ShowAll();
     std::string error;
     const auto library = DriverLibrary::Load(sandbox::DriverFile(options), error);
     if (library == nullptr) {
         std::fprintf(stderr, "hxdpanel: %s\n", error.c_str());
         return EXIT_NO_DRIVER;
     }
+    auto starting = std::make_unique<MutedDriver>(output);
     Device device(*library, database, options.blob, options.channels);
-    output.Settle();
+    starting.reset();
     if (device.InitStatus() != HOST_OK) {
         std::fprintf(stderr, "hxdpanel: the driver refuses to start: %s\n",
                      StatusMeaning(device.InitStatus()));
         return EXIT_NO_DRIVER;
     }
-    Session session(database, device, output, plugin, filesOutside);
-    return RunMode(session, options, output);
+    Session session(database, device, output, memory, plugin, files);
+    const int exitCode = RunMode(session, options, output);
+    output.Mute();  // what the driver says when it ends
+    return exitCode;
 }
 
 }  // namespace
@@ -134,5 +145,7 @@ int main(int argc, char** argv) {
         guard::Enable();
     }
     interrupt::Install();
+    if (options.inside.stopDescriptor >= 0)
+        interrupt::EndWith(options.inside.stopDescriptor);
     return RunPanel(options, argc, argv);
 }

@@ -25,7 +25,7 @@ bool IsAvailableMaskAddr(const char* text);
 
 // Replaces the IPv4 address (which 0) or the netmask (which 1) of an interface; any other number
 // applies the settings as they are. False when the name has 32 bytes or more, the interface cannot
-// be read or set, or address is not a dotted address with nothing but blanks after it.
+// be read or set, or address is not a dotted address by itself or followed by a blank.
 bool setLocalIp(QString& address, int which, QString& interfaceName);
 
 }  // namespace CDevBas

@@ -135,7 +135,7 @@ void NtpThread::Start() {
         std::printf("open event fd failed!%s\n", ::strerror(errno));
         return;
     }
-    m_pWakeUp.reset(new HXDCTRL::File(wakeUp));
+    m_pWakeUp = std::make_unique<HXDCTRL::File>(wakeUp);
     m_bRunning = true;
     m_eState = STATE_IDLE;
     try {

@@ -3,6 +3,8 @@
 #include "olma_host.h"
 #include "storage/Wear.h"
 
+#include <system_error>
+
 namespace {
 
 constexpr long long HOUR_MS = 3600000;
@@ -27,34 +29,38 @@ bool DiskWorker::init() {
         return false;
     m_llBaseline = ReadWear();
     m_nLifePercent = ReadLifePercent(m_llBaseline);
-    m_thread = std::thread(&DiskWorker::Run, this);
+    try {
+        m_thread = std::thread(&DiskWorker::Run, this);
+    } catch (const std::system_error&) {
+        return false;  // too many threads just now; the caller tries again
+    }
     return true;
 }
 
 void DiskWorker::refresh() {
-    m_bRefreshRequested = true;
-    m_bRefreshDone = false;
+    ++m_nRequested;
 }
 
 void DiskWorker::Run() {
     const long long startTick = Olma_GetTickCount();
     m_llLastLifeRefresh = startTick;
     while (m_bRunning) {
+        const unsigned request = m_nRequested;
         try {
-            Pass(startTick);
+            Pass(startTick, request);
         } catch (...) {
             // No memory for a measurement: the values stay, the next pass tries again.
         }
-        m_bRefreshDone = true;
+        m_nAnswered = request;
         Olma_Sleep(TICK_MS);
     }
 }
 
-void DiskWorker::Pass(long long startTick) {
+void DiskWorker::Pass(long long startTick, unsigned request) {
     if (Olma_GetTickCount() - startTick < HOUR_MS) {
-        if (m_bRefreshRequested) {
+        if (request != m_nMeasured) {
             RefreshGear(ReadWear());
-            m_bRefreshRequested = false;
+            m_nMeasured = request;
         }
     } else if (Olma_GetTickCount() - m_llLastLifeRefresh > HOUR_MS) {
         const long long wear = ReadWear();

@@ -10,7 +10,8 @@
 
 // In the first hour after init() every refresh request is answered with a gear for all that was
 // written since init(), against one hour's allowance. Later both values change once an hour, and
-// requests are answered as done without a measurement.
+// requests are answered as done without a measurement. An answer belongs to a pass of the worker
+// that began after the request.
 //
 // The derived class's destructor must call StopWorker(): the worker uses its functions.
 class DiskWorker : public DiskInterface {
@@ -23,7 +24,7 @@ public:
     int getDiskLifeTime() final { return m_nLifePercent; }
     int getDiskIO() final { return m_nGear; }
     void refresh() final;
-    bool refreshRes() final { return m_bRefreshDone; }
+    bool refreshRes() final { return m_nAnswered == m_nRequested; }
 
 protected:
     DiskWorker() = default;
@@ -38,18 +39,21 @@ protected:
 
 private:
     void Run();
-    void Pass(long long startTick);
+    void Pass(long long startTick, unsigned request);
     void RefreshGear(long long wear);
 
     // Of the thread that measures; see above.
     long long m_llLastLifeRefresh = 0;  // ms of the host's tick
     long long m_llBaseline = 0;         // wear at the start of the gear's interval
     long long m_llHourlyAllowance = 0;
+    unsigned m_nMeasured = 1;  // the newest request that was measured for
 
     std::atomic<int> m_nLifePercent{0};
     std::atomic<int> m_nGear{1};
-    std::atomic<bool> m_bRefreshRequested{false};
-    std::atomic<bool> m_bRefreshDone{false};
+    // Requests are numbered: two flags could report an old measurement as the answer to a request
+    // that arrives during it. The first number stands for init(), which measures by itself.
+    std::atomic<unsigned> m_nRequested{1};
+    std::atomic<unsigned> m_nAnswered{0};
     std::atomic<bool> m_bRunning{true};
     std::thread m_thread;  // owned; joined by StopWorker()
 };

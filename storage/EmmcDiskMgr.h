@@ -6,7 +6,7 @@
 
 #include <QString>
 
-class EmmcDiskMgr : public DiskWorker {
+class EmmcDiskMgr final : public DiskWorker {
 public:
     ~EmmcDiskMgr() override { StopWorker(); }
 

@@ -4,7 +4,10 @@
 #include "storage/Wear.h"
 #include "sysinfo/DoCmd.h"
 
+#include <linux/magic.h>
 #include <sys/statfs.h>
+
+#include <string>
 
 namespace {
 
@@ -22,18 +25,19 @@ public:
     DebugfsMount& operator=(const DebugfsMount&) = delete;
     ~DebugfsMount() {
         if (m_bOurs)
-            DoCmd::doCmdOnly("umount -l /sys/kernel/debug");
+            DoCmd::doCmdOnly(m_strUnmount);
     }
 
 private:
     static bool IsMounted() {
-        constexpr long DEBUGFS_MAGIC_NUMBER = 0x64626720;
         struct statfs status = {};
         return ::statfs("/sys/kernel/debug", &status) == 0 &&
-               static_cast<long>(status.f_type) == DEBUGFS_MAGIC_NUMBER;
+               static_cast<long>(status.f_type) == DEBUGFS_MAGIC;
     }
 
-    bool m_bOurs;
+    const bool m_bOurs;
+    // Made before the mount, so that the destructor need not allocate.
+    const std::string m_strUnmount{"umount -l /sys/kernel/debug"};
 };
 
 int ReadCount(const char* path) {

@@ -4,7 +4,7 @@
 
 #include "storage/DiskWorker.h"
 
-class NandDiskMgr : public DiskWorker {
+class NandDiskMgr final : public DiskWorker {
 public:
     ~NandDiskMgr() override { StopWorker(); }
 

@@ -21,6 +21,18 @@ long long Product(long long value, long long factor) {
     return value * factor;
 }
 
+// The largest whole number that is not above the tenths of amount. Exact, and within the range of
+// the type for up to ten tenths.
+long long Tenths(int tenths, long long amount) {
+    long long quotient = amount / 10;
+    long long rest = amount % 10;
+    if (rest < 0) {
+        rest += 10;
+        --quotient;
+    }
+    return quotient * tenths + rest * tenths / 10;
+}
+
 // Per cent used, by the number the device reports. The tables are longer than the indices used.
 constexpr int emmcLifeGradePercent[13] = {0, 10, 20, 30, 40, 50, 60, 70, 80, 90, 100, 100, 100};
 constexpr int MAX_LIFE_GRADE = 10;
@@ -49,10 +61,9 @@ long long wear::HourlyAllowance(long long amount, long long endurance) {
 }
 
 int wear::Gear(long long written, long long allowance) {
-    const long long tenfold = Product(written, 10);
-    if (tenfold <= Product(allowance, 3))
+    if (written <= Tenths(3, allowance))
         return 1;
-    if (tenfold <= Product(allowance, 6))
+    if (written <= Tenths(6, allowance))
         return 2;
     return written <= allowance ? 3 : 4;
 }
@@ -74,8 +85,8 @@ long long wear::SectorsWritten(const QVector<QString>& diskstats) {
     long long userArea = 0;
     long long partition = 0;
     QVector<QString> words;
-    for (int i = 0; i < diskstats.size(); ++i) {
-        StringCommon::splitString(diskstats.at(i), words);
+    for (const QString& line : diskstats) {
+        StringCommon::splitString(line, words);
         if (words.size() <= SECTORS_WRITTEN)
             continue;
         if (words.at(NAME) == QLatin1String("mmcblk0"))
@@ -92,8 +103,8 @@ int wear::LifeFromEstimates(const QString& line) {
     if (words.isEmpty())
         return 100;
     int grade = 0;
-    for (int i = 0; i < words.size(); ++i)
-        grade = std::max(grade, words.at(i).toInt(nullptr, 16));
+    for (const QString& word : static_cast<const QVector<QString>&>(words))
+        grade = std::max(grade, word.toInt(nullptr, 16));
     return 100 - emmcLifeGradePercent[std::min(grade, MAX_LIFE_GRADE)];
 }
 

@@ -194,10 +194,12 @@ TEST_F(ChannelWrites, PauseBeforeTheTestTone) {
         panel.runClock(1000.0);
         panel.holdClock();
         const long long start = panel.tick();
+        const std::size_t beeped = Panel().beeps.size();
         std::thread writer([&] { EXPECT_EQ(Write(7, "2.9"), 0.0); });
         for (int i = 0; i < c.pauseMs; ++i) {
             while (panel.sleepers() == 0)
                 std::this_thread::yield();
+            EXPECT_EQ(Panel().beeps.size(), beeped);  // not yet
             panel.advanceClock(1);
         }
         writer.join();
@@ -304,6 +306,8 @@ TEST_F(Screenshots, TakeARectangleOnlyFromAllFourCorners) {
         EXPECT_EQ(capture.height, std::string(region) == ",10" ? 0 : -20) << region;
         EXPECT_FALSE(Exists("/media/usb0/q.png")) << region;
     }
+    EXPECT_EQ(Save("whole.png", ",0,0,5"), 0.0);  // an empty rectangle at the origin
+    EXPECT_EQ(Saved("/media/usb0/whole.png").size(), QSize(800, 480));
     for (const char* region : {",0,0,1e9,1e9", ",-2147483648,0,2147483647,5", ",0,0,32767,32767"}) {
         EXPECT_EQ(Save("huge.png", region), 0.0);
         EXPECT_FALSE(Exists("/media/usb0/huge.png")) << region;

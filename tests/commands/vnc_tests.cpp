@@ -1,5 +1,6 @@
 #include "Record.h"
 #include "TestFiles.h"
+#include "commands/ChannelWrite.h"
 #include "commands/VNCLockProxy.h"
 #include "commands/VncPassword.h"
 
@@ -119,6 +120,30 @@ TEST_F(VncLock, IsReleasedAtTheStartAndAtTheEnd) {
     EXPECT_EQ(calls, UNLOCKING);
 }
 
+TEST_F(VncLock, FollowsTheChannelsMouseBeforeKeyboard) {
+    Install(new FakePlugin(calls));
+    DEV_CONTEXT context;
+    OLMA_DATA record{};
+    record.m_pContext = &context;
+    context.m_pVncLock = Make("");
+    const struct {
+        const char* write;
+        int result;
+        Calls expected;
+    } cases[] = {
+        {"24=1", 0, {"HMI mouse 1", "HMI keyboard 1"}},
+        {"25=1", 0, {"VNC mouse 1", "VNC keyboard 1"}},
+        {"24=0.9", 0, {"HMI mouse 0", "HMI keyboard 0"}},
+        {"25=2", -4, {}},
+        {"24=-1", -4, {}},
+    };
+    for (const auto& c : cases) {
+        calls.clear();
+        EXPECT_EQ(CDevBas::mfDevIOWriteChannel(record, c.write), c.result) << c.write;
+        EXPECT_EQ(calls, c.expected) << c.write;
+    }
+}
+
 TEST_F(VncLock, IsInertWithoutAPluginOrWithAnotherInterface) {
     ExpectInert(*Make(NO_PLUGIN));
     Install(new QObject);
@@ -152,6 +177,8 @@ TEST_F(VncPassword, GoesToTheFirstFileThatExistsAndCreatesNone) {
     CDevBas::writeVncPwd("changed");
     EXPECT_EQ(readFile(FIRST), Content("changed"));
     EXPECT_NE(readFile(SECOND).find("secret"), std::string::npos);
+    EXPECT_EQ(CDevBas::mfDevIOWriteChannel(record, "19=a=b"), 0);  // the first "=" parts them
+    EXPECT_STREQ(ReadVncPwd(), "a=b");
 }
 
 TEST_F(VncPassword, IsWrittenOnlyWhenItDiffers) {

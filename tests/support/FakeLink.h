@@ -3,29 +3,15 @@
 #define HXD_TESTS_FAKELINK_H
 
 #include "host.h"
+#include "hxdpanel/HostLink.h"
 
 #include <string>
 
-class FakeLink final : public ICommunication {
+class FakeLink final : public HostLink {
 public:
     int kind = 1;
     std::string deviceName;  // all names that were announced, one behind the other
 
-    int ReservedSlot1() override { return 0; }
-    int ReservedSlot2() override { return 0; }
-    int ReservedSlot3() override { return 0; }
-    int ReservedSlot4() override { return 0; }
-    int ReservedSlot5() override { return 0; }
-    int ReservedSlot6() override { return 0; }
-    int ReservedSlot7() override { return 0; }
-    int ReservedSlot8() override { return 0; }
-    int ReservedSlot9() override { return 0; }
-    int ReservedSlot10() override { return 0; }
-    int ReservedSlot11() override { return 0; }
-    int ReservedSlot12() override { return 0; }
-    int ReservedSlot13() override { return 0; }
-    int ReservedSlot14() override { return 0; }
-    int ReservedSlot15() override { return 0; }
     int SetDeviceName(char* name) override {
         deviceName += name;
         return 0;

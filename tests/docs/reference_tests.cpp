@@ -1,0 +1,105 @@
+// The references in docs/ say what the tables of the driver and of the console say, and the
+// examples in them work.
+#include "driver/record/ChannelTable.h"
+#include "hxdpanel/CommandReference.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/wait.h>
+#include <unistd.h>
+#include <climits>
+#include <fstream>
+#include <sstream>
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+Lines Document(const char* name) {
+    std::ifstream file(std::string(HXD_SOURCE_DIR "/docs/") + name);
+    Lines lines;
+    for (std::string line; std::getline(file, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+// The cells of the table rows that begin so, without the blanks around them.
+std::vector<Lines> Rows(const char* document, const std::string& start) {
+    std::vector<Lines> rows;
+    for (const std::string& line : Document(document)) {
+        if (line.compare(0, start.size(), start) != 0)
+            continue;
+        Lines cells;
+        std::istringstream text(line.substr(1));
+        for (std::string cell; std::getline(text, cell, '|');) {
+            cell.erase(0, cell.find_first_not_of(' '));
+            cell.erase(cell.find_last_not_of(' ') + 1);
+            cells.push_back(cell);
+        }
+        rows.push_back(cells);
+    }
+    return rows;
+}
+
+std::string WritableText(const ChannelRow& channel) {
+    if (channel.access == ChannelRow::READ_ONLY)
+        return "no";
+    if (channel.kind == ChannelRow::NUMBER)
+        return channel.maximum == INT_MAX
+                   ? std::to_string(channel.minimum) + " and above"
+                   : std::to_string(channel.minimum) + " to " + std::to_string(channel.maximum);
+    const std::string name = channel.name;
+    if (name.find("IP address") == 0)
+        return "address";
+    return name.find("Netmask") == 0 ? "mask" : "any text";
+}
+
+}  // namespace
+
+TEST(ChannelReference, FollowsTheTable) {
+    for (int number = 1; number <= CHANNEL_COUNT; ++number) {
+        const ChannelRow& channel = *FindChannel(number);
+        const auto rows = Rows("channels.md", "| " + std::to_string(number) + " | ");
+        // Tables further down may begin with a number as well; the channel's row comes first.
+        ASSERT_GE(rows.size(), 1u) << number;
+        const Lines expected = {
+            std::to_string(number), std::to_string(number - 1),
+            channel.name,           channel.kind == ChannelRow::TEXT ? "text" : "number",
+            channel.unit,           WritableText(channel)};
+        ASSERT_GT(rows[0].size(), expected.size()) << number;
+        EXPECT_EQ(Lines(rows[0].begin(), rows[0].begin() + 6), expected) << number;
+        EXPECT_NE(rows[0][6], "") << number;
+    }
+}
+
+TEST(CommandReference, FollowsTheConsolesTable) {
+    Lines expected;
+    for (const CommandInfo& command : CommandReference())
+        expected.push_back("`" + CommandSignature(command) + "`");
+    Lines documented;
+    for (const Lines& row : Rows("commands.md", "| `"))
+        documented.push_back(row[0]);
+    EXPECT_EQ(documented, expected);
+}
+
+TEST(CommandReference, HasExamplesThatWork) {
+    std::string input;
+    for (const std::string& line : Document("commands.md")) {
+        if (line.compare(0, 4, "    ") == 0)
+            input += line.substr(4) + "\n";
+    }
+    for (const CommandInfo& command : CommandReference()) {
+        for (const char* line : command.example) {
+            if (std::string(line) != "REBOOT()")
+                input += std::string(line) + "\n";
+        }
+    }
+    std::ofstream("/tmp/examples") << input;
+    const std::string bin = HXD_BINARY_DIR "/bin/hxdpanel";
+    const int status =
+        std::system((bin + " < /tmp/examples > /tmp/answers 2>/tmp/complaints").c_str());
+    std::ifstream answers("/tmp/answers");
+    const std::string text((std::istreambuf_iterator<char>(answers)),
+                           std::istreambuf_iterator<char>());
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << text;
+}

@@ -1,0 +1,178 @@
+// The built console program, run as a user or a script runs it. The panel of these tests is the
+// sandbox that they run in, so it keeps what the runs of one case do to it.
+#include "TestFiles.h"
+
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QRegularExpression>
+
+#include <unistd.h>
+
+#include <csignal>
+
+namespace {
+
+struct Outcome {
+    int exitCode;
+    std::string out;
+    std::string errors;
+};
+
+void Start(QProcess& process, const QStringList& arguments) {
+    process.start(QCoreApplication::applicationDirPath() + "/hxdpanel", arguments);
+    ASSERT_TRUE(process.waitForStarted()) << "hxdpanel is not built beside the tests";
+}
+
+Outcome Finish(QProcess& process) {
+    process.closeWriteChannel();
+    EXPECT_TRUE(process.waitForFinished(60000));
+    EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+    return {process.exitCode(), process.readAllStandardOutput().toStdString(),
+            process.readAllStandardError().toStdString()};
+}
+
+Outcome Hxdpanel(const QStringList& arguments, const QByteArray& input = "") {
+    QProcess process;
+    Start(process, arguments);
+    process.write(input);
+    return Finish(process);
+}
+
+bool Contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+TEST(Hxdpanel, PrintsJsonAndNothingElse) {
+    const Outcome run = Hxdpanel({"channels", "--json", "--log", "4", "--no-vnc"});
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_TRUE(Contains(run.errors, "driver: Qt VNC plugin doesn't support lock")) << run.errors;
+    const QJsonArray channels = QJsonDocument::fromJson(QByteArray::fromStdString(run.out)).array();
+    ASSERT_EQ(channels.size(), 32) << run.out;
+    for (int i = 0; i < channels.size(); ++i) {
+        const QJsonObject channel = channels[i].toObject();
+        const bool isText = channel["type"] == "text";
+        EXPECT_EQ(channel["number"].toInt(), i + 1);
+        EXPECT_EQ(channel["value"].isString(), isText) << "channel " << i + 1;
+        EXPECT_EQ(channel["value"].isDouble(), !isText) << "channel " << i + 1;
+    }
+    EXPECT_EQ(channels[0].toObject()["value"], "192.168.1.20");
+    EXPECT_GT(channels[10].toObject()["value"].toDouble(), 0.0);  // this machine's memory
+}
+
+TEST(Hxdpanel, GivesVariablesTheTypeOfTheirValue) {
+    const struct {
+        const char* definition;
+        const char* shown;  // null: refused as wrong usage
+    } cases[] = {
+        {"x=5", "x = 5 (int)"},
+        {"x=-2147483648", "x = -2147483648 (int)"},
+        {"x=2147483648", "x = 2147483648 (double)"},
+        {"x=0.1", "x = 0.1 (double)"},
+        {"x=1e3", "x = 1000 (double)"},
+        {"x=inf", "x = inf (text)"},
+        {"x=1.2.3.4", "x = 1.2.3.4 (text)"},
+        {"x:text=5", "x = 5 (text)"},
+        {"x:double=5", "x = 5 (double)"},
+        {"x:int=", "x = 0 (int)"},
+        {"x=", "x = \"\" (text)"},
+        {"x= a=b ", "x = \" a=b \" (text)"},
+        {"x:int=2.5", nullptr},
+        {"x:word=5", nullptr},
+        {"x", nullptr},
+        {"=5", nullptr},
+        {"a,b=5", nullptr},
+    };
+    for (const auto& row : cases) {
+        const Outcome run = Hxdpanel({"exec", "--set", row.definition, "vars"});
+        EXPECT_EQ(run.exitCode, row.shown != nullptr ? 0 : 2) << row.definition;
+        EXPECT_EQ(run.out, row.shown != nullptr ? std::string(row.shown) + "\n" : "");
+    }
+}
+
+TEST(Hxdpanel, TellsScriptsAndUsersWhatACommandDid) {
+    const struct {
+        QStringList arguments;
+        int exitCode;
+        const char* out;
+        const char* errors;
+    } cases[] = {
+        {{"exec", "--set", "name:text=", "--set", "mac:text=", "GetMacInfo(0,name,mac)"},
+         0,
+         "status 0 (done)\nname = eth0\nmac = 02:1A:7D:00:3C:11\n",
+         ""},
+        {{"exec", "GetMacInfo(0,name)"}, 1, "status 5", "usage: GetMacInfo(index,name,mac)"},
+        {{"exec", "GetMacInfo(0,name,mac)"}, 0, "status 0", "no variable mac to receive"},
+        {{"exec", "--set", "d=0", "STRSHA256(abc,d)"}, 0, "status 0", "d is of type int"},
+        {{"exec", "REFLEHS()"}, 0, "status 0", "did you mean REFLESH?"},
+        {{"exec", "getcpuuse(10)"}, 0, "status 0", "exactly this spelling"},
+        {{"exec", "SAVESCREEN($OLMA_DIR_USR/s/a.png)"}, 0, "saved /storage/user_dir/s/a.png", ""},
+        {{"exec", "SAVESCREEN($NOWHERE/a.png)"}, 0, "status 0", "no file was saved"},
+        {{"exec", "BACKLIGHTOFF()", "REFLESH"}, 2, "", "needs parentheses: REFLESH()"},
+        {{"exec", "REFLESH("}, 2, "", "parenthesis is missing"},
+        {{"BACKLIGHTOFF()"}, 2, "", "hxdpanel exec 'BACKLIGHTOFF()'"},
+        {{"write", "21", "42"}, 0, "status 0 (done)\n21 Brightness = 40 %\n", ""},
+        {{"exec", "panel"}, 0, "light on, brightness 40 %", ""},  // the hardware kept it
+        {{"write", "13", "1"}, 0, "status 0 (done)\n", ""},
+        {{"write", "4", "7000"}, 1, "status 4", "channel 4 takes 0 to 6500"},
+        {{"write", "7", "-5"}, 1, "status 4", ""},
+        {{"write", "21", "bright"}, 2, "", "takes a number"},
+        {{"write", "33", "1"}, 2, "", "no channel 33"},
+        {{"--blob", "0", "channels"}, 2, "", "hexadecimal"},
+        {{"--blob", "", "channels"}, 3, "", "bad argument"},
+        {{"--driver", "/nowhere.so", "channels"}, 3, "", "/nowhere.so"},
+        {{"help", "savescreen"}, 0, "SAVESCREEN(path[,x1[,y1[,x2[,y2]]]])", ""},
+    };
+    for (const auto& row : cases) {
+        const Outcome run = Hxdpanel(row.arguments);
+        const std::string what = row.arguments.join(' ').toStdString();
+        EXPECT_EQ(run.exitCode, row.exitCode) << what;
+        EXPECT_TRUE(Contains(run.out, row.out)) << what << ": " << run.out;
+        EXPECT_TRUE(Contains(run.errors, row.errors)) << what << ": " << run.errors;
+    }
+}
+
+TEST(Hxdpanel, ReadsLinesFromAPipe) {
+    const Outcome run = Hxdpanel({}, "set r 7\n\nEnableNTP(2,r)\nquit\nvars\n");
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_EQ(run.out, "r = 7 (int)\nEnableNTP(2,r): status 0 (done)\nr = 4\n");
+    EXPECT_EQ(Hxdpanel({}, "nonsense\nREFLESH()").exitCode, 2);
+    EXPECT_EQ(Hxdpanel({}, "set x a\x1b[31m\xff\xc3\xa4\n").out,
+              "x = \"a\\x1B[31m\\xFF\xc3\xa4\" (text)\n");
+}
+
+TEST(Hxdpanel, WatchWritesALinePerReadingUntilInterrupted) {
+    QProcess process;
+    Start(process, {"watch", "--interval", "0.05", "--csv", "-"});
+    QByteArray out;
+    while (out.count('\n') < 3 && process.waitForReadyRead(10000))
+        out += process.readAllStandardOutput();
+    ::kill(static_cast<pid_t>(process.processId()), SIGINT);
+    EXPECT_EQ(Finish(process).exitCode, 0);
+    const QList<QByteArray> lines = out.split('\n');
+    ASSERT_GE(lines.size(), 4) << out.constData();
+    EXPECT_TRUE(lines[0].startsWith("time,\"IP address 1\","));
+    const QRegularExpression reading(
+        "^\\d{4}-\\d\\d-\\d\\dT[\\d:]{8}\\S*,192\\.168\\.1\\.20(,[^,]*){31}$");
+    for (int i = 1; i <= 2; ++i)
+        EXPECT_TRUE(reading.match(lines[i]).hasMatch()) << lines[i].constData();
+}
+
+TEST(Hxdpanel, RefusesDangerousCallsWithoutTheSandbox) {
+    ASSERT_EQ(::unlink("/run/hxd-panel"), 0);  // what tells it that it is inside
+    const QByteArray path = qgetenv("PATH");
+    qputenv("PATH", "/nowhere");  // so that there is no bubblewrap
+    const Outcome run = Hxdpanel({"--fresh", "exec", "REBOOT()", "ReadSysLog(0,1,a,b)", "panel"});
+    qputenv("PATH", path);
+    writeFile("/run/hxd-panel", "");
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_TRUE(Contains(run.errors, "going on without the sandbox")) << run.errors;
+    EXPECT_TRUE(Contains(run.out, "refused: reboot\n")) << run.out;
+    EXPECT_TRUE(Contains(run.out, "refused: dmesg > /tmp/dmesg.log\n")) << run.out;
+}
+
+}  // namespace

@@ -1,0 +1,273 @@
+// The arithmetic of flash wear, and the two managers at work. The cases of EmmcHealth run on the
+// panel "emmc" of tests/panels/, those of NandHealth on "nand", and change its files.
+#include "Record.h"
+#include "TestFiles.h"
+#include "storage/DiskCommon.h"
+#include "storage/DiskManager.h"
+#include "storage/Wear.h"
+
+#include <sys/stat.h>
+#include <QStringList>
+#include <limits>
+
+namespace {
+
+constexpr long long HIGHEST = std::numeric_limits<long long>::max();
+constexpr long long LOWEST = std::numeric_limits<long long>::min();
+constexpr long long HOUR_MS = 3600000;
+constexpr unsigned TICK_MS = 200;
+
+QVector<QString> Lines(const char* text) {
+    return QString::fromLatin1(text).split(QLatin1Char('\n')).toVector();
+}
+
+// A manager of the panel's storage, under a held clock: its worker makes one pass a tick.
+class StorageHealth : public testing::Test {
+protected:
+    StorageHealth() { panel.holdClock(); }
+    ~StorageHealth() override {
+        Stop();
+        panel.reset();
+    }
+    void Stop() {
+        panel.runClock(1000.0);  // the worker's last sleep
+        disk.reset();
+        panel.holdClock();
+    }
+    bool Init() { return disk->init() && panel.waitForSleepers(1); }
+    void Advance(long long milliseconds) {
+        panel.advanceClock(milliseconds);
+        ASSERT_TRUE(panel.waitForSleepers(1));
+    }
+    // As the collection asks: request, and one pass later the answer.
+    int GearNow() {
+        disk->refresh();
+        EXPECT_FALSE(disk->refreshRes());
+        Advance(TICK_MS);
+        EXPECT_TRUE(disk->refreshRes());
+        return disk->getDiskIO();
+    }
+
+    sim::SimPanel& panel = sim::SimPanel::instance();
+    std::unique_ptr<DiskInterface> disk = MakeDiskManager();
+};
+
+class EmmcHealth : public StorageHealth {
+protected:
+    static std::string Attribute(const char* name, const char* card = "mmc0:0001") {
+        return "/sys/devices/platform/soc/2100000.bus/2194000.mmc/mmc_host/mmc0/" +
+               std::string(card) + "/" + name;
+    }
+    static void SetWritten(long long sectors) {
+        writeFile("/proc/diskstats", "179 0 mmcblk0 1 1 1 1 1 1 " + std::to_string(sectors) + "\n");
+    }
+};
+
+class NandHealth : public StorageHealth {
+protected:
+    static constexpr const char* TABLE = "/sys/kernel/debug/ubi/ubi0/detailed_erase_block_info";
+    static void SetErased(long long sum) {
+        writeFile(TABLE, "number\terase_count\n0 " + std::to_string(sum - 1) + "\n1\n2 1 used\n");
+    }
+    // Each count mounts and unmounts.
+    static std::string Counts(int count) {
+        std::string log;
+        for (int i = 0; i < count; ++i)
+            log += "mount\t-t debugfs none /sys/kernel/debug\numount\t-l /sys/kernel/debug\n";
+        return log;
+    }
+    static std::string CommandLog() { return readFile("/run/panel-commands.log"); }
+};
+constexpr const char* NandHealth::TABLE;
+
+}  // namespace
+
+TEST(Wear, IsJudgedAgainstTheHoursShareOfFiveYears) {
+    EXPECT_EQ(wear::HourlyAllowance(7634944, wear::EmmcEndurance(524288)), 522941);
+    EXPECT_EQ(wear::HourlyAllowance(438, wear::EmmcEndurance(131072)), 500);
+    EXPECT_EQ(wear::HourlyAllowance(438, wear::EmmcEndurance(4194304)), 60);
+    EXPECT_EQ(wear::HourlyAllowance(4096, 100000), 9351);
+    EXPECT_EQ(wear::HourlyAllowance(HIGHEST, 100000), HIGHEST / 43800);
+    EXPECT_EQ(wear::HourlyAllowance(LOWEST, 100000), LOWEST / 43800);
+    // The highest amount written that a gear allows, per allowance.
+    const struct {
+        long long allowance, first, second, third;
+    } cases[] = {
+        {1000, 300, 600, 1000},
+        {11, 3, 6, 11},
+        {522941, 156882, 313764, 522941},
+        {HIGHEST / 43800, 63173781074347LL, 126347562148695LL, HIGHEST / 43800},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(wear::Gear(LOWEST, c.allowance), 1);
+        const long long limits[] = {c.first, c.second, c.third};
+        for (int gear = 1; gear <= 3; ++gear) {
+            EXPECT_EQ(wear::Gear(limits[gear - 1], c.allowance), gear) << c.allowance;
+            EXPECT_EQ(wear::Gear(limits[gear - 1] + 1, c.allowance), gear + 1) << c.allowance;
+        }
+        EXPECT_EQ(wear::Gear(HIGHEST, c.allowance), 4);
+    }
+    EXPECT_EQ(wear::Gear(0, 0), 1);
+    EXPECT_EQ(wear::Gear(1, 0), 4);
+    EXPECT_EQ(wear::Gear(-1, 0), 1);
+    EXPECT_EQ(wear::Increase(7, 5), -2);  // a counter that was reset
+    EXPECT_EQ(wear::Increase(-1, HIGHEST), HIGHEST);
+    EXPECT_EQ(wear::Increase(1, LOWEST), LOWEST);
+    EXPECT_EQ(wear::Sum(HIGHEST, 1), HIGHEST);
+    EXPECT_EQ(wear::Sum(LOWEST, -1), LOWEST);
+}
+
+TEST(Wear, OfEmmcFollowsWhatTheDeviceReports) {
+    const struct {
+        const char* line;
+        int fromEstimates, fromPreEol;
+    } cases[] = {
+        {"", 100, 100},
+        {"0x02 0x01", 80, 100},
+        {"1 a", 0, 100},
+        {"0x01\t0x03", 70, 100},
+        {"0x0b 0x01", 0, 100},
+        {"0x02", 80, 20},
+        {"3", 70, 10},
+        {"0x04", 60, 0},
+        {"0x05", 50, 0},
+        {"-1", 100, 100},
+        {"0xffffffffff", 100, 100},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(wear::LifeFromEstimates(QLatin1String(c.line)), c.fromEstimates) << c.line;
+        EXPECT_EQ(wear::LifeFromPreEol(QLatin1String(c.line)), c.fromPreEol) << c.line;
+    }
+    EXPECT_EQ(wear::SectorsWritten(Lines("179 0 mmcblk0 1 2 3 4 5 6 70\n"
+                                         "179 1 mmcblk0p1 1 2 3 4 5 6 5000 8 9\n"
+                                         "179 0 mmcblk0 1 2 3 4 5 6\n"  // too short to count
+                                         "179 0 mmcblk0gp0 1 2 3 4 5 6 900 8 9\n"
+                                         " 179   0 mmcblk0 1 2 3 4 5 6 90000000000 8 9")),
+              90000000900);
+    EXPECT_EQ(wear::SectorsWritten({}), 0);
+}
+
+TEST(Wear, OfNandFollowsEraseCountersAndBadBlocks) {
+    EXPECT_EQ(wear::EraseSum(Lines("header 7\n0 10 used\n1\n\n2\t9000000000\n3 none")), 9000000010);
+    EXPECT_EQ(wear::EraseSum({}), 0);
+    const struct {
+        long long eraseSum, blocks;
+        int bad, reserved, life;
+    } cases[] = {
+        {41000000, 4096, 0, 0, 90},
+        {0, 4096, 5, 15, 88},
+        {2000000, 100, 0, 20, 80},
+        {2500000, 100, 30, 70, 70},
+        {11000000, 100, 0, 1, -10},
+        {0, 0, 0, 0, 100},
+        {99, 0, 1, 1, 50},
+        {99, 1, 7, -7, 100},
+        {HIGHEST, 1, 0, 0, -999999900},
+        {LOWEST, -1, 2147483647, 2147483647, -999999900},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(wear::NandLife(c.eraseSum, c.blocks, c.bad, c.reserved), c.life)
+            << c.eraseSum << " in " << c.blocks << ", " << c.bad << " bad of " << c.reserved;
+}
+
+TEST_F(EmmcHealth, IsMeasuredOnRequestInTheFirstHourAndHourlyAfterwards) {
+    SetWritten(1000);
+    ASSERT_TRUE(Init());
+    EXPECT_EQ(disk->getDiskLifeTime(), 80);
+    EXPECT_EQ(disk->getDiskIO(), 1);
+    SetWritten(1000 + 156882);  // 3/10 of an hour's 522,941
+    EXPECT_EQ(GearNow(), 1);
+    SetWritten(1000 + 156883);  // always counted from the start
+    EXPECT_EQ(GearNow(), 2);
+    SetWritten(1000 + 522942);
+    writeFile(Attribute("life_time"), "0x05 0x01\n");
+    Advance(TICK_MS);  // unasked
+    EXPECT_EQ(disk->getDiskIO(), 2);
+    Advance(HOUR_MS - 4 * TICK_MS);
+    EXPECT_EQ(GearNow(), 2);  // the hour is over, no request is acted on, nothing is due yet
+    EXPECT_EQ(disk->getDiskLifeTime(), 80);
+    Advance(TICK_MS);
+    EXPECT_EQ(disk->getDiskIO(), 4);
+    EXPECT_EQ(disk->getDiskLifeTime(), 50);
+
+    SetWritten(1000 + 522942 + 300000);  // in the second hour, counted from its start
+    ::unlink(Attribute("life_time").c_str());
+    EXPECT_EQ(GearNow(), 4);
+    Advance(HOUR_MS - TICK_MS);
+    EXPECT_EQ(disk->getDiskIO(), 4);  // exactly an hour is not more than one
+    Advance(TICK_MS);
+    EXPECT_EQ(disk->getDiskIO(), 2);
+    EXPECT_EQ(disk->getDiskLifeTime(), 100);  // from the spare blocks now
+}
+
+TEST_F(EmmcHealth, IsUnknownWhileAnAttributeIsMissingOrAmbiguous) {
+    const std::string eraseSize = Attribute("erase_size");
+    const std::string second = Attribute("erase_size", "mmc0:0002");
+    ::unlink(eraseSize.c_str());
+    EXPECT_FALSE(disk->init());
+    writeFile(eraseSize, "524288\n");
+    ASSERT_EQ(::mkdir(Attribute("", "mmc0:0002").c_str(), 0755), 0);
+    writeFile(second, "512\n");
+    EXPECT_FALSE(disk->init());
+    ::unlink(second.c_str());
+    ::unlink(Attribute("life_time").c_str());
+    ::unlink(Attribute("pre_eol_info").c_str());
+    ASSERT_TRUE(Init());
+    EXPECT_EQ(disk->getDiskLifeTime(), wear::LIFE_UNKNOWN);
+}
+
+TEST_F(NandHealth, MountsDebugfsForEachCountOnly) {
+    SetErased(1000000);
+    ASSERT_TRUE(Init());
+    EXPECT_EQ(disk->getDiskLifeTime(), 90);  // 3 per cent erased, 2 bad
+    EXPECT_EQ(CommandLog(), Counts(1));
+    SetErased(1000000 + 585);  // of an hour's 584
+    EXPECT_EQ(GearNow(), 4);
+    EXPECT_EQ(CommandLog(), Counts(2));
+    SetErased(20 * 256000);
+    Advance(HOUR_MS);
+    EXPECT_EQ(disk->getDiskLifeTime(), 80);
+    EXPECT_EQ(CommandLog(), Counts(3));
+    SetErased(20 * 256000 + 200);
+    GearNow();
+    EXPECT_EQ(CommandLog(), Counts(3));
+    testing::internal::CaptureStdout();
+    ::unlink(TABLE);
+    Advance(HOUR_MS);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "can not load file!");
+    EXPECT_EQ(disk->getDiskIO(), 1);  // nothing is known to be erased
+    EXPECT_EQ(CommandLog(), Counts(4));
+}
+
+TEST_F(NandHealth, StartsAtTheThirdAttemptAndEndsInEveryState) {
+    const char* const total = "/sys/class/ubi/ubi0/total_eraseblocks";
+    disk.reset();  // never initialised
+    disk = MakeDiskManager();
+    ::unlink(total);
+    EXPECT_FALSE(disk->init());
+    EXPECT_FALSE(disk->init());
+    writeFile(total, "");
+    EXPECT_FALSE(disk->init());
+    EXPECT_EQ(disk->getDiskLifeTime(), 0);
+    EXPECT_EQ(CommandLog(), "");
+    writeFile(total, "256\n");
+    ASSERT_TRUE(Init());
+    EXPECT_EQ(disk->getDiskLifeTime(), 89);
+    Stop();  // asleep
+
+    disk = MakeDiskManager();
+    ASSERT_TRUE(disk->init());
+    Stop();  // just started
+
+    // Within a measurement: it comes to its end, and debugfs is unmounted again.
+    disk = MakeDiskManager();
+    ASSERT_EQ(::mkdir("/run/shims", 0755), 0);
+    ASSERT_TRUE(Init());
+    writeFile("/run/shims/mount", "sleep 0.2\n");
+    disk->refresh();
+    panel.advanceClock(TICK_MS);
+    while (readFile("/run/panel-commands.log").size() <= Counts(3).size())
+        ::usleep(1000);
+    Stop();
+    EXPECT_EQ(CommandLog(), Counts(4));
+}
