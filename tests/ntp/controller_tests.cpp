@@ -11,12 +11,6 @@
 #include <sys/resource.h>
 #include <sys/wait.h>
 
-// The C library's time zone and Qt's child processes are guarded by means that the thread sanitizer
-// does not see.
-extern "C" __attribute__((visibility("default"))) const char* __tsan_default_suppressions() {
-    return "race:tzset\nrace:libQt5Core.so\n";
-}
-
 namespace {
 
 constexpr long long SERVER_TIME = 1900000000;  // 2030-03-17 17:46:40 UTC
