@@ -11,11 +11,6 @@
 #include <sys/resource.h>
 #include <sys/wait.h>
 
-// The C library changes its time zone under a lock that the thread sanitizer does not see.
-extern "C" __attribute__((visibility("default"))) const char* __tsan_default_suppressions() {
-    return "race:tzset";
-}
-
 namespace {
 
 constexpr long long SERVER_TIME = 1900000000;  // 2030-03-17 17:46:40 UTC
