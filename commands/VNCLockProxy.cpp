@@ -18,7 +18,11 @@ QObject* FindPlugin() {
 VNCLockProxy::VNCLockProxy(QObject* plugin) : m_pPlugin(plugin) {}
 
 VNCLockProxy::~VNCLockProxy() {
-    ReleaseLocks();
+    try {
+        ReleaseLocks();
+    } catch (...) {
+        // A plug-in that throws keeps what it has not released; the host goes on.
+    }
 }
 
 // Asked anew each time: a plug-in object that is being destroyed no longer offers the interface.

@@ -4,8 +4,8 @@
 
 #include <QString>
 
-// Each call opens the file anew (UTF-8), so nothing is cached between calls. The caller holds the
-// file's lock (FileLocker) meanwhile. Nothing throws.
+// Each call opens the file anew (UTF-8) and keeps nothing itself; see ModificationMark for what
+// QSettings keeps. The caller holds the file's lock (FileLocker) meanwhile. Nothing throws.
 class IniOperator {
 public:
     // -1 when file, section or key is empty; otherwise 0. A file that cannot be written is not

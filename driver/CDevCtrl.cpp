@@ -186,10 +186,11 @@ int CDevCtrl::_InitValueArray(int n) {
     if ((n == channelCount && channelCount != 0) || (n == 0 && channelCount > 0))
         return 0;
     // Never fewer than the fixed channels need, whatever the host asks for.
-    channelCount = std::max(n, CHANNEL_COUNT);
-    m_record.m_arrValue.SetSize(channelCount + 1);
-    m_record.m_arrStrValue.SetSize(channelCount + 1);
-    m_record.m_arrChannelFlag.SetSize(channelCount + 1);
+    const int newCount = std::max(n, CHANNEL_COUNT);
+    m_record.m_arrValue.SetSize(newCount + 1);
+    m_record.m_arrStrValue.SetSize(newCount + 1);
+    m_record.m_arrChannelFlag.SetSize(newCount + 1);
+    channelCount = newCount;  // last: arrays that found no memory are sized again by the next call
     return 0;
 }
 

@@ -71,13 +71,19 @@ void ReleaseArchive(OLMA_DATA& record) {
 int CDevCtrl::InitDevice(const unsigned char* blob, int length) {
     if (blob == nullptr || length <= 0)
         return HOST_BAD_ARGUMENT;
+    const bool wasStarted = m_record.m_pContext != nullptr;
     if (hxd::NoThrow(false, [&] { return StartDevice(blob, length); }))
         return HOST_OK;
+    if (wasStarted) {
+        // A repeated call changes nothing, also when it finds no memory.
+        ReleaseArchive(m_record);
+        return HOST_OK;
+    }
     // The host cannot tell that nothing was started; every operation copes with that.
     return CleanupDevice();
 }
 
-// False only by throwing: the failed start is rolled back by the caller.
+// Never false, but may throw: the caller rolls the failed start back.
 bool CDevCtrl::StartDevice(const unsigned char* blob, int length) {
     m_record.m_pArchive = new (std::nothrow) COwnerArchive;
     if (m_record.m_pArchive == nullptr)

@@ -1,6 +1,7 @@
 #include "network/NerworkCheck.h"
 
 #include "common/FileLock.h"
+#include "common/QtText.h"
 #include "common/Retry.h"
 #include "network/ResolverText.h"
 
@@ -9,7 +10,6 @@
 #include <unistd.h>
 #include <QByteArray>
 #include <QProcess>
-#include <QRegExp>
 #include <QStringList>
 
 #include <cstdio>
@@ -26,12 +26,6 @@ constexpr int RESOLVER_ATTEMPTS = 4;
 constexpr useconds_t RESOLVER_PAUSE_US = 100000;
 constexpr int PING_TIMEOUT_MS = 3000;
 constexpr int KILL_TIMEOUT_MS = 1000;
-
-const char* const IP_REG_EXP =
-    "^(\\d{1,2}|1\\d\\d|2[0-4]\\d|25[0-5])\\."
-    "(\\d{1,2}|1\\d\\d|2[0-4]\\d|25[0-5])\\."
-    "(\\d{1,2}|1\\d\\d|2[0-4]\\d|25[0-5])\\."
-    "(\\d{1,2}|1\\d\\d|2[0-4]\\d|25[0-5])$";
 
 const char* const PING_SCRIPT_PATH = "/tmp/ping.sh";
 const char* const PING_SCRIPT =
@@ -147,7 +141,8 @@ const char* const testPingIpAddr = "223.5.5.5";
 const char* const pingLckPath = "/tmp/ping.lock";
 
 bool isIp(const QString& text) {
-    return QRegExp(QLatin1String(IP_REG_EXP)).exactMatch(text);
+    const QByteArray bytes = hxd::ToHostBytes(text);
+    return IsDottedAddress(std::string(bytes.constData(), static_cast<std::size_t>(bytes.size())));
 }
 
 bool pingNetWork(bool literal) {

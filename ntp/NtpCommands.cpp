@@ -22,7 +22,7 @@ public:
         m_bValid = CDevBas::splitString(args, ',', items) != 0 &&
                    (items.size() == required || items.size() == required + 1);
         for (const FF::utils::String& item : items)
-            m_names.push_back(item.c_str());
+            m_names.emplace_back(item.c_str());
         m_bNamesResult = items.size() > required;
     }
 

@@ -68,7 +68,8 @@ int NtpCtrl::setNtpServer(const QString& server, int slot) {
     if (slot < 0 || slot >= m_settings.servers.size())
         return RESULT_REFUSED;
     if (m_settings.servers.at(slot) != server) {
-        m_settings.servers[slot] = server;
+        QString text = server;
+        m_settings.servers[slot].swap(text);
         m_settings.writeCfg();
     }
     return RESULT_DONE;

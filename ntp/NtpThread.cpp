@@ -135,7 +135,7 @@ void NtpThread::Start() {
         std::printf("open event fd failed!%s\n", ::strerror(errno));
         return;
     }
-    m_pWakeUp.reset(new HXDCTRL::File(wakeUp));
+    m_pWakeUp = std::make_unique<HXDCTRL::File>(wakeUp);
     m_bRunning = true;
     m_eState = STATE_IDLE;
     try {
@@ -152,7 +152,8 @@ void NtpThread::Post(const QString& server, std::int32_t reachMode,
         m_requestDone.wait_for(locker, STOP_CHECK_INTERVAL);
     if (!m_bRunning || !running)
         return;
-    m_strServer = server;
+    const QByteArray name = hxd::ToHostBytes(server);
+    m_strServer.assign(name.constData(), static_cast<std::size_t>(name.size()));
     m_nReachMode = reachMode;
     m_eState = STATE_PENDING;
     m_requestPosted.notify_one();
@@ -196,7 +197,7 @@ void NtpThread::Run() {
 bool NtpThread::AwaitRequest(QString& server, std::int32_t& reachMode) {
     std::unique_lock<std::mutex> locker(m_lock);
     m_requestPosted.wait(locker, [this] { return m_eState == STATE_PENDING || !m_bRunning; });
-    server = m_strServer;
+    server = hxd::FromHost(m_strServer.data(), static_cast<int>(m_strServer.size()));
     reachMode = m_nReachMode;
     return m_bRunning;
 }

@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <string>
 #include <thread>
 
 // Which kinds of server can be reached at all.
@@ -62,7 +63,7 @@ private:
     bool AwaitReadable(int socket, const QByteArray& server) const;
     void Finish(bool success, const sntp::CorrectedTime& time);
 
-    QString m_strServer;
+    std::string m_strServer;  // not shared with the controller's copy
     std::int32_t m_nReachMode = -1;
     std::mutex m_lock;  // guards every other member
     State m_eState = STATE_IDLE;

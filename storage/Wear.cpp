@@ -85,8 +85,8 @@ long long wear::SectorsWritten(const QVector<QString>& diskstats) {
     long long userArea = 0;
     long long partition = 0;
     QVector<QString> words;
-    for (int i = 0; i < diskstats.size(); ++i) {
-        StringCommon::splitString(diskstats.at(i), words);
+    for (const QString& line : diskstats) {
+        StringCommon::splitString(line, words);
         if (words.size() <= SECTORS_WRITTEN)
             continue;
         if (words.at(NAME) == QLatin1String("mmcblk0"))
@@ -103,8 +103,8 @@ int wear::LifeFromEstimates(const QString& line) {
     if (words.isEmpty())
         return 100;
     int grade = 0;
-    for (int i = 0; i < words.size(); ++i)
-        grade = std::max(grade, words.at(i).toInt(nullptr, 16));
+    for (const QString& word : static_cast<const QVector<QString>&>(words))
+        grade = std::max(grade, word.toInt(nullptr, 16));
     return 100 - emmcLifeGradePercent[std::min(grade, MAX_LIFE_GRADE)];
 }
 

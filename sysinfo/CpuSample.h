@@ -32,8 +32,8 @@ constexpr std::size_t SAMPLE_PIECES = 9;
 long long TotalJiffies(const cpu_occupy_& sample);
 long long IdleJiffies(const cpu_occupy_& sample);
 
-// Hundredths of busy time, rounded to the nearest, halves upward; outside 0..100 for counters that
-// make no sense. allDelta must be 1 or more.
+// A busy share (0..1) in hundredths, rounded to the nearest, halves upward; outside 0..100 for
+// counters that make no sense.
 int BusyHundredths(double use);
 
 }  // namespace cpu

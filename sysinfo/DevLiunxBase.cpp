@@ -1,8 +1,11 @@
 #include "sysinfo/DevLiunxBase.h"
 
 #include "common/ResultCodes.h"
+#include "common/Retry.h"
 #include "sysinfo/Trace.h"
 
+#include <fcntl.h>
+#include <unistd.h>
 #include <cstdio>
 #include <cstring>
 #include <limits>
@@ -15,6 +18,18 @@ struct FileCloser {
     void operator()(FILE* file) const { std::fclose(file); }
 };
 using OpenFile = std::unique_ptr<FILE, FileCloser>;
+
+// Not fopen: opening a pipe that lies in a file's place would wait for its other end.
+OpenFile Open(const std::string& path) {
+    const int descriptor = hxd::RetryInterrupted(
+        [&] { return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK); });
+    if (descriptor < 0)
+        return nullptr;
+    OpenFile file(::fdopen(descriptor, "r"));
+    if (file == nullptr)
+        ::close(descriptor);
+    return file;
+}
 
 // Lengths of more than this many KiB do not fit the 32-bit byte count.
 constexpr int LENGTH_LIMIT_KIB = 2097152;
@@ -54,7 +69,7 @@ int DevLiunxBase::DevOpear(OLMA_DATA& /*data*/, std::vector<std::string>& /*args
 
 std::string DevLiunxBase::DevReadFile(std::string& fileName, long /*length*/, int mode) {
     DEV_TRACE("DevReadFile begin", "strFileName = %s", fileName.c_str());
-    const OpenFile file(std::fopen(fileName.c_str(), "re"));
+    const OpenFile file = Open(fileName);
     if (file == nullptr) {
         DEV_TRACE("DevReadFile end", "Read strFileName = %s error", fileName.c_str());
         return std::string();

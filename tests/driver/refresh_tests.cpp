@@ -49,7 +49,7 @@ private:
 
 TEST_F(Refresh, InitialisesTheStorageManagerUntilThatWorksAndThenRefreshesIt) {
     std::string calls;
-    context.m_pDisk.reset(new FakeDisk(2, calls));
+    context.m_pDisk = std::make_unique<FakeDisk>(2, calls);
     context.m_bDiskInitPending = true;
     const struct {
         const char* calls;

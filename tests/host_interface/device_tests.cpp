@@ -8,12 +8,14 @@
 #include <dirent.h>
 #include <dlfcn.h>
 #include <sched.h>
+#include <sys/resource.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <algorithm>
 #include <csignal>
 #include <fstream>
+#include <functional>
 #include <stdexcept>
 #include <vector>
 
@@ -262,6 +264,34 @@ TEST_F(Device, RebootsThroughTheKernel) {
     ASSERT_EQ(::waitpid(child, &status, 0), child);
     EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGHUP) << status;
 }
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+// A sanitizer's allocator ends the program instead of failing.
+TEST_F(Device, KeepsItsStateWhenMemoryRunsOut) {
+    const auto withoutMemory = [](const std::function<void()>& call) {
+        rlimit before = {};
+        ::getrlimit(RLIMIT_AS, &before);
+        const rlimit nothingMore = {1, before.rlim_max};
+        ::setrlimit(RLIMIT_AS, &nothingMore);
+        call();
+        ::setrlimit(RLIMIT_AS, &before);
+    };
+    const int channel = 1;
+    const std::vector<int> channels(65536, 1);
+    const std::vector<unsigned char> blob(1 << 20);
+    int sized = 0, collected = 0, initialised = -1;
+    withoutMemory([&] {
+        sized = device->ChannelRefChange(&channel, 65536);
+        collected = device->CollectDevData(channels.data(), 65536);
+    });
+    EXPECT_EQ(collected, sized);  // HOST_BAD_ARGUMENT, unless earlier cases left the heap large
+    ASSERT_EQ(Init(), 0);
+    withoutMemory([&] { initialised = device->InitDevice(blob.data(), 1 << 20); });
+    EXPECT_EQ(initialised, 0);
+    EXPECT_EQ(Collect(), 0);
+    EXPECT_EQ(host.numberChannels.size(), 32u);  // the services are still there
+}
+#endif
 
 TEST_F(Device, LeavesNothingBehind) {
     const auto cycles = [&](int count) {

@@ -209,7 +209,7 @@ TEST_F(TimeSettings, ThatCannotBeWrittenLeaveTheOldFile) {
 // one would wait for.
 TEST_F(TimeSettings, SurviveTheEndOfTheProcessInAWrite) {
     Record(1, 1, 1, "1").writeCfg();
-    for (int round = 0; round < 25; ++round) {
+    for (int round = 0; round < 15; ++round) {
         const pid_t writer = ::fork();
         if (writer == 0) {
             for (int i = 0;; ++i) {

@@ -231,6 +231,10 @@ TEST_F(Registry, ReadsOddLogFiles) {
     std::ofstream("/storage/log/signal_recieved.log") << "signal 11";
     EXPECT_EQ(Run("ReadAppLog(2,1,txt,st)"), 0);
     EXPECT_EQ(host.texts["txt"], "signal 11");
+    ::unlink("/storage/log/signal_recieved.log");
+    ASSERT_EQ(::mkfifo("/storage/log/signal_recieved.log", 0600), 0);
+    EXPECT_EQ(Run("ReadAppLog(2,1,txt,st)"), 0);  // does not wait for a writer
+    EXPECT_EQ(host.texts["txt"], "");
 }
 
 TEST_F(Registry, ReadsTheKernelLogThroughAFileOfItsOwn) {
