@@ -1,0 +1,53 @@
+# What goes on a panel: the stripped library and the documentation; the debug symbols are a package
+# of their own. The host's folder for drivers differs between panels.
+set(HXD_PLUGIN_DIR lib/hxdcontrol CACHE STRING "Where the host looks for drivers, below the prefix")
+
+set(packaged ${CMAKE_BINARY_DIR}/package)
+set(library libhxdcontrol_armv7.so.1)
+add_custom_command(
+    OUTPUT ${packaged}/${library} ${packaged}/${library}.debug
+    DEPENDS hxdcontrol
+    WORKING_DIRECTORY ${CMAKE_BINARY_DIR}
+    COMMAND ${CMAKE_COMMAND} -E make_directory ${packaged}
+    COMMAND ${CMAKE_OBJCOPY} --only-keep-debug $<TARGET_FILE:hxdcontrol> ${packaged}/${library}.debug
+    COMMAND ${CMAKE_STRIP} --strip-unneeded -o ${packaged}/${library} $<TARGET_FILE:hxdcontrol>
+    COMMAND ${CMAKE_OBJCOPY} --add-gnu-debuglink=${packaged}/${library}.debug ${packaged}/${library}
+    VERBATIM)
+add_custom_target(hxdcontrol_stripped DEPENDS ${packaged}/${library})
+file(CONFIGURE OUTPUT ${packaged}/VERSION CONTENT "${PROJECT_VERSION}\n")
+
+set(documents share/doc/hxdcontrol)
+install(FILES ${packaged}/${library} DESTINATION ${HXD_PLUGIN_DIR} COMPONENT driver)
+install(FILES ${packaged}/${library}.debug DESTINATION lib/debug/usr/${HXD_PLUGIN_DIR}
+    COMPONENT debug)
+install(FILES README.md CHANGELOG.md cmake/copyright ${packaged}/VERSION DESTINATION ${documents}
+    COMPONENT driver)
+install(DIRECTORY docs/ DESTINATION ${documents}/docs COMPONENT driver)
+
+set(CPACK_PACKAGE_NAME hxdcontrol)
+set(CPACK_PACKAGE_VENDOR hxdcontrol)
+set(CPACK_PACKAGE_CONTACT "hxdcontrol maintainers <hxdcontrol@example.invalid>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Device driver of a touch panel for its HMI runtime")
+set(CPACK_GENERATOR TGZ DEB)
+set(CPACK_COMPONENTS_ALL driver debug)
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_PACKAGE_FILE_NAME hxdcontrol-${PROJECT_VERSION}-armv7)
+set(CPACK_ARCHIVE_COMPONENT_INSTALL ON)
+set(CPACK_ARCHIVE_DRIVER_FILE_NAME ${CPACK_PACKAGE_FILE_NAME})
+set(CPACK_ARCHIVE_DEBUG_FILE_NAME ${CPACK_PACKAGE_FILE_NAME}-debug)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE armhf)
+set(CPACK_DEBIAN_DRIVER_PACKAGE_NAME hxdcontrol)
+set(CPACK_DEBIAN_DRIVER_PACKAGE_SECTION libs)
+if(HXD_QT EQUAL 4)
+    set(CPACK_DEBIAN_DRIVER_PACKAGE_DEPENDS "libc6, libstdc++6, libqtcore4, libqtgui4")
+else()
+    set(CPACK_DEBIAN_DRIVER_PACKAGE_DEPENDS
+        "libc6 (>= 2.36), libstdc++6 (>= 12), libqt5core5a (>= 5.15), libqt5gui5 (>= 5.15)")
+endif()
+set(CPACK_DEBIAN_DEBUG_PACKAGE_NAME hxdcontrol-dbgsym)
+set(CPACK_DEBIAN_DEBUG_PACKAGE_SECTION debug)
+set(CPACK_DEBIAN_DEBUG_PACKAGE_DEPENDS "hxdcontrol (= ${PROJECT_VERSION})")
+set(CPACK_COMPONENT_DEBUG_DESCRIPTION "Debug symbols of the device driver")
+include(CPack)
