@@ -19,6 +19,12 @@ void File::close() {
     m_nFd = -1;
 }
 
+int File::Release() {
+    const int descriptor = m_nFd;
+    m_nFd = -1;
+    return descriptor;
+}
+
 bool File::open(const std::string& path, int flags) {
     close();
     m_nFd = hxd::RetryInterrupted([&] {

@@ -30,6 +30,9 @@ public:
     // what was read so far, the position as it was before, and LastError().
     std::string readAll();
 
+    // Gives the descriptor away; the file is closed for its former owner.
+    int Release();
+
     bool IsOpen() const { return m_nFd >= 0; }
     int Descriptor() const { return m_nFd; }
     int LastError() const { return m_nErrno; }  // an errno value; 0: no error yet

@@ -76,6 +76,8 @@ void AddGeneralOptions(CLI::App& app, Options& options) {
     app.add_flag_callback(
         "--no-vnc", [&options] { options.lockPlugin = false; },
         "Run the host without the remote-view plug-in");
+    app.add_flag("--time-server", options.timeServer,
+                 "Start a time server beside the panel, and make it time server 1");
     app.add_option_function<std::string>(
            "--blob",
            [&options](const std::string& text) {
@@ -144,6 +146,8 @@ void AddSubcommands(CLI::App& app, Options& options) {
 
     AddSubcommand(app, options, Options::PANEL, "panel",
                   "Show the simulated hardware and what the driver did to it");
+    AddSubcommand(app, options, Options::NTP, "ntp",
+                  "Show the time settings and what the clocks were set to");
     CLI::App* const help =
         AddSubcommand(app, options, Options::HELP, "help",
                       "Explain a command of the driver or the console, or list them");
@@ -154,7 +158,7 @@ void AddSubcommands(CLI::App& app, Options& options) {
 void ExplainExtras(const std::vector<std::string>& words) {
     const std::string word = words.empty() ? "" : words.front();
     const std::string closest =
-        Closest(word, {"channels", "exec", "write", "watch", "panel", "help"});
+        Closest(word, {"channels", "exec", "write", "watch", "panel", "ntp", "help"});
     std::string advice = "see hxdpanel --help";
     if (word.find('(') != std::string::npos)
         advice = "to run a command of the driver: hxdpanel exec '" + Visible(word) + "'";

@@ -16,7 +16,7 @@ enum ExitCode : int {
 };
 
 struct Options {
-    enum Mode { CONSOLE, CHANNELS, EXEC, WRITE, WATCH, PANEL, HELP };
+    enum Mode { CONSOLE, CHANNELS, EXEC, WRITE, WATCH, PANEL, NTP, HELP };
 
     Mode mode = CONSOLE;
     std::string panel;  // folder; empty: the default panel
@@ -27,6 +27,7 @@ struct Options {
     std::vector<unsigned char> blob;
     int logLevel = 0;
     bool lockPlugin = true;
+    bool timeServer = false;
 
     bool json = false;
     std::vector<Definition> variables;

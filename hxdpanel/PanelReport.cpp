@@ -25,13 +25,6 @@ std::string RecordText(const hal_network_t& record) {
            std::to_string(record.flags & 3);
 }
 
-std::string TimeText(const std::tm& time) {
-    std::array<char, 64> text = {};
-    std::snprintf(text.data(), text.size(), "%04d-%02d-%02d %02d:%02d:%02d", time.tm_year + 1900,
-                  time.tm_mon + 1, time.tm_mday, time.tm_hour, time.tm_min, time.tm_sec);
-    return text.data();
-}
-
 std::string CaptureText(const sim::Capture& capture) {
     return Visible(capture.dirMacro + "/" + capture.relativePath) + "  at " +
            std::to_string(capture.x) + "," + std::to_string(capture.y) + "  size " +
@@ -67,18 +60,6 @@ std::string LockText(const IVNCLock* plugin) {
            text(plugin->getVNCMouseState()) + ", keyboard " + text(plugin->getVNCKeyboardState());
 }
 
-Lines CommandLines() {
-    if (guard::Enabled())
-        return guard::Calls();
-    Lines lines;
-    std::ifstream log(COMMAND_LOG);
-    for (std::string line; std::getline(log, line);) {
-        std::replace(line.begin(), line.end(), '\t', ' ');
-        lines.push_back(Visible(line));
-    }
-    return lines;
-}
-
 void PrintItem(std::FILE* out, const char* title, const std::string& text) {
     std::fprintf(out, "%s%s\n", PadRight(title, 17).c_str(), text.c_str());
 }
@@ -97,6 +78,25 @@ void PrintList(std::FILE* out, const char* title, const Lines& lines) {
 }
 
 }  // namespace
+
+std::string TimeText(const std::tm& time) {
+    std::array<char, 64> text = {};
+    std::snprintf(text.data(), text.size(), "%04d-%02d-%02d %02d:%02d:%02d", time.tm_year + 1900,
+                  time.tm_mon + 1, time.tm_mday, time.tm_hour, time.tm_min, time.tm_sec);
+    return text.data();
+}
+
+std::vector<std::string> CommandsRun() {
+    if (guard::Enabled())
+        return guard::Calls();
+    Lines lines;
+    std::ifstream log(COMMAND_LOG);
+    for (std::string line; std::getline(log, line);) {
+        std::replace(line.begin(), line.end(), '\t', ' ');
+        lines.push_back(Visible(line));
+    }
+    return lines;
+}
 
 std::string AddressText(std::uint32_t address) {
     std::array<char, INET_ADDRSTRLEN> text = {};
@@ -123,7 +123,7 @@ void PrintPanel(std::FILE* out, const IVNCLock* plugin, const std::string& files
         {"Interfaces set", Texts(state.appliedRecords, RecordText)},
         {"Clock set", Texts(state.rtcSettings, TimeText)},
         {"Screen captures", Texts(state.captures, CaptureText)},
-        {"Commands run", CommandLines()},
+        {"Commands run", CommandsRun()},
     };
     std::fputs("\nSince the start of this run:\n", out);
     bool any = false;

@@ -9,6 +9,7 @@
 #include "PanelReport.h"
 #include "SimPanel.h"
 #include "Text.h"
+#include "TimeReport.h"
 
 #include "common/ResultCodes.h"
 #include "driver/record/ChannelTable.h"
@@ -71,6 +72,15 @@ bool ChannelValue(const ChannelRow& row, const std::string& text, HostValue& val
     return true;
 }
 
+// What an ExecNTP has left in its result variable.
+std::string SyncText(const HostDatabase& database, const HostDatabase::Trace& trace) {
+    HostValue result;
+    if (trace.written.empty() || !database.FindVariable(trace.written.front(), result))
+        return "done, without a result variable that tells how";
+    return "result " + ValueText(result) +
+           (result.integer == 0 ? " (done, or switched off)" : " (failed)");
+}
+
 }  // namespace
 
 Session::Session(HostDatabase& database, Device& device, DriverOutput& output,
@@ -93,6 +103,7 @@ const std::vector<Session::ConsoleCommand>& Session::ConsoleCommands() {
         {"vars", "", "show the variables", &Session::RunVars},
         {"panel", "", "show the simulated hardware and what the driver did to it",
          &Session::RunPanel},
+        {"ntp", "", "show the time settings and what the clocks were set to", &Session::RunNtp},
         {"help", "[COMMAND]", "this list, or more about a command or a channel's number",
          &Session::RunHelp},
         {"quit", "", "leave (Ctrl-D too)", &Session::RunQuit},
@@ -168,6 +179,8 @@ int Session::RunDriverCommand(const std::string& text) {
                  StatusText(status, CommandStatusMeaning(info, status)).c_str());
     for (const std::string& name : trace.written)
         PrintVariable(name);
+    if (info != nullptr && std::string(info->name) == "ExecNTP")
+        m_strLastSync = SyncText(m_database, trace);
     const bool saved = ReportFiles();
     std::fflush(m_out);
     if (info != nullptr && info->savesFile && !saved)
@@ -268,6 +281,18 @@ int Session::ShowPanel() {
     PrintPanel(m_out, m_plugin, m_files.outside);
     std::fflush(m_out);
     return EXIT_DONE;
+}
+
+int Session::ShowTime() {
+    Refresh();
+    m_output.Settle();
+    PrintTime(m_out, m_database, m_strLastSync);
+    std::fflush(m_out);
+    return EXIT_DONE;
+}
+
+int Session::RunNtp(const std::string&) {
+    return ShowTime();
 }
 
 int Session::RunChannels(const std::string& rest) {

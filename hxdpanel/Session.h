@@ -33,6 +33,7 @@ public:
     // csv: null for tables.
     int WatchChannels(double interval, int count, std::FILE* csv);
     int ShowPanel();
+    int ShowTime();
     int Collect();
 
     // What the last, unfinished word of the line may become.
@@ -53,6 +54,7 @@ private:
     int RunWrite(const std::string& rest);
     int RunSet(const std::string& rest);
     int RunVars(const std::string& rest);
+    int RunNtp(const std::string& rest);
     int RunPanel(const std::string& rest);
     int RunHelp(const std::string& rest);
     int RunQuit(const std::string& rest);
@@ -69,6 +71,7 @@ private:
     const IVNCLock* m_plugin;
     PanelFiles m_files;
     SavedFiles m_savedFiles;
+    std::string m_strLastSync;  // answer of the last ExecNTP
     bool m_bEnded = false;
 };
 

@@ -13,8 +13,10 @@
 #include "Sandbox.h"
 #include "Session.h"
 #include "SimulatedPanel.h"
+#include "TimeServer.h"
 
 #include "common/ResultCodes.h"
+#include "driver/record/ChannelTable.h"
 
 #include <QCoreApplication>
 
@@ -82,11 +84,31 @@ int RunMode(Session& session, const Options& options, DriverOutput& output) {
         case Options::PANEL:
             session.Collect();
             return session.ShowPanel();
+        case Options::NTP:
+            return session.ShowTime();
         default:
             return RunConsole(
                 session, output,
                 guard::Enabled() ? sandbox::HistoryFolder() : options.inside.historyFolder);
     }
+}
+
+bool StartTimeServer(std::unique_ptr<TimeServer>& server) {
+    std::string error = "it needs the sandbox";
+    if (!guard::Enabled())
+        server = TimeServer::Start(error);
+    if (server == nullptr)
+        std::fprintf(stderr, "hxdpanel: no time server: %s\n", error.c_str());
+    return server != nullptr;
+}
+
+// Through the driver, as a project would.
+void UseTimeServer(Device& device) {
+    device.Write(CHANNEL_NTP_SERVER_1, HostValue::Text(TimeServer::ADDRESS));
+    std::fprintf(stderr,
+                 "A time server with this machine's time answers at %s; it has been made time "
+                 "server 1 (channel 15). Pings are answered.\n",
+                 TimeServer::ADDRESS);
 }
 
 int RunPanel(const Options& options, int argc, char** argv) {
@@ -100,6 +122,10 @@ int RunPanel(const Options& options, int argc, char** argv) {
     HostDatabase database;
     for (const Definition& variable : options.variables)
         database.SetVariable(variable.name, variable.value);
+
+    std::unique_ptr<TimeServer> timeServer;
+    if (options.timeServer && !StartTimeServer(timeServer))
+        return EXIT_NO_PANEL;
 
     DriverOutput output;
     if (options.logLevel > 0)
@@ -118,6 +144,8 @@ int RunPanel(const Options& options, int argc, char** argv) {
                      StatusMeaning(device.InitStatus()));
         return EXIT_NO_DRIVER;
     }
+    if (timeServer != nullptr)
+        UseTimeServer(device);
     Session session(database, device, output, memory, plugin, files);
     const int exitCode = RunMode(session, options, output);
     output.Mute();  // what the driver says when it ends

@@ -175,4 +175,19 @@ TEST(Hxdpanel, RefusesDangerousCallsWithoutTheSandbox) {
     EXPECT_TRUE(Contains(run.out, "refused: dmesg > /tmp/dmesg.log\n")) << run.out;
 }
 
+TEST(Hxdpanel, SynchronisesWithItsOwnTimeServer) {
+    const QStringList exec = {"exec",         "--set",      "r=99", "SetNTPServer(127.0.0.1,,,)",
+                              "EnableNTP(1)", "ExecNTP(r)", "ntp"};
+    const Outcome without = Hxdpanel(exec);
+    EXPECT_TRUE(Contains(without.out, "r = 10")) << without.out;
+    EXPECT_TRUE(Contains(without.out, "result 10 (failed)")) << without.out;
+    EXPECT_TRUE(Contains(without.out, "not set in this run")) << without.out;
+    const Outcome run = Hxdpanel(QStringList{"--time-server"} + exec);
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_TRUE(Contains(run.out, "15 Time server 1 = 127.0.0.1")) << run.out;
+    EXPECT_TRUE(Contains(run.out, "result 0 (done")) << run.out;
+    EXPECT_TRUE(Contains(run.out, "System clock     date -s ")) << run.out;
+    EXPECT_TRUE(Contains(run.out, "Real-time clock  set to 20")) << run.out;
+}
+
 }  // namespace
