@@ -70,6 +70,13 @@ std::string UnknownCommandHint(const std::string& name) {
            (closest.empty() ? "" : "; did you mean " + closest + "?");
 }
 
+bool LacksArguments(const CommandText& command, const CommandInfo& info) {
+    const auto required =
+        std::count_if(info.arguments.begin(), info.arguments.end(),
+                      [](const CommandArgument& argument) { return !argument.optional; });
+    return command.arguments.size() < static_cast<std::size_t>(required);
+}
+
 }  // namespace
 
 bool ParseCommandText(const std::string& text, CommandText& parsed) {
@@ -99,6 +106,8 @@ Hints CommandHints(const CommandText& command, const CommandInfo* info, int stat
     Hints hints;
     if (status == -RESULT_BAD_ARGUMENTS)
         hints.push_back("usage: " + CommandSignature(*info));
+    else if (LacksArguments(command, *info))
+        hints.push_back("fewer arguments than meant; usage: " + CommandSignature(*info));
     const std::size_t count = std::min(command.arguments.size(), info->arguments.size());
     for (std::size_t i = 0; i < count; ++i) {
         const std::string hint =

@@ -16,6 +16,7 @@ constexpr bool SAVES_FILE = true;
 
 const char* const STATUS_IN_RESULT =
     "A refused value shows only in the result variable; the command's own status stays 0.";
+const char* const UNREADABLE = "a variable cannot be read or written";
 const char* const NO_BLANKS =
     "Write no blanks around the commas: they would become part of a name.";
 
@@ -26,7 +27,7 @@ const std::vector<CommandInfo> COMMANDS = {
        REQUIRED}},
      {{1, "no \"=\", or the channel cannot be written"},
       {4, "value out of the channel's range, or no valid address"},
-      {5, "brightness above 100"}},
+      {5, "brightness below 0 or above 100"}},
      {"OLMA_WRITE(21=40)", "OLMA_WRITE(1=192.168.1.50)"},
      {"A number that is no channel is ignored with status 0.", "A text ends at its first \")\"."},
      ANY_CASE},
@@ -117,7 +118,7 @@ const std::vector<CommandInfo> COMMANDS = {
      "switch the time synchronisation on or off",
      {{"switch", Arg::IN, Arg::NUMBER, "1 on, 0 off", REQUIRED},
       {"result", Arg::OUT, Arg::NUMBER, "receives 0, or 4 when refused", OPTIONAL}},
-     {},
+     {{4, UNREADABLE}, {5, "neither one nor two arguments"}},
      {"set result 0", "EnableNTP(1,result)"},
      {STATUS_IN_RESULT},
      ANY_CASE},
@@ -125,7 +126,7 @@ const std::vector<CommandInfo> COMMANDS = {
      "choose when the time is synchronised",
      {{"mode", Arg::IN, Arg::NUMBER, "1 every period, 0 only by ExecNTP", REQUIRED},
       {"result", Arg::OUT, Arg::NUMBER, "receives 0, or 4 when refused", OPTIONAL}},
-     {},
+     {{4, UNREADABLE}, {5, "neither one nor two arguments"}},
      {"set result 0", "SetNTPMode(1,result)"},
      {STATUS_IN_RESULT},
      ANY_CASE},
@@ -133,7 +134,7 @@ const std::vector<CommandInfo> COMMANDS = {
      "set the period of the time synchronisation",
      {{"hours", Arg::IN, Arg::NUMBER, "1 to 24", REQUIRED},
       {"result", Arg::OUT, Arg::NUMBER, "receives 0, or 4 when refused", OPTIONAL}},
-     {},
+     {{4, UNREADABLE}, {5, "neither one nor two arguments"}},
      {"set result 0", "SetNTPFreq(12,result)"},
      {STATUS_IN_RESULT},
      ANY_CASE},
@@ -144,7 +145,7 @@ const std::vector<CommandInfo> COMMANDS = {
       {"server3", Arg::IN, Arg::TEXT, "the same", REQUIRED},
       {"server4", Arg::IN, Arg::TEXT, "the same", REQUIRED},
       {"result", Arg::OUT, Arg::NUMBER, "receives 0, or 4 when a server cannot be read", OPTIONAL}},
-     {{5, "neither four nor five arguments"}},
+     {{4, UNREADABLE}, {5, "neither four nor five arguments"}},
      {"set result 0", "SetNTPServer(192.168.1.1,ntp.example.org,,,result)"},
      {},
      ANY_CASE},
@@ -160,7 +161,7 @@ const std::vector<CommandInfo> COMMANDS = {
     {"GetCpuUse",
      "sample the CPU use for channel 10",
      {{"channel", Arg::IN, Arg::INTEGER, "10; only logged", REQUIRED}},
-     {{1, "/proc/stat cannot be read"}},
+     {},
      {"GetCpuUse(10)", "REFLESH()", "channels"},
      {"Every refresh does the same."},
      EXACT},

@@ -84,6 +84,10 @@ std::string AcceptedText(const ChannelRow& row) {
     const std::string subject = "channel " + std::to_string(row.number);
     if (row.access == ChannelRow::READ_ONLY)
         return subject + " cannot be written";
+    if (row.number == CHANNEL_IP_ADDRESS_1 || row.number == CHANNEL_IP_ADDRESS_2)
+        return subject + " takes an IPv4 address that begins with 1 to 223";
+    if (row.number == CHANNEL_NETMASK_1 || row.number == CHANNEL_NETMASK_2)
+        return subject + " takes a netmask that begins with 192 to 255";
     if (row.kind == ChannelRow::TEXT)
         return subject + " takes a text";
     return subject + " takes " + std::to_string(row.minimum) +

@@ -2,6 +2,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include <unistd.h>
+
 #include <cctype>
 #include <functional>
 
@@ -14,9 +16,11 @@ const char* const DESCRIPTION =
     "an interactive console. The driver runs in a sandbox: nothing it does reaches this machine.";
 
 const char* const FOOTER =
-    "Exit code: 0 done; 1 the driver reported a status other than 0; 2 wrong usage; 3 the driver\n"
-    "cannot be loaded or initialised; 4 the panel's description or files cannot be used; 125 the\n"
-    "sandbox could not be set up; 129 the panel was rebooted.\n\n"
+    "Exit code: 0 done; 1 the driver reported a status other than 0; 2 wrong usage, or the "
+    "results\n"
+    "cannot be written; 3 the driver cannot be loaded or initialised; 4 the panel's description "
+    "or\n"
+    "files cannot be used; 125 the sandbox could not be set up; 129 the panel was rebooted.\n\n"
     "Examples:\n"
     "  hxdpanel channels --json\n"
     "  hxdpanel write 21 40\n"
@@ -57,7 +61,14 @@ std::string AddVariable(const std::string& text, std::vector<Definition>& variab
 void AddGeneralOptions(CLI::App& app, Options& options) {
     app.add_option("--panel", options.panel,
                    "Folder of the panel: panel.ini describes its hardware, root/ its files")
-        ->check(CLI::ExistingDirectory);
+        ->check(CLI::ExistingDirectory)
+        ->check(
+            [](const std::string& folder) {
+                const bool isPanel = ::access((folder + "/panel.ini").c_str(), F_OK) == 0 ||
+                                     ::access((folder + "/root").c_str(), F_OK) == 0;
+                return isPanel ? std::string() : "neither panel.ini nor root/ in " + Quoted(folder);
+            },
+            "");
     app.add_option("--root", options.root,
                    "Keep the panel's files in DIR (default: a folder among the user's data; with "
                    "--panel fresh files)")

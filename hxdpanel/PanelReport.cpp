@@ -132,5 +132,5 @@ void PrintPanel(std::FILE* out, const IVNCLock* plugin, const std::string& files
         any = any || !event.second.empty();
     }
     if (!any)
-        std::fputs("nothing yet\n", out);
+        std::fputs("no beep, setting, address, picture or command yet\n", out);
 }

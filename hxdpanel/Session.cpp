@@ -43,6 +43,14 @@ std::string StatusText(int status, const char* meaning) {
     return std::string(number.data()) + " (" + meaning + ")";
 }
 
+// Takes the quotes around a text away; false when there are none.
+bool Unquote(std::string& text) {
+    if (text.size() < 2 || text.front() != '"' || text.back() != '"')
+        return false;
+    text = text.substr(1, text.size() - 2);
+    return true;
+}
+
 int ExitFor(int status) {
     return status == HOST_OK ? EXIT_DONE : EXIT_STATUS;
 }
@@ -140,7 +148,8 @@ std::string NoMeaning(const std::string& line) {
         return "A command of the driver needs parentheses: " + CommandSignature(*command);
     const std::string closest = Closest(word, AllNames());
     return Quoted(word) + " is no command" +
-           (closest.empty() ? ". Type help for the list." : "; did you mean " + closest + "?");
+           (closest.empty() ? ". Type help for the list."
+                            : "; did you mean " + closest + (closest.back() == '(' ? ")?" : "?"));
 }
 
 }  // namespace
@@ -264,6 +273,9 @@ int Session::Write(int number, const std::string& text) {
         Note(AcceptedText(*row));
     if (value.type == DATATYPE_TEXT && text.find(')') != std::string::npos)
         Note("a channel's text ends at its first \")\": the driver takes no more of it");
+    HostValue whole;
+    if (IsTimeNumber(number) && !ConvertValue(text, DATATYPE_INTEGER, whole))
+        Note("the driver reads " + Quoted(text) + " as 0: write a whole number");
     return ExitFor(status);
 }
 
@@ -308,11 +320,12 @@ int Session::RunWatch(const std::string& rest) {
 }
 
 int Session::RunWrite(const std::string& rest) {
-    const Words words = Split(rest);
+    Words words = Split(rest);
     HostValue number;
     if (words.first.empty() || !ConvertValue(words.first, DATATYPE_INTEGER, number))
         return Complain(
             "usage: write N VALUE, with the number of a channel, for example write 21 40");
+    Unquote(words.rest);  // "" is the way to write an empty text
     return Write(number.integer, words.rest);
 }
 
@@ -321,9 +334,7 @@ int Session::RunSet(const std::string& rest) {
     const std::size_t end = std::min(rest.find_first_of(" \t="), rest.size());
     std::string name = rest.substr(0, end);
     std::string text = Trimmed(rest.substr(std::min(end + 1, rest.size())));
-    const bool quoted = text.size() >= 2 && text.front() == '"' && text.back() == '"';
-    if (quoted)
-        text = text.substr(1, text.size() - 2);
+    const bool quoted = Unquote(text);
     if (quoted && name.find(':') == std::string::npos)
         name += ":text";
     Definition definition;

@@ -58,6 +58,14 @@ std::FILE* OpenCsv(const Options& options, std::FILE* results) {
                                              : std::fopen(options.csv.c_str(), "w");
 }
 
+// False, with a message, when a part of what was printed did not get out.
+bool Written(std::FILE* file, const char* name) {
+    if (std::fflush(file) == 0 && std::ferror(file) == 0)
+        return true;
+    std::fprintf(stderr, "hxdpanel: cannot write all of %s\n", name);
+    return false;
+}
+
 int RunWatch(Session& session, const Options& options, std::FILE* results) {
     if (options.csv.empty())
         return session.WatchChannels(options.interval, options.count, nullptr);
@@ -68,7 +76,8 @@ int RunWatch(Session& session, const Options& options, std::FILE* results) {
         return EXIT_USAGE;
     }
     const std::unique_ptr<std::FILE, FileCloser> owner(csv != results ? csv : nullptr);
-    return session.WatchChannels(options.interval, options.count, csv);
+    const int exitCode = session.WatchChannels(options.interval, options.count, csv);
+    return csv == results || Written(csv, options.csv.c_str()) ? exitCode : EXIT_USAGE;
 }
 
 int RunMode(Session& session, const Options& options, DriverOutput& output) {
@@ -147,7 +156,9 @@ int RunPanel(const Options& options, int argc, char** argv) {
     if (timeServer != nullptr)
         UseTimeServer(device);
     Session session(database, device, output, memory, plugin, files);
-    const int exitCode = RunMode(session, options, output);
+    int exitCode = RunMode(session, options, output);
+    if (!Written(output.Results(), "the results"))
+        exitCode = EXIT_USAGE;
     output.Mute();  // what the driver says when it ends
     return exitCode;
 }

@@ -118,6 +118,12 @@ TEST(Hxdpanel, TellsScriptsAndUsersWhatACommandDid) {
         {{"write", "21", "42"}, 0, "status 0 (done)\n21 Brightness = 40 %\n", ""},
         {{"exec", "panel"}, 0, "light on, brightness 40 %", ""},  // the hardware kept it
         {{"write", "13", "1"}, 0, "status 0 (done)\n", ""},
+        {{"write", "14", "6.0"}, 1, "status 4", ""},
+        {{"write", "12", "1.0"}, 0, "Time sync switch = 0", "reads 1.0 as 0"},
+        {{"exec", "EnableNTP()"}, 0, "status 0", "usage: EnableNTP(switch[,result])"},
+        {{"exec", "write 15 \"a b\""}, 0, "Time server 1 = a b\n", ""},
+        {{"watch", "--count", "1", "--csv", "/dev/full"}, 2, "", "cannot write all of /dev/full"},
+        {{"--panel", "/tmp", "channels"}, 2, "", "neither panel.ini nor root/"},
         {{"write", "4", "7000"}, 1, "status 4", "channel 4 takes 0 to 6500"},
         {{"write", "7", "-5"}, 1, "status 4", ""},
         {{"write", "21", "bright"}, 2, "", "takes a number"},
