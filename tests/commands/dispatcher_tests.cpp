@@ -109,7 +109,7 @@ TEST_F(Dispatch, RoutesNamesWithoutRegardToCase) {
 
 TEST_F(Dispatch, HandsUnknownNamesToTheRegistryWhole) {
     EXPECT_EQ(Run("GetCpuUse(10) "), 0.0);  // no registry
-    context.m_pDevManger.reset(new DevManger);
+    context.m_pDevManger = std::make_unique<DevManger>();
     EXPECT_EQ(Run("READ(1)"), 0.0);
     EXPECT_EQ(Run("SetHiddenPro(1) "), 5.0);  // the registry wants ")" at the very end
     EXPECT_EQ(Run("GetCpuUse"), 0.0);

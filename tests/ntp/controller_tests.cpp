@@ -11,11 +11,6 @@
 #include <sys/resource.h>
 #include <sys/wait.h>
 
-// The C library changes its time zone under a lock that the thread sanitizer does not see.
-extern "C" __attribute__((visibility("default"))) const char* __tsan_default_suppressions() {
-    return "race:tzset";
-}
-
 namespace {
 
 constexpr long long SERVER_TIME = 1900000000;  // 2030-03-17 17:46:40 UTC
@@ -33,7 +28,7 @@ protected:
         writeFile("/etc/nsswitch.conf", "hosts: files\n");
     }
     NtpCtrl& Start() {
-        context.m_pNtpCtrl.reset(new NtpCtrl);
+        context.m_pNtpCtrl = std::make_unique<NtpCtrl>();
         return *context.m_pNtpCtrl;
     }
     void Stop() { context.m_pNtpCtrl.reset(); }

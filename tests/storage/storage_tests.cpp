@@ -7,6 +7,7 @@
 #include "storage/Wear.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 #include <QStringList>
 #include <limits>
 
@@ -170,6 +171,22 @@ TEST(Wear, OfNandFollowsEraseCountersAndBadBlocks) {
             << c.eraseSum << " in " << c.blocks << ", " << c.bad << " bad of " << c.reserved;
 }
 
+TEST(StorageFiles, AreReadByLines) {
+    const std::string longLine(3000000, 'x');
+    writeFile("/tmp/lines", " first \t\r\n\n" + longLine + "\nlast");
+    QVector<QString> lines;
+    EXPECT_TRUE(DiskCommon::readFileOfLine(QLatin1String("/tmp/lines"), lines));
+    ASSERT_EQ(lines.size(), 4);
+    EXPECT_TRUE(lines.at(0) == QLatin1String("first") && lines.at(1).isEmpty());
+    EXPECT_EQ(lines.at(2).size(), 3000000);
+    EXPECT_TRUE(lines.at(3) == QLatin1String("last"));
+    // A file of the kernel that tells no size; what was read before stays.
+    EXPECT_TRUE(DiskCommon::readFileOfLine(QLatin1String("/proc/self/status"), lines));
+    EXPECT_TRUE(lines.size() > 20 && lines.at(4).startsWith(QLatin1String("Name:")));
+    QString line;
+    EXPECT_FALSE(DiskCommon::readFirstLine(QLatin1String("/dev/null"), line));
+}
+
 TEST_F(EmmcHealth, IsMeasuredOnRequestInTheFirstHourAndHourlyAfterwards) {
     SetWritten(1000);
     ASSERT_TRUE(Init());
@@ -270,4 +287,26 @@ TEST_F(NandHealth, StartsAtTheThirdAttemptAndEndsInEveryState) {
         ::usleep(1000);
     Stop();
     EXPECT_EQ(CommandLog(), Counts(4));
+}
+
+// What the worker has read by the time of the second request may be older than the request.
+TEST_F(NandHealth, ARequestDuringAMeasurementIsAnsweredByTheNextOne) {
+    SetErased(1000000);
+    ASSERT_TRUE(Init());
+    ASSERT_EQ(::mkdir("/run/shims", 0755), 0);
+    writeFile("/run/shims/umount", ": >/tmp/read; until [ -e /tmp/go ]; do sleep 0.01; done\n");
+    disk->refresh();
+    panel.advanceClock(TICK_MS);
+    while (::access("/tmp/read", F_OK) != 0)
+        ::usleep(1000);
+    EXPECT_FALSE(disk->refreshRes());
+    SetErased(1000000 + 585);
+    disk->refresh();
+    writeFile("/tmp/go", "");
+    ASSERT_TRUE(panel.waitForSleepers(1));
+    EXPECT_FALSE(disk->refreshRes());
+    EXPECT_EQ(disk->getDiskIO(), 1);
+    Advance(TICK_MS);
+    EXPECT_TRUE(disk->refreshRes());
+    EXPECT_EQ(disk->getDiskIO(), 4);
 }

@@ -37,6 +37,8 @@ protected:
 
 class ParseTool : public ToolsBase {};
 
+using CpuUseOnAPanel = Registry;  // one whose /proc/stat can be written
+
 // What of /proc/stat would be the result of a second sample after a first.
 double UseBetween(const char* first, const char* second) {
     const cpu_occupy_ before = cpu::ParseSample(cpu::SplitAtBlanks(first));
@@ -130,6 +132,34 @@ TEST(CpuUse, ComparesTwoSamples) {
     } roundings[] = {{0.004, 0}, {0.995, 100}, {0.12345, 12}, {0.125, 13}, {1.2, 120}, {-1, -99}};
     for (const auto& c : roundings)
         EXPECT_EQ(cpu::BusyHundredths(c.use), c.hundredths) << c.use;
+}
+
+TEST_F(CpuUseOnAPanel, KeepsTheLastGoodValueAndMeasuresOnFromABadSample) {
+    const struct {
+        const char* line;
+        double use;
+        std::string error;  // begin of the error line
+    } samples[] = {
+        {"cpu  750 0 0 250 0 0 0\n", 0.75, ""},  // since boot
+        {"cpu  750 0 0 250 0 0 0\n", 0.75, "CPUUSE DevOpear calc error od=1000,"},
+        {"cpu  850 0 0 1150 0 0 0\n", 0.10, ""},
+        {"cpu  10 0 0 20 0 0 0\n", 0.10, "CPUUSE DevOpear calc error od=30,"},
+        {"cpu  60 0 0 70 0 0 0\n", 0.50, ""},
+        {"cpu  -40 0 0 180 0 0 0\n", 0.50,
+         "CPUUSE DevOpear calc error(out of range) cpu_use = 0.5"},
+        {"cpu", 0.50, "CPUUSE DevOpear calc error od=0,"},
+    };
+    for (const auto& sample : samples) {
+        std::ofstream("/proc/stat") << sample.line;
+        ChangePanel([](sim::PanelState& state) { state.log.clear(); });
+        EXPECT_EQ(Run("GetCpuUse(10)"), 0);
+        EXPECT_EQ(context.m_dCpuUse, sample.use) << sample.line;
+        std::string errors;
+        for (const sim::LogLine& line : Panel().log)
+            errors += line.level == 1 ? line.tag + " " + line.text : "";
+        EXPECT_EQ(errors.substr(0, sample.error.size()), sample.error) << sample.line;
+        EXPECT_EQ(errors.empty(), sample.error.empty()) << errors;
+    }
 }
 
 TEST(MemoryInfo, TakesTheKernelsFigureFromACompleteLine) {
