@@ -4,11 +4,12 @@
 
 #include "driver/record/ChannelTable.h"
 
-#include <QDateTime>
-#include <QJsonArray>
-#include <QJsonDocument>
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <array>
+#include <cmath>
+#include <ctime>
 
 namespace {
 
@@ -86,27 +87,37 @@ const Column COLUMNS[] = {
     {"Value", ExplainedValue},
 };
 
-// One value as JSON writes it; an array is the smallest document there is.
-std::string Json(const QJsonValue& value) {
-    const QByteArray document = QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact);
-    return document.mid(1, document.size() - 2).toStdString();
+using Json = nlohmann::ordered_json;
+
+// Whole numbers without a fraction, as everywhere else; JSON has no word for "not a number".
+Json JsonNumber(double number) {
+    constexpr double EXACT = 9007199254740992.0;  // 2^53
+    if (number == std::floor(number) && std::fabs(number) < EXACT)
+        return static_cast<std::int64_t>(number);
+    return number;
 }
 
-std::string JsonText(const std::string& text) {
-    return Json(QString::fromStdString(text));
-}
-
-std::string JsonValue(const HostDatabase::Received& received) {
+Json JsonValue(const HostDatabase::Received& received) {
     if (!received.delivered)
-        return "null";
+        return nullptr;
     switch (received.value.type) {
         case DATATYPE_INTEGER:
-            return Json(received.value.integer);
+            return received.value.integer;
         case DATATYPE_DOUBLE:
-            return Json(received.value.number);
+            return JsonNumber(received.value.number);
         default:
-            return JsonText(received.value.text);
+            return received.value.text;
     }
+}
+
+// On one line; bytes that are no UTF-8 become replacement characters.
+std::string JsonLine(const Line& line) {
+    const Json channel = {{"number", line.number},
+                          {"name", line.name},
+                          {"unit", line.unit},
+                          {"type", Kind(line)},
+                          {"value", JsonValue(line.received)}};
+    return channel.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
 std::string CsvCell(const std::string& text) {
@@ -148,11 +159,7 @@ void PrintChannelTable(std::FILE* out, const HostDatabase& database) {
 void PrintChannelsJson(std::FILE* out, const HostDatabase& database) {
     const char* separator = "[\n";
     for (const Line& line : Lines(database)) {
-        std::fprintf(out,
-                     "%s  {\"number\": %d, \"name\": %s, \"unit\": %s, \"type\": \"%s\", "
-                     "\"value\": %s}",
-                     separator, line.number, JsonText(line.name).c_str(),
-                     JsonText(line.unit).c_str(), Kind(line), JsonValue(line.received).c_str());
+        std::fprintf(out, "%s  %s", separator, JsonLine(line).c_str());
         separator = ",\n";
     }
     std::fputs("\n]\n", out);
@@ -189,6 +196,10 @@ std::vector<std::pair<std::string, std::string>> ScreenRows(const HostDatabase& 
 }
 
 std::string IsoTime() {
-    const QDateTime now = QDateTime::currentDateTime();
-    return now.toOffsetFromUtc(now.offsetFromUtc()).toString(Qt::ISODate).toStdString();
+    const std::time_t now = std::time(nullptr);
+    std::tm local = {};
+    ::localtime_r(&now, &local);
+    std::array<char, 32> text = {};
+    std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%S%z", &local);
+    return std::string(text.data()).insert(22, 1, ':');  // +0200 as +02:00
 }

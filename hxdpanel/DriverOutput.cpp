@@ -45,9 +45,21 @@ bool IsRoutine(const std::string& line) {
 }
 
 // Qt's messages take the way of everything that the driver prints.
+#if QT_VERSION < 0x050000
+void PrintQtMessage(QtMsgType, const char* message) {
+    std::fprintf(stdout, "%s\n", message);
+}
+void RedirectQtMessages(bool redirect) {
+    ::qInstallMsgHandler(redirect ? PrintQtMessage : nullptr);
+}
+#else
 void PrintQtMessage(QtMsgType, const QMessageLogContext&, const QString& message) {
     std::fprintf(stdout, "%s\n", message.toLocal8Bit().constData());
 }
+void RedirectQtMessages(bool redirect) {
+    ::qInstallMessageHandler(redirect ? PrintQtMessage : nullptr);
+}
+#endif
 
 }  // namespace
 
@@ -66,12 +78,12 @@ DriverOutput::DriverOutput() {
     std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
     m_nWakeEvent = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
     m_nHeldEvent = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
-    ::qInstallMessageHandler(PrintQtMessage);
+    RedirectQtMessages(true);
     m_reader = std::thread([this] { Run(); });
 }
 
 DriverOutput::~DriverOutput() {
-    ::qInstallMessageHandler(nullptr);
+    RedirectQtMessages(false);
     Release();
     Settle();
     {

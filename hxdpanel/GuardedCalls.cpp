@@ -12,7 +12,7 @@
 #include <deque>
 #include <mutex>
 
-#include <QRegularExpression>
+#include <QRegExp>
 #include <QString>
 
 #define HXD_EXPORT extern "C" __attribute__((visibility("default")))
@@ -88,10 +88,10 @@ std::vector<std::string> Calls() {
 bool IsHarmless(const std::string& command) {
     // The actions of find that run or remove something begin with "-exec", "-ok", "-delete", ...;
     // only the tests that the driver uses are let through.
-    static const QRegularExpression pattern(
-        QString::fromLatin1("^(find( /[A-Za-z0-9._/-]*)+( -(name|maxdepth|type) [A-Za-z0-9._*]+)*"
-                            "|mkdir -p( ([A-Za-z0-9._/][A-Za-z0-9._/-]*|'([^']|'\\\\'')*'))+)\\z"));
-    return pattern.match(QString::fromLatin1(command.c_str())).hasMatch();
+    const QRegExp pattern(
+        QLatin1String("find( /[A-Za-z0-9._/-]*)+( -(name|maxdepth|type) [A-Za-z0-9._*]+)*"
+                      "|mkdir -p( ([A-Za-z0-9._/][A-Za-z0-9._/-]*|'([^']|'\\\\'')*'))+"));
+    return pattern.exactMatch(QString::fromLatin1(command.c_str()));
 }
 
 }  // namespace guard

@@ -4,11 +4,10 @@
 #include "SimPanel.h"
 
 #include <cstdio>
+#include <fstream>
 
 #include <QByteArray>
 #include <QCryptographicHash>
-#include <QFile>
-#include <QSaveFile>
 
 namespace {
 
@@ -18,6 +17,20 @@ std::string InterfaceSettings(std::size_t number, const sim::Interface& interfac
            "\naddress=" + AddressText(record.address) + "\nnetmask=" + AddressText(record.netmask) +
            "\ngateway=" + AddressText(record.gateway) +
            "\nmode=" + std::to_string(record.flags & 3) + "\nmac=" + interface.macAddress + "\n";
+}
+
+std::string Digest(const std::string& text) {
+    const QByteArray bytes(text.data(), static_cast<int>(text.size()));
+    return QCryptographicHash::hash(bytes, QCryptographicHash::Sha1).toHex().constData();
+}
+
+// The whole text or what was there before.
+bool Replace(const std::string& path, const std::string& text) {
+    const std::string replacement = path + ".new";
+    std::ofstream file(replacement, std::ios::binary);
+    file << text;
+    file.close();
+    return !file.fail() && std::rename(replacement.c_str(), path.c_str()) == 0;
 }
 
 }  // namespace
@@ -33,14 +46,11 @@ std::string HardwareMemory::Settings() {
 }
 
 HardwareMemory::HardwareMemory(const std::string& file) : m_file(file) {
-    const QByteArray settings = QByteArray::fromStdString(Settings());
-    m_described =
-        "; kept for the description " +
-        QCryptographicHash::hash(settings, QCryptographicHash::Sha1).toHex().toStdString();
-    QFile kept(QString::fromStdString(file));
+    m_described = "; kept for the description " + Digest(Settings());
+    std::string firstLine;
+    std::getline(std::ifstream(file), firstLine);
     std::string error;
-    if (kept.open(QIODevice::ReadOnly) && kept.readLine().trimmed().toStdString() == m_described &&
-        !sim::SimPanel::instance().loadIni(file, error))
+    if (firstLine == m_described && !sim::SimPanel::instance().loadIni(file, error))
         std::fprintf(stderr, "hxdpanel: %s is damaged:\n%s", file.c_str(), error.c_str());
     m_saved = Settings();
 }
@@ -50,10 +60,7 @@ void HardwareMemory::Save() {
     if (settings == m_saved)
         return;
     m_saved = settings;
-    const QByteArray text = QByteArray::fromStdString(m_described + "\n" + settings);
-    QSaveFile file(QString::fromStdString(m_file));
-    const bool written = file.open(QIODevice::WriteOnly) && file.write(text) == text.size();
-    if (!written || !file.commit())
+    if (!Replace(m_file, m_described + "\n" + settings))
         std::fprintf(stderr, "hxdpanel: cannot keep the hardware's settings in %s\n",
                      m_file.c_str());
 }

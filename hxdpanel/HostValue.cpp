@@ -2,7 +2,7 @@
 
 #include "Text.h"
 
-#include <QRegularExpression>
+#include <QRegExp>
 #include <QString>
 
 namespace {
@@ -16,9 +16,8 @@ constexpr Type TYPES[] = {
 
 // "inf" and "nan", which the conversion would take as well, are more likely meant as texts.
 bool ParseDouble(const QString& text, double& number) {
-    static const QRegularExpression pattern(
-        QStringLiteral("^[+-]?(\\d+\\.?\\d*|\\.\\d+)([eE][+-]?\\d+)?\\z"));
-    bool valid = pattern.match(text).hasMatch();
+    const QRegExp pattern(QLatin1String("[+-]?([0-9]+\\.?[0-9]*|\\.[0-9]+)([eE][+-]?[0-9]+)?"));
+    bool valid = pattern.exactMatch(text);
     if (valid)
         number = text.toDouble(&valid);
     return valid;
@@ -79,7 +78,7 @@ bool ConvertValue(const std::string& text, DATATYPE type, HostValue& value) {
         value = HostValue::Text(text);
         return true;
     }
-    const QString digits = text.empty() ? QStringLiteral("0") : QString::fromStdString(text);
+    const QString digits = QString::fromLatin1(text.empty() ? "0" : text.c_str());
     double number = 0.0;
     if (!ParseDouble(digits, number))
         return false;

@@ -17,7 +17,7 @@ class LockPlugin : public QObject, public IVNCLock {
 
 public:
     explicit LockPlugin(QObject* application) : QObject(application) {
-        setObjectName(QStringLiteral("olma.vnc.lock"));
+        setObjectName(QLatin1String("olma.vnc.lock"));
     }
 
     void setHMIMouseState(bool locked) override { m_bHmiMouse = locked; }

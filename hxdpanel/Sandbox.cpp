@@ -7,12 +7,13 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <vector>
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
-#include <QStandardPaths>
 
 namespace sandbox {
 
@@ -22,23 +23,32 @@ const char* const MARKER = "/run/hxd-panel";
 const char* const DRIVER_INSIDE = "/run/driver/libhxdcontrol_armv7.so.1";
 
 std::string ExecutableFolder() {
-    return QFileInfo(QStringLiteral("/proc/self/exe"))
-        .symLinkTarget()
-        .section('/', 0, -2)
-        .toStdString();
+    const QString file = QFile::symLinkTarget(QLatin1String("/proc/self/exe"));
+    return QFile::encodeName(QFileInfo(file).path()).constData();
 }
 
 std::string Absolute(const std::string& path) {
-    return QFileInfo(QString::fromStdString(path)).absoluteFilePath().toStdString();
+    const QFileInfo file(QFile::decodeName(path.c_str()));
+    return QFile::encodeName(file.absoluteFilePath()).constData();
+}
+
+// Where the desktop's programs keep what belongs to the user; empty if nobody knows.
+std::string DataHome() {
+    const char* const chosen = std::getenv("XDG_DATA_HOME");
+    if (chosen != nullptr && chosen[0] == '/')
+        return chosen;
+    const char* const home = std::getenv("HOME");
+    return home != nullptr && home[0] == '/' ? std::string(home) + "/.local/share" : "";
 }
 
 // The folder below the user's data, made if need be; empty if it cannot be written.
 std::string DataFolder(const char* name) {
-    const QString base = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
-    const QString folder = base + QStringLiteral("/hxdpanel/") + QLatin1String(name);
-    if (base.isEmpty() || !QDir().mkpath(folder) || !QFileInfo(folder).isWritable())
+    const std::string base = DataHome();
+    const std::string folder = base + "/hxdpanel/" + name;
+    if (base.empty() || !QDir().mkpath(QFile::decodeName(folder.c_str())) ||
+        ::access(folder.c_str(), W_OK) != 0)
         return "";
-    return folder.toStdString();
+    return folder;
 }
 
 // What comes with the program: in the source tree, or beside an installed program. "" if missing.

@@ -2,6 +2,7 @@
 
 #include <QDateTime>
 #include <QDirIterator>
+#include <QFile>
 
 namespace {
 
@@ -15,12 +16,12 @@ SavedFiles::SavedFiles() : m_known(Look()) {}
 std::map<std::string, SavedFiles::Stamp> SavedFiles::Look() {
     std::map<std::string, Stamp> files;
     for (const char* root : ROOTS) {
-        QDirIterator iterator(QString::fromLatin1(root), QDir::Files, QDirIterator::Subdirectories);
+        QDirIterator iterator(QLatin1String(root), QDir::Files, QDirIterator::Subdirectories);
         for (int i = 0; i < MAX_FILES && iterator.hasNext(); ++i) {
             iterator.next();
             const QFileInfo file = iterator.fileInfo();
-            files[file.filePath().toStdString()] = {file.lastModified().toMSecsSinceEpoch(),
-                                                    file.size()};
+            files[QFile::encodeName(file.filePath()).constData()] = {
+                file.lastModified().toMSecsSinceEpoch(), file.size()};
         }
     }
     return files;

@@ -5,21 +5,44 @@
 #include "Sandbox.h"
 #include "SimPanel.h"
 
+#include <ftw.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
-#include <memory>
 
 #include <QDir>
-#include <QTemporaryDir>
+#include <QFile>
 
 namespace {
 
 constexpr char MEMORY_FILE[] = "/root/panel-hardware.ini";
 
+// A folder that lasts as long as the object.
+class TemporaryFolder {
+public:
+    TemporaryFolder() {
+        if (::mkdtemp(&m_path[0]) == nullptr)
+            m_path.clear();
+    }
+    ~TemporaryFolder() {
+        if (!m_path.empty())
+            ::nftw(m_path.c_str(), Remove, MAX_DESCRIPTORS, FTW_DEPTH | FTW_PHYS);
+    }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    const std::string& Path() const { return m_path; }  // empty: it could not be made
+
+private:
+    static constexpr int MAX_DESCRIPTORS = 16;
+    static int Remove(const char* path, const struct stat*, int, FTW*) { return std::remove(path); }
+
+    std::string m_path = "/tmp/hxdpanel-XXXXXX";
+};
+
 bool MakeFolder(const std::string& path) {
-    if (QDir().mkpath(QString::fromStdString(path)))
+    if (QDir().mkpath(QFile::decodeName(path.c_str())))
         return true;
     std::fprintf(stderr, "hxdpanel: cannot create %s\n", path.c_str());
     return false;
@@ -41,10 +64,13 @@ bool UseFolder(const std::string& root) {
 }
 
 bool SetUpGuarded(const Options& options, PanelFiles& files) {
-    static const std::unique_ptr<QTemporaryDir> temporary(new QTemporaryDir);  // removed at the end
+    static const TemporaryFolder temporary;  // removed at the end
     files.outside = sandbox::RootFolder(options);
-    const std::string root =
-        files.outside.empty() ? temporary->path().toStdString() : files.outside;
+    const std::string root = files.outside.empty() ? temporary.Path() : files.outside;
+    if (root.empty()) {
+        std::perror("hxdpanel: cannot create a folder for the panel's files");
+        return false;
+    }
     files.memory = root + MEMORY_FILE;
     return UseFolder(root);
 }

@@ -1,6 +1,7 @@
 #include "network/NerworkCheck.h"
 
 #include "common/FileLock.h"
+#include "common/QtProcess.h"
 #include "common/QtText.h"
 #include "common/Retry.h"
 #include "network/ResolverText.h"
@@ -9,7 +10,6 @@
 #include <signal.h>
 #include <unistd.h>
 #include <QByteArray>
-#include <QProcess>
 #include <QStringList>
 
 #include <cstdio>
@@ -42,7 +42,7 @@ class Shell : public QProcess {
 public:
     // Leaves nothing behind: a QProcess that is destroyed while it runs says so on standard error.
     void KillAndWait() {
-        const qint64 group = ProcessId();
+        const qint64 group = hxd::ProcessId(*this);
         if (group <= 1 || ::kill(static_cast<pid_t>(-group), SIGKILL) != 0)
             return;
         waitForFinished(KILL_TIMEOUT_MS);
@@ -50,15 +50,6 @@ public:
 
 protected:
     void setupChildProcess() override { ::setpgid(0, 0); }
-
-private:
-    qint64 ProcessId() const {
-#if QT_VERSION < 0x050000
-        return pid();
-#else
-        return processId();
-#endif
-    }
 };
 
 // A new file each time: what somebody else has put there is neither followed nor written nor run.

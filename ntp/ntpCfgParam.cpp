@@ -121,7 +121,7 @@ void ntpCfgParam::writeCfg() const {
         path = QFileInfo(path).canonicalFilePath();  // a link stays a link
     const QString replacement = path + QLatin1String(".new");
     // What a process that was killed here has left. For Qt's lock file a later process that happens
-    // to have the same number would wait for ever.
+    // to have the same number would wait half a minute.
     QFile::remove(replacement);
     QFile::remove(replacement + QLatin1String(".lock"));
 

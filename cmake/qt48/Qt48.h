@@ -1,4 +1,4 @@
-// The part of Qt 4.8 that the driver and the stand-ins use, declared as Qt 4.8 declares it and with
+// The part of Qt 4.8 that this project uses, declared as Qt 4.8 declares it and with
 // nothing that came later: what compiles against this compiles on a panel. Debian has no Qt 4 to
 // build with. Only to compile against; nothing is defined. A declaration is added here after a look
 // at whether both Qt 4.8 and Qt 5 have it; the conversions between QString and char* are left out,
@@ -10,7 +10,11 @@
 
 #define QT_VERSION 0x040800
 
-#define Q_OBJECT
+#define Q_OBJECT                            \
+public:                                     \
+    virtual void* qt_metacast(const char*); \
+                                            \
+private:
 #define Q_INTERFACES(names)
 #define Q_SLOTS
 #define Q_SIGNALS protected
@@ -43,12 +47,17 @@ typedef qint64 Q_PID;
 
 void qDebug(const char* format, ...) __attribute__((format(printf, 1, 2)));
 void qWarning(const char* format, ...) __attribute__((format(printf, 1, 2)));
+enum QtMsgType { QtDebugMsg, QtWarningMsg, QtCriticalMsg, QtFatalMsg };
+typedef void (*QtMsgHandler)(QtMsgType type, const char* message);
+QtMsgHandler qInstallMsgHandler(QtMsgHandler handler);
 
 class QString;
 class QStringList;
 class QVariant;
 template <typename T>
 class QList;
+template <typename T>
+class QVector;
 
 namespace Qt {
 enum CaseSensitivity { CaseInsensitive, CaseSensitive };
@@ -74,6 +83,7 @@ bool operator!=(QChar a, QChar b);
 class QLatin1String {
 public:
     explicit QLatin1String(const char* text);
+    QLatin1String& operator=(const QLatin1String& other);
     const char* latin1() const;
 };
 
@@ -92,6 +102,10 @@ public:
     char at(int index) const;
     QByteArray& append(const char* text);
     QByteArray& append(const QByteArray& other);
+    QByteArray& operator+=(const QByteArray& other);
+    bool startsWith(const char* text) const;
+    int count(char c) const;
+    QList<QByteArray> split(char separator) const;
     QByteArray left(int length) const;
     QByteArray right(int length) const;
     QByteArray mid(int position, int length = -1) const;
@@ -100,6 +114,8 @@ public:
     int indexOf(char c, int from = 0) const;
     int toInt(bool* ok = 0, int base = 10) const;
 };
+QByteArray qgetenv(const char* name);
+bool qputenv(const char* name, const QByteArray& value);
 bool operator==(const QByteArray& a, const QByteArray& b);
 bool operator==(const QByteArray& a, const char* b);
 
@@ -197,6 +213,7 @@ public:
     const T& first() const;
     const T& last() const;
     T value(int index) const;
+    QVector<T> toVector() const;
     const_iterator begin() const;
     const_iterator end() const;
     iterator begin();
@@ -270,6 +287,8 @@ public:
     QString objectName() const;
     void setObjectName(const QString& name);
     QObject* parent() const;
+    void setParent(QObject* parent);
+    bool inherits(const char* className) const;
     template <typename T>
     T findChild(const QString& name = QString()) const;
 };
@@ -278,7 +297,9 @@ T qobject_cast(QObject* object);
 
 class QCoreApplication : public QObject {
 public:
+    QCoreApplication(int& count, char** arguments);
     static QCoreApplication* instance();
+    static QString applicationDirPath();
 };
 
 template <typename T>
@@ -322,12 +343,18 @@ public:
     bool remove();
     static bool exists(const QString& name);
     static bool remove(const QString& name);
+    static QString symLinkTarget(const QString& name);
     static bool rename(const QString& from, const QString& to);
     static Permissions permissions(const QString& name);
     static bool setPermissions(const QString& name, Permissions permissions);
     static QByteArray encodeName(const QString& name);
     static QString decodeName(const QByteArray& name);
     static QString decodeName(const char* name);
+};
+
+class QDateTime {
+public:
+    qint64 toMSecsSinceEpoch() const;
 };
 
 class QFileInfo {
@@ -338,17 +365,35 @@ public:
     bool isFile() const;
     QString path() const;
     QString fileName() const;
+    QString filePath() const;
     QString absolutePath() const;
     QString absoluteFilePath() const;
     QString canonicalFilePath() const;
     qint64 size() const;
+    QDateTime lastModified() const;
 };
 
 class QDir {
 public:
+    enum Filter { Dirs = 1, Files = 2 };
     QDir(const QString& path = QString());
     bool exists() const;
     bool mkpath(const QString& path) const;
+};
+
+class QDirIterator {
+public:
+    enum IteratorFlag { NoIteratorFlags = 0, FollowSymlinks = 1, Subdirectories = 2 };
+    QDirIterator(const QString& path, QDir::Filter filters, IteratorFlag flags = NoIteratorFlags);
+    bool hasNext() const;
+    QString next();
+    QFileInfo fileInfo() const;
+};
+
+class QCryptographicHash {
+public:
+    enum Algorithm { Md4, Md5, Sha1 };
+    static QByteArray hash(const QByteArray& data, Algorithm method);
 };
 
 class QSettings : public QObject {
@@ -385,6 +430,8 @@ public:
     ExitStatus exitStatus() const;
     QByteArray readAllStandardOutput();
     QByteArray readAllStandardError();
+    bool waitForReadyRead(int ms = 30000);
+    void closeWriteChannel();
     void kill();
     void terminate();
 
@@ -411,6 +458,12 @@ public:
     int available() const;
 };
 
+class QSize {
+public:
+    QSize(int width, int height);
+};
+bool operator==(const QSize& a, const QSize& b);
+
 class QRect {
 public:
     QRect();
@@ -434,6 +487,8 @@ public:
         Format_ARGB32
     };
     QImage();
+    explicit QImage(const QString& file, const char* format = 0);
+    QSize size() const;
     QImage(int width, int height, Format format);
     bool isNull() const;
     int width() const;

@@ -34,7 +34,7 @@ protected:
     static std::string Stored(const char* key) {
         QString value;
         hxd::AppSettings().Read(key, value);
-        return value.toStdString();
+        return value.toUtf8().constData();
     }
     static Names GuiCalls() {
         const auto calls = Panel().guiCalls;
@@ -188,8 +188,8 @@ TEST_F(ChannelWrites, PauseBeforeTheTestTone) {
         long long pauseMs;
     } cases[] = {{"250", 250}, {"6501", 30}, {"-1", 30}, {"abc", 0}};
     for (const auto& c : cases) {
-        IniOperator::FileIniWriteValue(QStringLiteral("/usr/olma_app/config/olma_app_conf.ini"),
-                                       QStringLiteral("DEVICE"), QStringLiteral("buzz_duration"),
+        IniOperator::FileIniWriteValue(QLatin1String("/usr/olma_app/config/olma_app_conf.ini"),
+                                       QLatin1String("DEVICE"), QLatin1String("buzz_duration"),
                                        QString::fromLatin1(c.stored));
         panel.runClock(1000.0);
         panel.holdClock();

@@ -16,9 +16,9 @@
 
 namespace {
 
-const QString INI = QStringLiteral("/tmp/shared.ini");
-const QString SECTION = QStringLiteral("DEVICE");
-const QString OWN_KEY[] = {QStringLiteral("first"), QStringLiteral("second")};
+const QString INI = QLatin1String("/tmp/shared.ini");
+const QString SECTION = QLatin1String("DEVICE");
+const QString OWN_KEY[] = {QLatin1String("first"), QLatin1String("second")};
 
 std::string FileText(const char* path) {
     HXDCTRL::File file;
@@ -40,7 +40,7 @@ int CountUp(const QString& key) {
         QString value;
         {
             HXDCTRL::FileLocker locker(lock);
-            IniOperator::FileIniReadValue(INI, SECTION, key, value, QStringLiteral("0"));
+            IniOperator::FileIniReadValue(INI, SECTION, key, value, QLatin1String("0"));
         }
         if (value.toInt() != round - 1)
             return 2;  // stale, or lost to the other process
@@ -72,10 +72,10 @@ TEST(Settings, OfTwoProcessesAreNeverLostNorStale) {
 }
 
 TEST(Settings, AreReadWithDefaultsAndRefuseEmptyNames) {
-    const QString ini = QStringLiteral("/tmp/single.ini");
-    QString value = QStringLiteral("before");
+    const QString ini = QLatin1String("/tmp/single.ini");
+    QString value = QLatin1String("before");
     EXPECT_EQ(IniOperator::FileIniReadValue(ini, QString(), OWN_KEY[0], value, QString()), 0);
-    EXPECT_EQ(value, QStringLiteral("before"));
+    EXPECT_EQ(value, QLatin1String("before"));
     EXPECT_EQ(IniOperator::FileIniWriteValue(ini, QString(), OWN_KEY[0], value), -1);
     EXPECT_EQ(IniOperator::FileIniWriteValue(QString(), SECTION, OWN_KEY[0], value), -1);
     EXPECT_EQ(IniOperator::FileIniReadValue(ini, SECTION, OWN_KEY[0], value, OWN_KEY[1]), 1);
@@ -91,10 +91,10 @@ TEST(Settings, AreReadWithDefaultsAndRefuseEmptyNames) {
 TEST(Settings, OfTheGuiLieWhereTheHostSays) {
     hxd::AppSettings settings;
     ASSERT_TRUE(settings.IsOpen());
-    EXPECT_EQ(settings.Write(hxd::KEY_BUZZ_DURATION, QStringLiteral("30")), 0);
+    EXPECT_EQ(settings.Write(hxd::KEY_BUZZ_DURATION, QLatin1String("30")), 0);
     EXPECT_EQ(FileText("/usr/olma_app/config/olma_app_conf.ini"), "[DEVICE]\nbuzz_duration=30\n");
     sim::SimPanel::instance().change([](sim::PanelState& state) { state.directories.clear(); });
-    EXPECT_EQ(hxd::AppConfigDirectory(), QStringLiteral("/usr/olma_app/config"));
+    EXPECT_EQ(hxd::AppConfigDirectory(), QLatin1String("/usr/olma_app/config"));
     sim::SimPanel::instance().reset();
 }
 
