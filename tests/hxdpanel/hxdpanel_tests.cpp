@@ -172,7 +172,8 @@ TEST(Hxdpanel, WatchWritesALinePerReadingUntilInterrupted) {
     const QRegExp reading(QLatin1String(
         "\\d{4}-\\d\\d-\\d\\dT[\\d:]{8}[+-]\\d\\d:\\d\\d,192\\.168\\.1\\.20(,[^,]*){31}"));
     for (int i = 1; i <= 2; ++i)
-        EXPECT_TRUE(reading.exactMatch(QString::fromUtf8(lines[i].constData()))) << lines[i].constData();
+        EXPECT_TRUE(reading.exactMatch(QString::fromUtf8(lines[i].constData())))
+            << lines[i].constData();
 }
 
 TEST(Hxdpanel, RefusesDangerousCallsWithoutTheSandbox) {
