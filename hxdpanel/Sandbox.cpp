@@ -44,7 +44,7 @@ std::string DataHome() {
 // The folder below the user's data, made if need be; empty if it cannot be written.
 std::string DataFolder(const char* name) {
     const std::string base = DataHome();
-    const std::string folder = base + "/hxdpanel/" + name;
+    std::string folder = base + "/hxdpanel/" + name;
     if (base.empty() || !QDir().mkpath(QFile::decodeName(folder.c_str())) ||
         ::access(folder.c_str(), W_OK) != 0)
         return "";
