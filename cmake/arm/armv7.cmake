@@ -18,5 +18,6 @@ set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 
 # A processor without NEON, so that a build that needs it fails its tests.
+find_program(HXD_EMULATOR qemu-arm-static)
 set(CMAKE_CROSSCOMPILING_EMULATOR
-    qemu-arm-static -cpu cortex-a9,neon=off -L ${CMAKE_SYSROOT})
+    ${HXD_EMULATOR} -cpu cortex-a9,neon=off -L ${CMAKE_SYSROOT})

@@ -95,9 +95,8 @@ TEST(CommandReference, HasExamplesThatWork) {
         }
     }
     std::ofstream("/tmp/examples") << input;
-    const std::string bin = HXD_BINARY_DIR "/bin/hxdpanel";
     const int status =
-        std::system((bin + " < /tmp/examples > /tmp/answers 2>/tmp/complaints").c_str());
+        std::system("'" HXD_PANEL_PROGRAM "' < /tmp/examples > /tmp/answers 2>/tmp/complaints");
     std::ifstream answers("/tmp/answers");
     const std::string text((std::istreambuf_iterator<char>(answers)),
                            std::istreambuf_iterator<char>());

@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include <QCoreApplication>
 #include <QRegExp>
 #include <QStringList>
 
@@ -29,8 +28,8 @@ void Start(QProcess& process, const Words& arguments) {
     QStringList texts;
     for (const std::string& argument : arguments)
         texts << QString::fromUtf8(argument.c_str());
-    process.start(QCoreApplication::applicationDirPath() + QLatin1String("/hxdpanel"), texts);
-    ASSERT_TRUE(process.waitForStarted()) << "hxdpanel is not built beside the tests";
+    process.start(QString::fromUtf8(HXD_PANEL_PROGRAM), texts);
+    ASSERT_TRUE(process.waitForStarted()) << HXD_PANEL_PROGRAM;
 }
 
 Outcome Finish(QProcess& process) {

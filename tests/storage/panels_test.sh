@@ -3,11 +3,12 @@
 # Arguments: hxdpanel, the folder of the panels.
 set -u
 hxdpanel=$1 panels=$2
-"${0%/*}/../../hxdpanel/in-panel" true || exit  # 77: no panels on this machine
+in_panel=${0%/*}/../../hxdpanel/in-panel
+"$in_panel" true || exit  # 77: no panels on this machine
 
 failures=0
 while read -r panel life gear; do
-    shown=$("$hxdpanel" --panel "$panels/$panel" channels --json 2>/dev/null |
+    shown=$("$in_panel" --panel "$panels/$panel" -- "$hxdpanel" channels --json 2>/dev/null |
         tr -d ' \n' | grep -o '"number":2[67],[^}]*' | grep -o '"value":[^,}]*' | cut -d: -f2 | xargs)
     [[ $shown == "$life $gear" ]] && continue
     echo "$panel: expected '$life $gear', not '$shown'"
