@@ -88,7 +88,7 @@ void AddGeneralOptions(CLI::App& app, Options& options) {
         "--no-vnc", [&options] { options.lockPlugin = false; },
         "Run the host without the remote-view plug-in");
     app.add_flag("--time-server", options.timeServer,
-                 "Start a time server beside the panel, and make it time server 1");
+                 "Start a time server in the panel's network; until the end it is time server 1");
     app.add_option_function<std::string>(
            "--blob",
            [&options](const std::string& text) {

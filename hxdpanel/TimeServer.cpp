@@ -1,63 +1,49 @@
 #include "TimeServer.h"
 
+#include "ntp/SntpPacket.h"
+
 #include <arpa/inet.h>
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
-#include <sys/stat.h>
-#include <sys/time.h>
 
-#include <array>
 #include <cerrno>
-#include <cstdint>
 #include <cstring>
-#include <fstream>
+#include <system_error>
 
 namespace {
 
-constexpr int PORT = 123;
-constexpr std::uint32_t SECONDS_1900_TO_1970 = 2208988800U;
+// The first byte of a message: leap indicator, version, mode.
+constexpr unsigned char VERSION_MASK = 0x38;
+constexpr unsigned char MODE_MASK = 0x07;
+constexpr unsigned char MODE_CLIENT = 3;
+constexpr unsigned char MODE_SERVER = 4;
 
-// Offsets in the 48 bytes of a message; timestamps are seconds and fraction, big-endian.
-constexpr std::size_t ORIGINATE = 24;
-constexpr std::size_t RECEIVE = 32;
-constexpr std::size_t TRANSMIT = 40;
-using Message = std::array<unsigned char, 48>;
+constexpr unsigned char STRATUM_PRIMARY = 1;
+constexpr unsigned char PRECISION_MICROSECOND = 0xEC;  // 2^-20 s
 
-void PutNow(Message& message, std::size_t offset) {
+sntp::Timestamp Now() {
     timeval now = {};
     ::gettimeofday(&now, nullptr);
-    const std::uint32_t words[] = {
-        htonl(static_cast<std::uint32_t>(now.tv_sec) + SECONDS_1900_TO_1970),
-        htonl(
-            static_cast<std::uint32_t>((static_cast<std::uint64_t>(now.tv_usec) << 32) / 1000000))};
-    std::memcpy(message.data() + offset, words, sizeof words);
+    return sntp::ToTimestamp(now);
 }
 
-Message AnswerTo(const Message& request) {
-    Message answer = {};
-    PutNow(answer, RECEIVE);
-    answer[0] = 0x1C;  // version 3, server
-    answer[1] = 1;     // stratum
-    std::memcpy(answer.data() + ORIGINATE, request.data() + TRANSMIT, 8);
-    PutNow(answer, TRANSMIT);
+bool IsRequest(const sntp::Packet& packet, ssize_t length) {
+    return length == static_cast<ssize_t>(packet.size()) && (packet[0] & MODE_MASK) == MODE_CLIENT;
+}
+
+sntp::Packet AnswerTo(const sntp::Packet& request, sntp::Timestamp arrival) {
+    sntp::Packet answer = {};
+    answer[0] = static_cast<unsigned char>((request[0] & VERSION_MASK) | MODE_SERVER);
+    answer[1] = STRATUM_PRIMARY;
+    answer[2] = request[2];
+    answer[3] = PRECISION_MICROSECOND;
+    sntp::WriteTimestamp(answer, sntp::ORIGINATE_OFFSET,
+                         sntp::ReadTimestamp(request, sntp::TRANSMIT_OFFSET));
+    sntp::WriteTimestamp(answer, sntp::RECEIVE_OFFSET, arrival);
+    sntp::WriteTimestamp(answer, sntp::TRANSMIT_OFFSET, Now());
     return answer;
-}
-
-bool Listen(int socket) {
-    sockaddr_in address = {};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(PORT);
-    ::inet_pton(AF_INET, TimeServer::ADDRESS, &address.sin_addr);
-    return ::bind(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
-}
-
-bool AnswerPings() {
-    const char* const script = "/run/shims/ping";
-    ::mkdir("/run/shims", 0755);
-    std::ofstream(script) << "#!/bin/sh\nexit 0\n";
-    return ::chmod(script, 0755) == 0;
 }
 
 }  // namespace
@@ -65,37 +51,64 @@ bool AnswerPings() {
 const char* const TimeServer::ADDRESS = "127.0.0.1";
 
 std::unique_ptr<TimeServer> TimeServer::Start(std::string& error) {
-    HXDCTRL::File socket(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
-    if (!socket.IsOpen() || !Listen(socket.Descriptor()) || !AnswerPings()) {
+    std::unique_ptr<TimeServer> server(new TimeServer);
+    if (!server->m_stopEvent.IsOpen() || !server->Listen()) {
         error = std::strerror(errno);
         return nullptr;
     }
-    return std::unique_ptr<TimeServer>(
-        new TimeServer(socket.Release(), ::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)));
+    try {
+        server->m_thread = std::thread(&TimeServer::Run, server.get());
+    } catch (const std::system_error& failure) {
+        error = failure.what();
+        return nullptr;
+    }
+    return server;
 }
 
-TimeServer::TimeServer(int socket, int stopEvent)
-    : m_socket(socket), m_stopEvent(stopEvent), m_thread(&TimeServer::Run, this) {}
+TimeServer::TimeServer()
+    : m_socket(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0)),
+      m_stopEvent(::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)) {}
 
 TimeServer::~TimeServer() {
+    if (!m_thread.joinable())
+        return;
     ::eventfd_write(m_stopEvent.Descriptor(), 1);
     m_thread.join();
 }
 
+bool TimeServer::Listen() {
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(sntp::PORT);
+    ::inet_pton(AF_INET, ADDRESS, &address.sin_addr);
+    return ::bind(m_socket.Descriptor(), reinterpret_cast<const sockaddr*>(&address),
+                  sizeof address) == 0;
+}
+
 void TimeServer::Run() {
-    std::array<pollfd, 2> watched = {
-        {{m_socket.Descriptor(), POLLIN, 0}, {m_stopEvent.Descriptor(), POLLIN, 0}}};
-    while (::poll(watched.data(), watched.size(), -1) >= 0 || errno == EINTR) {
-        if (watched[1].revents != 0)
-            return;
-        Message request = {};
-        sockaddr_in from = {};
-        socklen_t length = sizeof from;
-        if (::recvfrom(m_socket.Descriptor(), request.data(), request.size(), 0,
-                       reinterpret_cast<sockaddr*>(&from), &length) <= 0)
+    pollfd watched[] = {{m_socket.Descriptor(), POLLIN, 0}, {m_stopEvent.Descriptor(), POLLIN, 0}};
+    for (;;) {
+        const int ready = ::poll(watched, 2, -1);
+        if (ready < 0 && errno == EINTR)
             continue;
-        const Message answer = AnswerTo(request);
-        ::sendto(m_socket.Descriptor(), answer.data(), answer.size(), 0,
-                 reinterpret_cast<const sockaddr*>(&from), length);
+        if (ready < 0 || watched[1].revents != 0)
+            return;
+        AnswerOne();
     }
+}
+
+// What is no request gets no answer.
+void TimeServer::AnswerOne() {
+    sntp::Packet request = {};
+    sockaddr_in client = {};
+    socklen_t clientSize = sizeof client;
+    const ssize_t length =  // of the whole datagram, also of one that is too long
+        ::recvfrom(m_socket.Descriptor(), request.data(), request.size(), MSG_TRUNC,
+                   reinterpret_cast<sockaddr*>(&client), &clientSize);
+    const sntp::Timestamp arrival = Now();
+    if (!IsRequest(request, length))
+        return;
+    const sntp::Packet answer = AnswerTo(request, arrival);
+    ::sendto(m_socket.Descriptor(), answer.data(), answer.size(), 0,
+             reinterpret_cast<const sockaddr*>(&client), clientSize);
 }

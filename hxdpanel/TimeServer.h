@@ -1,4 +1,4 @@
-// A small time server beside the simulated panel, to try time synchronisation with.
+// A small time server in the panel's network, to try time synchronisation with.
 #ifndef HXDPANEL_TIMESERVER_H
 #define HXDPANEL_TIMESERVER_H
 
@@ -14,8 +14,7 @@ class TimeServer {
 public:
     static const char* const ADDRESS;  // where it listens, UDP port 123
 
-    // Null, with a reason, when the port cannot be had. Also has the reach check's ping succeed:
-    // nothing beyond the sandbox can be pinged.
+    // Null, with a reason, when it cannot be had.
     static std::unique_ptr<TimeServer> Start(std::string& error);
 
     TimeServer(const TimeServer&) = delete;
@@ -23,12 +22,14 @@ public:
     ~TimeServer();
 
 private:
-    TimeServer(int socket, int stopEvent);
+    TimeServer();
+    bool Listen();
     void Run();
+    void AnswerOne();
 
     HXDCTRL::File m_socket;
     HXDCTRL::File m_stopEvent;  // eventfd
-    std::thread m_thread;
+    std::thread m_thread;       // not joinable when the start has failed
 };
 
 #endif

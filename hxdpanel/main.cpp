@@ -10,13 +10,14 @@
 #include "Interrupt.h"
 #include "LockPlugin.h"
 #include "Options.h"
+#include "PanelNetwork.h"
 #include "Sandbox.h"
 #include "Session.h"
 #include "SimulatedPanel.h"
 #include "TimeServer.h"
+#include "TimeServerSetting.h"
 
 #include "common/ResultCodes.h"
-#include "driver/record/ChannelTable.h"
 
 #include <QCoreApplication>
 
@@ -102,22 +103,15 @@ int RunMode(Session& session, const Options& options, DriverOutput& output) {
     }
 }
 
-bool StartTimeServer(std::unique_ptr<TimeServer>& server) {
-    std::string error = "it needs the sandbox";
-    if (!guard::Enabled())
-        server = TimeServer::Start(error);
+// Null, after a message, when it cannot be had.
+std::unique_ptr<TimeServer> StartTimeServer() {
+    std::string error;
+    std::unique_ptr<TimeServer> server = TimeServer::Start(error);
     if (server == nullptr)
         std::fprintf(stderr, "hxdpanel: no time server: %s\n", error.c_str());
-    return server != nullptr;
-}
-
-// Through the driver, as a project would.
-void UseTimeServer(Device& device) {
-    device.Write(CHANNEL_NTP_SERVER_1, HostValue::Text(TimeServer::ADDRESS));
-    std::fprintf(stderr,
-                 "A time server with this machine's time answers at %s; it has been made time "
-                 "server 1 (channel 15). Pings are answered.\n",
-                 TimeServer::ADDRESS);
+    else if (!AnswerReachCheck())
+        std::fputs("hxdpanel: pings cannot be answered; ExecNTP will fail\n", stderr);
+    return server;
 }
 
 int RunPanel(const Options& options, int argc, char** argv) {
@@ -132,8 +126,8 @@ int RunPanel(const Options& options, int argc, char** argv) {
     for (const Definition& variable : options.variables)
         database.SetVariable(variable.name, variable.value);
 
-    std::unique_ptr<TimeServer> timeServer;
-    if (options.timeServer && !StartTimeServer(timeServer))
+    const auto timeServer = options.timeServer ? StartTimeServer() : nullptr;
+    if (options.timeServer && timeServer == nullptr)
         return EXIT_NO_PANEL;
 
     DriverOutput output;
@@ -153,10 +147,12 @@ int RunPanel(const Options& options, int argc, char** argv) {
                      StatusMeaning(device.InitStatus()));
         return EXIT_NO_DRIVER;
     }
-    if (timeServer != nullptr)
-        UseTimeServer(device);
     Session session(database, device, output, memory, plugin, files);
-    int exitCode = RunMode(session, options, output);
+    int exitCode = EXIT_DONE;
+    {
+        const TimeServerSetting setting(options.timeServer, files, device, database, output);
+        exitCode = RunMode(session, options, output);
+    }
     if (!Written(output.Results(), "the results"))
         exitCode = EXIT_USAGE;
     output.Mute();  // what the driver says when it ends
@@ -177,6 +173,10 @@ int main(int argc, char** argv) {
         exitCode = sandbox::RunInside(options, argc, argv);
         if (exitCode != sandbox::UNAVAILABLE)
             return exitCode;
+        if (options.timeServer) {
+            std::fputs("hxdpanel: --time-server needs the sandbox\n", stderr);
+            return EXIT_NO_PANEL;
+        }
         std::fputs(
             "hxdpanel: going on without the sandbox; reboot, clock, mount and kernel-log "
             "calls of the driver are refused\n",

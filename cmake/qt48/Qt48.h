@@ -87,6 +87,11 @@ public:
     const char* latin1() const;
 };
 
+class QBool {
+public:
+    operator const void*() const;
+};
+
 class QByteArray {
 public:
     QByteArray();
@@ -104,6 +109,7 @@ public:
     QByteArray& append(const QByteArray& other);
     QByteArray& operator+=(const QByteArray& other);
     bool startsWith(const char* text) const;
+    QBool contains(const char* text) const;
     int count(char c) const;
     QList<QByteArray> split(char separator) const;
     QByteArray left(int length) const;
@@ -168,8 +174,8 @@ public:
     QString& operator+=(QChar c);
     QString arg(const QString& text, int width = 0, const QChar& fill = QChar()) const;
     QString arg(int number, int width = 0, int base = 10, const QChar& fill = QChar()) const;
-    bool contains(const QString& text, Qt::CaseSensitivity = Qt::CaseSensitive) const;
-    bool contains(QChar c, Qt::CaseSensitivity = Qt::CaseSensitive) const;
+    QBool contains(const QString& text, Qt::CaseSensitivity = Qt::CaseSensitive) const;
+    QBool contains(QChar c, Qt::CaseSensitivity = Qt::CaseSensitive) const;
     bool startsWith(const QString& text, Qt::CaseSensitivity = Qt::CaseSensitive) const;
     bool startsWith(const QLatin1String& text, Qt::CaseSensitivity = Qt::CaseSensitive) const;
     bool endsWith(const QString& text, Qt::CaseSensitivity = Qt::CaseSensitive) const;
@@ -229,7 +235,7 @@ public:
     QStringList();
     explicit QStringList(const QString& text);
     QString join(const QString& separator) const;
-    bool contains(const QString& text, Qt::CaseSensitivity = Qt::CaseSensitive) const;
+    QBool contains(const QString& text, Qt::CaseSensitivity = Qt::CaseSensitive) const;
     int indexOf(const QString& text, int from = 0) const;
     QStringList& operator<<(const QString& text);
 };
@@ -418,6 +424,7 @@ public:
 class QProcess : public QIODevice {
 public:
     enum ProcessError { FailedToStart, Crashed, Timedout, ReadError, WriteError, UnknownError };
+    enum ProcessChannel { StandardOutput, StandardError };
     enum ProcessState { NotRunning, Starting, Running };
     enum ExitStatus { NormalExit, CrashExit };
     explicit QProcess(QObject* parent = 0);
@@ -432,6 +439,7 @@ public:
     QByteArray readAllStandardError();
     bool waitForReadyRead(int ms = 30000);
     void closeWriteChannel();
+    void setReadChannel(ProcessChannel channel);
     void kill();
     void terminate();
 

@@ -2,7 +2,9 @@
 // sandbox that they run in, so it keeps what the runs of one case do to it.
 #include "TestFiles.h"
 
+#include "common/File.h"
 #include "common/QtProcess.h"
+#include "ntp/SntpPacket.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -10,9 +12,13 @@
 #include <QRegExp>
 #include <QStringList>
 
+#include <arpa/inet.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdlib>
+#include <ctime>
 
 namespace {
 
@@ -180,17 +186,21 @@ TEST(Hxdpanel, RefusesDangerousCallsWithoutTheSandbox) {
     const QByteArray path = qgetenv("PATH");
     qputenv("PATH", "/nowhere");  // so that there is no bubblewrap
     const Outcome run = Hxdpanel({"--fresh", "exec", "REBOOT()", "ReadSysLog(0,1,a,b)", "panel"});
+    const Outcome timeServer = Hxdpanel({"--fresh", "--time-server", "ntp"});
     qputenv("PATH", path);
     writeFile("/run/hxd-panel", "");
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_TRUE(Contains(run.errors, "going on without the sandbox")) << run.errors;
     EXPECT_TRUE(Contains(run.out, "refused: reboot\n")) << run.out;
     EXPECT_TRUE(Contains(run.out, "refused: dmesg > /tmp/dmesg.log\n")) << run.out;
+    EXPECT_EQ(timeServer.exitCode, 4);
+    EXPECT_TRUE(Contains(timeServer.errors, "--time-server needs the sandbox\n"));
+    EXPECT_FALSE(Contains(timeServer.errors, "going on")) << timeServer.errors;
 }
 
 TEST(Hxdpanel, SynchronisesWithItsOwnTimeServer) {
-    const Words exec = {"exec",         "--set",      "r=99", "SetNTPServer(127.0.0.1,,,)",
-                        "EnableNTP(1)", "ExecNTP(r)", "ntp"};
+    const Words exec = {"exec",          "--set",      "r=99", "EnableNTP(1)",
+                        "SetNTPMode(0)", "ExecNTP(r)", "ntp"};
     const Outcome without = Hxdpanel(exec);
     EXPECT_TRUE(Contains(without.out, "r = 10")) << without.out;
     EXPECT_TRUE(Contains(without.out, "result 10 (failed)")) << without.out;
@@ -199,10 +209,53 @@ TEST(Hxdpanel, SynchronisesWithItsOwnTimeServer) {
     served.insert(served.begin(), "--time-server");
     const Outcome run = Hxdpanel(served);
     EXPECT_EQ(run.exitCode, 0);
+    EXPECT_TRUE(Contains(run.errors, "it was 0.pool.ntp.org\n")) << run.errors;
     EXPECT_TRUE(Contains(run.out, "15 Time server 1 = 127.0.0.1")) << run.out;
     EXPECT_TRUE(Contains(run.out, "result 0 (done")) << run.out;
     EXPECT_TRUE(Contains(run.out, "System clock     date -s ")) << run.out;
     EXPECT_TRUE(Contains(run.out, "Real-time clock  set to 20")) << run.out;
+    EXPECT_TRUE(Contains(Hxdpanel({"ntp"}).out, "Time server 1 = 0.pool.ntp.org\n"));
+    Hxdpanel({"--time-server", "exec", "write 15 192.0.2.7"});  // the user's own choice stays
+    EXPECT_TRUE(Contains(Hxdpanel({"ntp"}).out, "Time server 1 = 192.0.2.7\n"));
+}
+
+TEST(Hxdpanel, TimeServerAnswersRequestsOnlyAndEndsWithItsRun) {
+    QProcess process;
+    process.setReadChannel(QProcess::StandardError);
+    Start(process, {"--time-server"});
+    QByteArray notice;
+    while (!notice.contains("it was") && process.waitForReadyRead(10000))
+        notice += process.readAll();
+    const HXDCTRL::File socket(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+    const timeval patience = {10, 0};
+    ::setsockopt(socket.Descriptor(), SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+    sockaddr_in server = {};
+    server.sin_family = AF_INET;
+    server.sin_port = htons(sntp::PORT);
+    server.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    ASSERT_EQ(::connect(socket.Descriptor(), reinterpret_cast<sockaddr*>(&server), sizeof server),
+              0);
+    // Of these only the last is a request, so the first answer is one to it.
+    const struct {
+        char firstByte;
+        std::size_t length;
+    } datagrams[] = {{0x1B, 0}, {0x1B, 1}, {0x1B, 47}, {0x1B, 49}, {0x1C, 48}, {0x23, 48}};
+    for (const auto& row : datagrams) {
+        const std::string datagram(row.length, row.firstByte);
+        ::send(socket.Descriptor(), datagram.data(), datagram.size(), 0);
+    }
+    sntp::Packet answer = {};
+    ASSERT_EQ(::recv(socket.Descriptor(), answer.data(), answer.size(), MSG_TRUNC), 48);
+    EXPECT_EQ(answer[0], 0x24);  // in the version of the request
+    EXPECT_EQ(sntp::ReadTimestamp(answer, sntp::ORIGINATE_OFFSET).seconds, 0x23232323u);
+    const std::int64_t seconds = sntp::ReadTimestamp(answer, sntp::TRANSMIT_OFFSET).seconds;
+    EXPECT_LT(std::abs(::time(nullptr) + sntp::SECONDS_1900_TO_1970 - seconds), 60);
+    process.kill();
+    process.waitForFinished();
+    const Outcome next = Hxdpanel({"ntp"});
+    EXPECT_TRUE(Contains(next.errors, "is 0.pool.ntp.org again")) << next.errors;
+    EXPECT_TRUE(Contains(next.out, "Time server 1 = 0.pool.ntp.org\n")) << next.out;
+    EXPECT_EQ(Hxdpanel({"ntp"}).errors, "");
 }
 
 }  // namespace
