@@ -249,7 +249,7 @@ TEST(Hxdpanel, TimeServerAnswersRequestsOnlyAndEndsWithItsRun) {
     EXPECT_EQ(answer[0], 0x24);  // in the version of the request
     EXPECT_EQ(sntp::ReadTimestamp(answer, sntp::ORIGINATE_OFFSET).seconds, 0x23232323u);
     const std::int64_t seconds = sntp::ReadTimestamp(answer, sntp::TRANSMIT_OFFSET).seconds;
-    EXPECT_LT(std::abs(::time(nullptr) + sntp::SECONDS_1900_TO_1970 - seconds), 60);
+    EXPECT_LT(std::abs(std::int64_t{::time(nullptr)} + sntp::SECONDS_1900_TO_1970 - seconds), 60);
     process.kill();
     process.waitForFinished();
     const Outcome next = Hxdpanel({"ntp"});

@@ -180,7 +180,8 @@ TEST_F(TimeControl, AsksOnlyServersThatCanBeReached) {
         EXPECT_TRUE(WaitFor([&] { return literal.Requests() == before[0] + c.literalAsked; }))
             << label;
         EXPECT_TRUE(WaitFor([&] { return named.Requests() == before[1] + c.nameAsked; })) << label;
-        EXPECT_EQ(namedToo.Requests(), before[2] + c.nameAsked) << "every address is asked";
+        EXPECT_TRUE(WaitFor([&] { return namedToo.Requests() == before[2] + c.nameAsked; }))
+            << label << ": every address is asked";
         EXPECT_EQ(Runs("ping"), before[3] + c.pings) << label;
     }
 }
@@ -339,8 +340,8 @@ TEST_F(TimeControl, StopsAtOnceAndLeavesNothing) {
         Stop();
     }
     EXPECT_EQ(EntriesOf("/proc/self/fd"), descriptors);
-    // A thread that has been joined may be listed for a moment longer.
-    EXPECT_TRUE(WaitFor([=] { return EntriesOf("/proc/self/task") == threads; }));
+    // A thread that has been joined may be listed for a moment longer, also in the first count.
+    EXPECT_TRUE(WaitFor([=] { return EntriesOf("/proc/self/task") <= threads; }));
 }
 
 // Commands, channel reads and the control thread at once.
