@@ -15,7 +15,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <system_error>
 
 namespace {
 
@@ -130,18 +129,19 @@ void NtpThread::Start() {
     const std::lock_guard<std::mutex> locker(m_lock);
     if (m_thread.joinable())
         return;
-    const int wakeUp = ::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
-    if (wakeUp < 0) {
+    HXDCTRL::File wakeUp(::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC));
+    if (!wakeUp.IsOpen()) {
         std::printf("open event fd failed!%s\n", ::strerror(errno));
         return;
     }
-    m_pWakeUp = std::make_unique<HXDCTRL::File>(wakeUp);
+    m_pWakeUp = std::make_unique<HXDCTRL::File>(wakeUp.Descriptor());
+    wakeUp.Release();
     m_bRunning = true;
     m_eState = STATE_IDLE;
     try {
         m_thread = std::thread(&NtpThread::Run, this);
-    } catch (const std::system_error&) {
-        m_bRunning = false;
+    } catch (...) {
+        m_bRunning = false;  // neither threads nor memory
     }
 }
 
@@ -161,7 +161,7 @@ void NtpThread::Post(const QString& server, std::int32_t reachMode,
 
 NtpThread::Outcome NtpThread::Look(std::int32_t& seconds) {
     const std::lock_guard<std::mutex> locker(m_lock);
-    if (m_bRunning && m_eState != STATE_DONE)
+    if (m_bRunning && m_eState == STATE_PENDING)
         return Outcome::WORKING;
     if (!m_bRunning || !m_bSuccess)
         return Outcome::FAILED;
@@ -179,13 +179,11 @@ void NtpThread::notifyStop() {
 }
 
 void NtpThread::Run() {
-    QString server;
-    std::int32_t reachMode = -1;
-    while (AwaitRequest(server, reachMode)) {
+    while (AwaitRequest()) {
         bool success = false;
         sntp::CorrectedTime time = {};
         try {
-            success = MayBeAsked(server, reachMode) && sendPacketToServer(server, time);
+            success = Serve(time);
         } catch (...) {
             // Out of memory: a failed request like any other.
         }
@@ -194,12 +192,21 @@ void NtpThread::Run() {
     m_requestDone.notify_all();
 }
 
-bool NtpThread::AwaitRequest(QString& server, std::int32_t& reachMode) {
+bool NtpThread::AwaitRequest() {
     std::unique_lock<std::mutex> locker(m_lock);
     m_requestPosted.wait(locker, [this] { return m_eState == STATE_PENDING || !m_bRunning; });
-    server = hxd::FromHost(m_strServer.data(), static_cast<int>(m_strServer.size()));
-    reachMode = m_nReachMode;
     return m_bRunning;
+}
+
+bool NtpThread::Serve(sntp::CorrectedTime& time) {
+    QString server;
+    std::int32_t reachMode = -1;
+    {
+        const std::lock_guard<std::mutex> locker(m_lock);
+        server = hxd::FromHost(m_strServer.data(), static_cast<int>(m_strServer.size()));
+        reachMode = m_nReachMode;
+    }
+    return MayBeAsked(server, reachMode) && sendPacketToServer(server, time);
 }
 
 void NtpThread::Finish(bool success, const sntp::CorrectedTime& time) {

@@ -42,8 +42,8 @@ public:
     void Post(const QString& server, std::int32_t reachMode, const std::atomic<bool>& running);
 
     enum class Outcome { WORKING, FAILED, ANSWERED };
-    // Of the last request; a worker without a running thread has failed. seconds: the corrected
-    // time since 1970, with ANSWERED only.
+    // Of the last request; a worker without a running thread or without a request has failed.
+    // seconds: the corrected time since 1970, with ANSWERED only.
     Outcome Look(std::int32_t& seconds);
 
     // Ends the thread and what it waits for, without waiting for it to end.
@@ -58,7 +58,8 @@ private:
     enum State : std::int32_t { STATE_IDLE = 0, STATE_PENDING = 1, STATE_DONE = 2 };
 
     void Run();
-    bool AwaitRequest(QString& server, std::int32_t& reachMode);
+    bool AwaitRequest();
+    bool Serve(sntp::CorrectedTime& time);
     bool sendPacketToServer(const QString& server, sntp::CorrectedTime& time);
     bool AwaitReadable(int socket, const QByteArray& server) const;
     void Finish(bool success, const sntp::CorrectedTime& time);
