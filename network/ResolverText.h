@@ -9,10 +9,10 @@
 // have two digits, as in "08".
 bool IsDottedAddress(const std::string& text);
 
-// Takes the IPv4 addresses of the lines "nameserver ADDRESS", with one blank and perhaps a comment
-// behind "#". False, with nothing in servers, when a line with that word in it looks different or
-// names anything but an address: the file may be half written. Other lines and lines in a comment
-// do not matter; there may be no server at all.
+// Takes the IPv4 addresses of the lines "nameserver ADDRESS", with a blank right behind the word
+// and perhaps a comment behind "#". False, with nothing in servers, when a line with that word in
+// it looks different or names anything but an address: the file may be half written. Other lines
+// and lines in a comment do not matter; there may be no server at all.
 bool ParseNameServers(const std::string& text, std::vector<std::string>& servers);
 
 #endif
