@@ -8,6 +8,8 @@
 
 #define DESCRIBED extern "C" __attribute__((visibility("default"))) void
 
+DESCRIBED DescribeEntries(decltype(&CreateDeviceCtrl), decltype(&DestroyDeviceCtrl)) {}
+DESCRIBED DescribeStatus(HOST_STATUS) {}
 DESCRIBED DescribeDevice(IDeviceCtrl*) {}
 DESCRIBED DescribeHost(IRtdb*) {}
 DESCRIBED DescribeLink(ICommunication*) {}

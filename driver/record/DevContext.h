@@ -16,7 +16,7 @@ class VNCLockProxy;
 
 // Made by InitDevice, released by CleanupDevice, used only by the thread that is inside the device
 // object. Each service has its own threads and locks. Field order is fixed
-// (driver/record/Layout.cpp checks it); the members without a meaning only keep their place.
+// (driver/Layout.cpp checks it); the members without a meaning only keep their place.
 struct DEV_CONTEXT {
     DEV_CONTEXT();
     DEV_CONTEXT(const DEV_CONTEXT&) = delete;

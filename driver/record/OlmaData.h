@@ -18,7 +18,7 @@ struct OLMA_DATA;
 using PFN_PARAM_VALUE = int (*)(OLMA_DATA& record, CString name, DATATYPE type, void* value);
 using PFN_PARAM_TYPE = int (*)(OLMA_DATA& record, CString name, DATATYPE& type);
 
-// Field order and types are shared with the host: keep them (driver/record/Layout.cpp checks).
+// Field order and types are shared with the host: keep them (driver/Layout.cpp checks).
 struct OLMA_DATA {
     CString m_strDevName;
     CString m_strDevAux;  // not used
