@@ -1,6 +1,7 @@
 #!/bin/bash
 # package_test.sh DIR: holds the packages in DIR against what a panel needs of them, and installs and
-# removes them in a Debian root. DIR/packages.status lists what that root has already.
+# removes them in a Debian root. DIR/expected/packages.status lists what that root has already, and
+# DIR/expected/platform.names the platform's libraries.
 set -euo pipefail
 packages=$(realpath -- "$1")
 work=$(mktemp -d)
@@ -39,7 +40,8 @@ dynamic=$(readelf -dW "$library")
 tagged() { sed -n "s/.*($1).*\[\(.*\)\].*/\1/p" <<<"$dynamic"; }
 check "the SONAME" libhxdcontrol_armv7.so.1 "$(tagged SONAME)"
 check "the list of needed libraries" \
-    "ld-linux-armhf.so.3 libMfcToQt.so libQt5Core.so.5 libQt5Gui.so.5 libc.so.6 libgcc_s.so.1 liblogger.so libolma-gui.so libolma-hal.so libstdc++.so.6 libtoolscom.so" \
+    "$({ cat "$packages/expected/platform.names"; printf '%s\n' ld-linux-armhf.so.3 libQt5Core.so.5 \
+        libQt5Gui.so.5 libc.so.6 libgcc_s.so.1 libstdc++.so.6; } | LC_ALL=C sort | xargs)" \
     "$(tagged NEEDED | LC_ALL=C sort | xargs)"
 dynamic_symbols=$(readelf -W --dyn-syms "$library")
 check "what is exported" "CreateDeviceCtrl DestroyDeviceCtrl" \
@@ -72,7 +74,7 @@ check "the symbols' build id" "$(build_id "$library")" "$(build_id "$symbols")"
 # Installs next to what it depends on, leaves nothing when removed.
 database=$work/root/var/lib/dpkg
 mkdir -p "$database/info" "$database/updates" "$work/root/tmp"
-cp "$packages/packages.status" "$database/status"
+cp "$packages/expected/packages.status" "$database/status"
 touch "$database/available"
 on_root() { dpkg --root="$work/root" --log=/dev/null --force-script-chrootless "$@"; }
 on_root --add-architecture armhf
