@@ -109,6 +109,10 @@ bool SimPanel::shallFail(const char* function, int& result) {
         const auto found = m_state.failures.find(function);
         if (found == m_state.failures.end())
             return false;
+        if (found->second.after > 0) {
+            --found->second.after;
+            return false;
+        }
         failure = found->second;
         if (failure.times >= 0 && --found->second.times <= 0)
             m_state.failures.erase(found);

@@ -65,6 +65,7 @@ struct GuiSettings {
 struct Failure {
     int result = -1;       // returned
     int times = -1;        // calls concerned before the function works again; -1: all
+    int after = 0;         // calls that still work before the first of these
     unsigned delayMs = 0;  // waited (real time) before anything else
     bool fails = true;     // false: only slow
 };

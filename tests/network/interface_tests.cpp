@@ -14,9 +14,10 @@ using network_commands::SetNetworkMode;
 
 class Interfaces : public RecordTest {
 protected:
-    static void Fail(const char* function, int result) {
+    static void Fail(const char* function, int result, int after = 0) {
         sim::Failure failure;
         failure.result = result;
+        failure.after = after;
         sim::SimPanel::instance().fail(function, failure);
     }
     static void SetFlags(std::uint8_t flags) {
@@ -109,9 +110,16 @@ TEST_F(Interfaces, ThatCannotBeReadKeepTheirPlaceAmongTheNamesAndEndTheAddresses
     EXPECT_STREQ(list[1].address, "10.0.0.20");
     EXPECT_STREQ(list[1].netmask, "255.255.255.0");
 
-    Fail("hal_get_network", -5);
     unsigned int count = 0;
     std::vector<QString> names;
+    Fail("hal_get_network", -5, 1);
+    EXPECT_TRUE(CDevBas::getLocalcount_name(count, names));
+    EXPECT_EQ(names, (std::vector<QString>{QLatin1String("eth0"), QString()}));
+    Fail("hal_get_network", -5, 1);
+    EXPECT_EQ(ListInterfaceAddresses().size(), 1u);
+
+    names.clear();
+    Fail("hal_get_network", -5);
     EXPECT_TRUE(CDevBas::getLocalcount_name(count, names));
     EXPECT_EQ(names, std::vector<QString>(2));
     EXPECT_TRUE(ListInterfaceAddresses().empty());
