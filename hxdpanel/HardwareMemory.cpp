@@ -3,7 +3,12 @@
 #include "PanelReport.h"
 #include "SimPanel.h"
 
+#include "common/File.h"
+
+#include <unistd.h>
+
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 
 #include <QByteArray>
@@ -24,13 +29,18 @@ std::string Digest(const std::string& text) {
     return QCryptographicHash::hash(bytes, QCryptographicHash::Sha1).toHex().constData();
 }
 
-// The whole text or what was there before.
+// The whole text or what was there before, also with other runs on the same files.
 bool Replace(const std::string& path, const std::string& text) {
-    const std::string replacement = path + ".new";
-    std::ofstream file(replacement, std::ios::binary);
-    file << text;
-    file.close();
-    return !file.fail() && std::rename(replacement.c_str(), path.c_str()) == 0;
+    std::string replacement = path + ".XXXXXX";
+    const HXDCTRL::File file(::mkstemp(&replacement[0]));
+    if (!file.IsOpen())
+        return false;
+    const bool replaced =
+        ::write(file.Descriptor(), text.data(), text.size()) == static_cast<ssize_t>(text.size()) &&
+        std::rename(replacement.c_str(), path.c_str()) == 0;
+    if (!replaced)
+        std::remove(replacement.c_str());
+    return replaced;
 }
 
 }  // namespace
