@@ -1,4 +1,4 @@
-#include "Options.h"
+#include "hxdpanel/Options.h"
 
 #include <CLI/CLI.hpp>
 
@@ -7,7 +7,7 @@
 #include <cctype>
 #include <functional>
 
-#include "Text.h"
+#include "hxdpanel/base/Text.h"
 
 namespace {
 

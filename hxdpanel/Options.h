@@ -2,7 +2,7 @@
 #ifndef HXDPANEL_OPTIONS_H
 #define HXDPANEL_OPTIONS_H
 
-#include "HostValue.h"
+#include "hxdpanel/host/HostValue.h"
 
 #include <string>
 #include <vector>

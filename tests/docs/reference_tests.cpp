@@ -1,7 +1,7 @@
 // The references in docs/ say what the tables of the driver and of the console say, and the
 // examples in them work.
 #include "driver/record/ChannelTable.h"
-#include "hxdpanel/CommandReference.h"
+#include "hxdpanel/report/CommandReference.h"
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,7 @@
 #define HXD_TESTS_FAKELINK_H
 
 #include "host.h"
-#include "hxdpanel/HostLink.h"
+#include "hxdpanel/host/HostLink.h"
 
 #include <string>
 

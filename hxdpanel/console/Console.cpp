@@ -1,0 +1,231 @@
+#include "hxdpanel/console/Console.h"
+
+#include "hxdpanel/Options.h"
+#include "hxdpanel/base/Interrupt.h"
+#include "hxdpanel/base/Text.h"
+#include "hxdpanel/console/Session.h"
+#include "hxdpanel/host/DriverOutput.h"
+
+#include <histedit.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <cwchar>
+#include <memory>
+
+namespace {
+
+const char* const GREETING =
+    "hxdpanel: a simulated touch panel with the real driver in it.\n"
+    "Type channels to see the panel's values, help for all commands, quit to leave.\n";
+constexpr int HISTORY_SIZE = 1000;
+
+// The line editor with its history, and what its callbacks need.
+class Editor {
+public:
+    Editor(Session& session, DriverOutput& output, const std::string& historyFolder);
+    ~Editor();
+    Editor(const Editor&) = delete;
+    Editor& operator=(const Editor&) = delete;
+
+    enum Result { LINE, CANCELLED, END };
+    Result Read(std::string& line);
+
+private:
+    static Editor& Of(EditLine* edit);
+    static char* Prompt(EditLine* edit);
+    static int ReadCharacter(EditLine* edit, wchar_t* character);
+    static unsigned char Complete(EditLine* edit, int character);
+    int NextCharacter(wchar_t& character);
+    bool WaitForInput();
+    void Remember(const std::string& line);
+    void ListCandidates(const std::vector<std::string>& candidates);
+
+    Session& m_session;
+    DriverOutput& m_output;
+    EditLine* m_edit;
+    History* m_history;
+    std::string m_historyFile;  // empty: none is kept
+    bool m_bCancelled = false;
+};
+
+Editor::Editor(Session& session, DriverOutput& output, const std::string& historyFolder)
+    : m_session(session),
+      m_output(output),
+      m_edit(::el_init("hxdpanel", stdin, output.Results(), stderr)),
+      m_history(::history_init()),
+      m_historyFile(historyFolder.empty() ? "" : historyFolder + "/history") {
+    HistEvent event;
+    ::history(m_history, &event, H_SETSIZE, HISTORY_SIZE);
+    ::history(m_history, &event, H_SETUNIQUE, 1);
+    if (!m_historyFile.empty())
+        ::history(m_history, &event, H_LOAD, m_historyFile.c_str());
+    ::el_set(m_edit, EL_CLIENTDATA, this);
+    ::el_set(m_edit, EL_PROMPT, Prompt);
+    ::el_set(m_edit, EL_EDITOR, "emacs");
+    ::el_set(m_edit, EL_HIST, ::history, m_history);
+    ::el_set(m_edit, EL_GETCFN, ReadCharacter);
+    ::el_set(m_edit, EL_ADDFN, "complete", "Complete a name", Complete);
+    ::el_set(m_edit, EL_BIND, "^I", "complete", nullptr);
+    ::el_set(m_edit, EL_BIND, "^R", "em-inc-search-prev", nullptr);
+}
+
+Editor::~Editor() {
+    ::history_end(m_history);
+    ::el_end(m_edit);
+}
+
+Editor& Editor::Of(EditLine* edit) {
+    void* data = nullptr;
+    ::el_get(edit, EL_CLIENTDATA, &data);
+    return *static_cast<Editor*>(data);
+}
+
+char* Editor::Prompt(EditLine*) {
+    static char prompt[] = "panel> ";
+    return prompt;
+}
+
+Editor::Result Editor::Read(std::string& line) {
+    m_bCancelled = false;
+    m_output.Hold();
+    int length = 0;
+    const char* const text = ::el_gets(m_edit, &length);
+    m_output.Release();
+    if (text == nullptr || length <= 0) {
+        std::fputs("\n", m_output.Results());
+        return m_bCancelled ? CANCELLED : END;
+    }
+    line.assign(text, static_cast<std::size_t>(length));
+    Remember(line);
+    return LINE;
+}
+
+void Editor::Remember(const std::string& line) {
+    HistEvent event;
+    if (Trimmed(line).empty())
+        return;
+    ::history(m_history, &event, H_ENTER, line.c_str());
+    if (!m_historyFile.empty())
+        ::history(m_history, &event, H_SAVE, m_historyFile.c_str());
+}
+
+int Editor::ReadCharacter(EditLine* edit, wchar_t* character) {
+    return Of(edit).NextCharacter(*character);
+}
+
+// False when the user has interrupted. Lines of the driver appear above the line that is edited.
+bool Editor::WaitForInput() {
+    pollfd events[3] = {{STDIN_FILENO, POLLIN, 0},
+                        {interrupt::Descriptor(), POLLIN, 0},
+                        {m_output.Descriptor(), POLLIN, 0}};
+    for (;;) {
+        const int ready = ::poll(events, 3, -1);
+        if (interrupt::Pending())
+            return false;
+        if (ready > 0 && events[2].revents != 0) {
+            std::fputs("\r\033[K", m_output.Results());
+            std::fflush(m_output.Results());
+            m_output.Release();
+            m_output.Hold();
+            ::el_set(m_edit, EL_REFRESH);
+        }
+        if (ready > 0 && events[0].revents != 0)
+            return true;
+    }
+}
+
+int Editor::NextCharacter(wchar_t& character) {
+    std::mbstate_t state = {};
+    for (;;) {
+        if (!WaitForInput()) {
+            m_bCancelled = !interrupt::EndRequested();
+            return -1;
+        }
+        char byte = 0;
+        const ssize_t length = ::read(STDIN_FILENO, &byte, 1);
+        if (length < 0 && errno == EINTR)
+            continue;
+        if (length <= 0)
+            return static_cast<int>(length);
+        const std::size_t used = std::mbrtowc(&character, &byte, 1, &state);
+        if (used == 0 || used == 1)
+            return 1;
+        if (used == static_cast<std::size_t>(-1))  // no character of the locale: not taken
+            state = {};
+    }
+}
+
+unsigned char Editor::Complete(EditLine* edit, int) {
+    Editor& self = Of(edit);
+    const LineInfo* const info = ::el_line(edit);
+    const std::string line(info->buffer, info->cursor);
+    const std::vector<std::string> candidates = self.m_session.Completions(line);
+    if (candidates.empty())
+        return CC_REFRESH_BEEP;
+    std::string common = candidates.front();
+    for (const std::string& candidate : candidates) {
+        while (!EqualNames(candidate.substr(0, common.size()), common))
+            common.pop_back();
+    }
+    const std::size_t separator = line.find_last_of(" \t(,");
+    const std::size_t typed =
+        separator == std::string::npos ? line.size() : line.size() - separator - 1;
+    if (candidates.size() > 1 && common.size() <= typed) {
+        self.ListCandidates(candidates);
+        return CC_REDISPLAY;
+    }
+    // Within parentheses a blank would become part of a name.
+    const bool isArgument = line.find('(') != std::string::npos;
+    if (candidates.size() == 1 && common.back() != '(' && !isArgument)
+        common += ' ';
+    ::el_deletestr(edit, static_cast<int>(typed));
+    ::el_insertstr(edit, common.c_str());
+    return CC_REFRESH;
+}
+
+void Editor::ListCandidates(const std::vector<std::string>& candidates) {
+    std::fputs("\n", m_output.Results());
+    for (const std::string& candidate : candidates)
+        std::fprintf(m_output.Results(), "%s  ", Visible(candidate).c_str());
+    std::fputs("\n", m_output.Results());
+}
+
+int RunTerminal(Session& session, DriverOutput& output, const std::string& historyFolder) {
+    std::fputs(GREETING, output.Results());
+    std::fflush(output.Results());
+    Editor editor(session, output, historyFolder);
+    std::string line;
+    while (!session.Ended() && !interrupt::EndRequested()) {
+        interrupt::Clear();
+        const Editor::Result result = editor.Read(line);
+        if (result == Editor::END)
+            break;
+        if (result == Editor::LINE)
+            session.Run(line);
+        std::fflush(output.Results());
+    }
+    return EXIT_DONE;
+}
+
+int RunPipe(Session& session, DriverOutput& output) {
+    int worst = EXIT_DONE;
+    char* buffer = nullptr;
+    std::size_t size = 0;
+    while (!session.Ended() && !interrupt::Pending() && ::getline(&buffer, &size, stdin) >= 0) {
+        worst = std::max(worst, session.Run(buffer));
+        std::fflush(output.Results());
+    }
+    std::free(buffer);
+    return worst;
+}
+
+}  // namespace
+
+int RunConsole(Session& session, DriverOutput& output, const std::string& historyFolder) {
+    const bool terminal = ::isatty(STDIN_FILENO) != 0 && ::isatty(::fileno(output.Results())) != 0;
+    return terminal ? RunTerminal(session, output, historyFolder) : RunPipe(session, output);
+}

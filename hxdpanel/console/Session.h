@@ -1,0 +1,78 @@
+// One run of the panel: takes the lines of the console, of "exec" and of a pipe alike.
+#ifndef HXDPANEL_SESSION_H
+#define HXDPANEL_SESSION_H
+
+#include "hxdpanel/host/Device.h"
+#include "hxdpanel/host/DriverOutput.h"
+#include "hxdpanel/host/HostDatabase.h"
+#include "hxdpanel/panel/SavedFiles.h"
+#include "hxdpanel/panel/SimulatedPanel.h"
+#include "hxdpanel/report/Watch.h"
+
+#include <string>
+#include <vector>
+
+class HardwareMemory;
+
+// Operations return an ExitCode.
+class Session {
+public:
+    // What is passed by reference outlives the session. plugin may be null.
+    Session(HostDatabase& database, Device& device, DriverOutput& output, HardwareMemory& memory,
+            const IVNCLock* plugin, const PanelFiles& files);
+
+    // A console command, or a command of the driver as it stands. Blank lines do nothing.
+    int Run(const std::string& line);
+    // False, with a message for the user, when Run() would find no meaning in the line.
+    static bool Understands(const std::string& line, std::string& error);
+    bool Ended() const { return m_bEnded; }  // after quit
+
+    int ShowChannels();
+    int ShowChannelsJson();
+    int Write(int number, const std::string& text);
+    // csv: null for tables.
+    int WatchChannels(double interval, int count, std::FILE* csv);
+    int ShowPanel();
+    int ShowTime();
+    int Collect();
+
+    // What the last, unfinished word of the line may become.
+    std::vector<std::string> Completions(const std::string& line) const;
+
+    struct ConsoleCommand {
+        const char* name;
+        const char* arguments;
+        const char* summary;
+        int (Session::*run)(const std::string& rest);
+    };
+    static const std::vector<ConsoleCommand>& ConsoleCommands();
+
+private:
+    int RunDriverCommand(const std::string& text);
+    int RunChannels(const std::string& rest);
+    int RunWatch(const std::string& rest);
+    int RunWrite(const std::string& rest);
+    int RunSet(const std::string& rest);
+    int RunVars(const std::string& rest);
+    int RunNtp(const std::string& rest);
+    int RunPanel(const std::string& rest);
+    int RunHelp(const std::string& rest);
+    int RunQuit(const std::string& rest);
+
+    int Refresh();
+    void PrintVariable(const std::string& name);
+    bool ReportFiles();  // false: there were none
+
+    HostDatabase& m_database;
+    Device& m_device;
+    DriverOutput& m_output;
+    HardwareMemory& m_memory;
+    std::FILE* m_out;
+    const IVNCLock* m_plugin;
+    PanelFiles m_files;
+    SavedFiles m_savedFiles;
+    std::string m_strLastSync;  // answer of the last ExecNTP
+    bool m_bEnded = false;
+};
+
+#endif

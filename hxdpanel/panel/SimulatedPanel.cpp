@@ -1,0 +1,94 @@
+#include "hxdpanel/panel/SimulatedPanel.h"
+
+#include "SimPanel.h"
+#include "hxdpanel/Options.h"
+#include "hxdpanel/sandbox/GuardedCalls.h"
+#include "hxdpanel/sandbox/Sandbox.h"
+
+#include <ftw.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+#include <QDir>
+#include <QFile>
+
+namespace {
+
+constexpr char MEMORY_FILE[] = "/root/panel-hardware.ini";
+
+// A folder that lasts as long as the object.
+class TemporaryFolder {
+public:
+    TemporaryFolder() {
+        if (::mkdtemp(&m_path[0]) == nullptr)
+            m_path.clear();
+    }
+    ~TemporaryFolder() {
+        if (!m_path.empty())
+            ::nftw(m_path.c_str(), Remove, MAX_DESCRIPTORS, FTW_DEPTH | FTW_PHYS);
+    }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    const std::string& Path() const { return m_path; }  // empty: it could not be made
+
+private:
+    static constexpr int MAX_DESCRIPTORS = 16;
+    static int Remove(const char* path, const struct stat*, int, FTW*) { return std::remove(path); }
+
+    std::string m_path = "/tmp/hxdpanel-XXXXXX";
+};
+
+bool MakeFolder(const std::string& path) {
+    if (QDir().mkpath(QFile::decodeName(path.c_str())))
+        return true;
+    std::fprintf(stderr, "hxdpanel: cannot create %s\n", path.c_str());
+    return false;
+}
+
+// In guarded mode there is no private root: the directories that the platform names go below the
+// panel's folder.
+bool UseFolder(const std::string& root) {
+    const std::pair<int, const char*> directories[] = {
+        {1, "/usr/olma_app/config"}, {2, "/usr/olma_app"}, {8, "/tmp/olma_user"}};
+    for (const auto& directory : directories) {
+        const std::string path = root + directory.second;
+        if (!MakeFolder(path))
+            return false;
+        sim::SimPanel::instance().change(
+            [&](sim::PanelState& state) { state.directories[directory.first] = path; });
+    }
+    return MakeFolder(root + "/root");
+}
+
+bool SetUpGuarded(const Options& options, PanelFiles& files) {
+    static const TemporaryFolder temporary;  // removed at the end
+    files.outside = sandbox::RootFolder(options);
+    const std::string root = files.outside.empty() ? temporary.Path() : files.outside;
+    if (root.empty()) {
+        std::perror("hxdpanel: cannot create a folder for the panel's files");
+        return false;
+    }
+    files.memory = root + MEMORY_FILE;
+    return UseFolder(root);
+}
+
+}  // namespace
+
+bool SetUpPanel(const Options& options, PanelFiles& files) {
+    sim::SimPanel& panel = sim::SimPanel::instance();
+    // The launcher passes the folder's full path on; relative ones mean nothing in the sandbox.
+    const char* const handedOver = options.inside.launched ? std::getenv("HXD_PANEL_DIR") : nullptr;
+    const std::string folder = handedOver != nullptr ? handedOver : options.panel;
+    const std::string ini = folder + "/panel.ini";
+    std::string error;
+    if (!folder.empty() && ::access(ini.c_str(), F_OK) == 0 && !panel.loadIni(ini, error)) {
+        std::fprintf(stderr, "hxdpanel: %s:\n%s", ini.c_str(), error.c_str());
+        return false;
+    }
+    panel.change([&](sim::PanelState& state) { state.echoLogLevel = options.logLevel; });
+    files = {options.inside.filesOutside, MEMORY_FILE, !guard::Enabled()};
+    return files.isPrivate || SetUpGuarded(options, files);
+}

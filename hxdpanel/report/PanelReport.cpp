@@ -1,0 +1,136 @@
+#include "hxdpanel/report/PanelReport.h"
+
+#include "SimPanel.h"
+#include "hxdpanel/base/Text.h"
+#include "hxdpanel/sandbox/GuardedCalls.h"
+
+#include <arpa/inet.h>
+
+#include <algorithm>
+#include <array>
+#include <ctime>
+#include <fstream>
+#include <vector>
+
+namespace {
+
+const char* const COMMAND_LOG = "/run/panel-commands.log";  // of the sandbox's command stand-ins
+constexpr std::size_t NEWEST = 20;  // of a longer list only so many are shown
+
+using Lines = std::vector<std::string>;
+
+std::string RecordText(const hal_network_t& record) {
+    return Visible(record.name) + "  " + AddressText(record.address) + " / " +
+           AddressText(record.netmask) + "  gateway " + AddressText(record.gateway) + "  mode " +
+           std::to_string(record.flags & 3);
+}
+
+std::string CaptureText(const sim::Capture& capture) {
+    return Visible(capture.dirMacro + "/" + capture.relativePath) + "  at " +
+           std::to_string(capture.x) + "," + std::to_string(capture.y) + "  size " +
+           std::to_string(capture.width) + " x " + std::to_string(capture.height);
+}
+
+std::string BeepText(const sim::Beep& beep) {
+    return std::to_string(beep.frequencyHz) + " Hz for " + std::to_string(beep.milliseconds) +
+           " ms";
+}
+
+template <class ITEMS, class TEXT>
+Lines Texts(const ITEMS& items, TEXT text) {
+    Lines lines;
+    std::transform(items.begin(), items.end(), std::back_inserter(lines), text);
+    return lines;
+}
+
+Lines InterfaceLines(const sim::PanelState& state) {
+    return Texts(state.interfaces, [](const sim::Interface& interface) {
+        const std::string mac =
+            interface.macAddress.empty() ? "(no MAC address)" : Visible(interface.macAddress);
+        return RecordText(interface.record) + "  " + mac;
+    });
+}
+
+std::string LockText(const IVNCLock* plugin) {
+    if (plugin == nullptr)
+        return "no remote-view plug-in";
+    const auto text = [](bool locked) { return std::string(locked ? "locked" : "free"); };
+    return "panel's mouse " + text(plugin->getHMIMouseState()) + ", keyboard " +
+           text(plugin->getHMIKeyboardState()) + "; remote mouse " +
+           text(plugin->getVNCMouseState()) + ", keyboard " + text(plugin->getVNCKeyboardState());
+}
+
+void PrintItem(std::FILE* out, const char* title, const std::string& text) {
+    std::fprintf(out, "%s%s\n", PadRight(title, 17).c_str(), text.c_str());
+}
+
+// One line with the title, the others below the first; nothing for an empty list.
+void PrintList(std::FILE* out, const char* title, const Lines& lines) {
+    const std::size_t first = lines.size() > NEWEST ? lines.size() - NEWEST : 0;
+    if (first > 0) {
+        PrintItem(out, title, "(" + std::to_string(first) + " older ones)");
+        title = "";
+    }
+    for (std::size_t i = first; i < lines.size(); ++i) {
+        PrintItem(out, title, lines[i]);
+        title = "";
+    }
+}
+
+}  // namespace
+
+std::string TimeText(const std::tm& time) {
+    std::array<char, 64> text = {};
+    std::snprintf(text.data(), text.size(), "%04d-%02d-%02d %02d:%02d:%02d", time.tm_year + 1900,
+                  time.tm_mon + 1, time.tm_mday, time.tm_hour, time.tm_min, time.tm_sec);
+    return text.data();
+}
+
+std::vector<std::string> CommandsRun() {
+    if (guard::Enabled())
+        return guard::Calls();
+    Lines lines;
+    std::ifstream log(COMMAND_LOG);
+    for (std::string line; std::getline(log, line);) {
+        std::replace(line.begin(), line.end(), '\t', ' ');
+        lines.push_back(Visible(line));
+    }
+    return lines;
+}
+
+std::string AddressText(std::uint32_t address) {
+    std::array<char, INET_ADDRSTRLEN> text = {};
+    ::inet_ntop(AF_INET, &address, text.data(), text.size());
+    return text.data();
+}
+
+void PrintPanel(std::FILE* out, const IVNCLock* plugin, const std::string& filesOutside) {
+    const sim::PanelState state = sim::SimPanel::instance().state();
+    const bool dimmable = state.brightness != -19;
+    PrintItem(out, "Serial number", Quoted(state.serialNumber));
+    PrintItem(out, "Display",
+              std::string("light ") + (state.lightOn ? "on" : "off") +
+                  (dimmable ? ", brightness " + std::to_string(state.brightness) + " %"
+                            : ", no brightness control"));
+    PrintItem(out, "Input", LockText(plugin));
+    PrintList(out, "Interfaces", InterfaceLines(state));
+    PrintItem(out, "Files",
+              filesOutside.empty() ? "fresh ones, gone when this run ends" : Visible(filesOutside));
+    const auto same = [](const std::string& text) { return Visible(text); };
+    const std::pair<const char*, Lines> events[] = {
+        {"Beeps", Texts(state.beeps, BeepText)},
+        {"Settings reloads", Texts(state.guiCalls, same)},
+        {"Interfaces set", Texts(state.appliedRecords, RecordText)},
+        {"Clock set", Texts(state.rtcSettings, TimeText)},
+        {"Screen captures", Texts(state.captures, CaptureText)},
+        {"Commands run", CommandsRun()},
+    };
+    std::fputs("\nSince the start of this run:\n", out);
+    bool any = false;
+    for (const auto& event : events) {
+        PrintList(out, event.first, event.second);
+        any = any || !event.second.empty();
+    }
+    if (!any)
+        std::fputs("no beep, setting, address, picture or command yet\n", out);
+}

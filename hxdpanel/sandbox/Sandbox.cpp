@@ -1,0 +1,162 @@
+#include "hxdpanel/sandbox/Sandbox.h"
+
+#include "hxdpanel/sandbox/ChildProcess.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+namespace sandbox {
+
+namespace {
+
+const char* const MARKER = "/run/hxd-panel";
+const char* const DRIVER_INSIDE = "/run/driver/libhxdcontrol_armv7.so.1";
+
+std::string ExecutableFolder() {
+    const QString file = QFile::symLinkTarget(QLatin1String("/proc/self/exe"));
+    return QFile::encodeName(QFileInfo(file).path()).constData();
+}
+
+std::string Absolute(const std::string& path) {
+    const QFileInfo file(QFile::decodeName(path.c_str()));
+    return QFile::encodeName(file.absoluteFilePath()).constData();
+}
+
+// Where the desktop's programs keep what belongs to the user; empty if nobody knows.
+std::string DataHome() {
+    const char* const chosen = std::getenv("XDG_DATA_HOME");
+    if (chosen != nullptr && chosen[0] == '/')
+        return chosen;
+    const char* const home = std::getenv("HOME");
+    return home != nullptr && home[0] == '/' ? std::string(home) + "/.local/share" : "";
+}
+
+// The folder below the user's data, made if need be; empty if it cannot be written.
+std::string DataFolder(const char* name) {
+    const std::string base = DataHome();
+    std::string folder = base + "/hxdpanel/" + name;
+    if (base.empty() || !QDir().mkpath(QFile::decodeName(folder.c_str())) ||
+        ::access(folder.c_str(), W_OK) != 0)
+        return "";
+    return folder;
+}
+
+// What comes with the program: in the source tree, or beside an installed program. "" if missing.
+std::string Companion(const std::string& name) {
+    for (const std::string& folder : {std::string(HXD_PANEL_SOURCES), ExecutableFolder()}) {
+        std::string path = folder;
+        path.append("/").append(name);
+        if (::access(path.c_str(), R_OK) == 0)
+            return path;
+    }
+    return "";
+}
+
+std::string PanelFolder(const Options& options) {
+    return options.panel.empty() ? Companion("default-panel") : Absolute(options.panel);
+}
+
+void Append(std::vector<std::string>& words, const std::vector<std::string>& more) {
+    words.insert(words.end(), more.begin(), more.end());
+}
+
+// The launcher's options, the program, what the program inside must know, and its own arguments.
+std::vector<std::string> CommandLine(const std::string& launcher, const Options& options,
+                                     int csvDescriptor, int stopDescriptor, int argc, char** argv) {
+    const std::string root = RootFolder(options);
+    const std::string history = options.mode == Options::CONSOLE ? HistoryFolder() : "";
+    std::vector<std::string> words = {launcher};
+    if (!root.empty())
+        Append(words, {"--root", root});
+    const std::string panel = PanelFolder(options);
+    if (!panel.empty())
+        Append(words, {"--panel", panel});
+    if (!history.empty())
+        Append(words, {"--rw", history});
+    if (!options.driver.empty())
+        Append(words, {"--ro", Absolute(options.driver), DRIVER_INSIDE});
+    Append(words, {"--", ExecutableFolder() + "/hxdpanel", "--launched"});
+    if (!history.empty())
+        Append(words, {"--history-folder", history});
+    if (!root.empty())
+        Append(words, {"--files-outside", Absolute(root)});
+    if (!options.driver.empty())
+        Append(words, {"--driver-inside", DRIVER_INSIDE});
+    if (csvDescriptor >= 0)
+        Append(words, {"--csv-descriptor", std::to_string(csvDescriptor)});
+    Append(words, {"--stop-descriptor", std::to_string(stopDescriptor)});
+    for (int i = 1; i < argc; ++i)
+        words.emplace_back(argv[i]);
+    return words;
+}
+
+// The machine's file, opened out here for the program inside, which does not see its folder.
+// -1: none is asked for; -2: it cannot be opened.
+int OpenCsv(const std::string& file) {
+    if (file.empty() || file == "-")
+        return -1;
+    const int opened = ::open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    if (opened < 0) {
+        std::fprintf(stderr, "hxdpanel: cannot write %s: %s\n", file.c_str(), std::strerror(errno));
+        return -2;
+    }
+    const int handedOver = ::fcntl(opened, F_DUPFD, ChildProcess::FIRST_HANDED_OVER);
+    ::close(opened);
+    return handedOver;
+}
+
+}  // namespace
+
+bool Inside() {
+    return ::access(MARKER, F_OK) == 0;
+}
+
+std::string RootFolder(const Options& options) {
+    if (!options.root.empty())
+        return Absolute(options.root);
+    return options.fresh || !options.panel.empty() ? "" : DataFolder("root");
+}
+
+std::string HistoryFolder() {
+    return DataFolder("console");
+}
+
+std::string DriverFile(const Options& options) {
+    if (!options.inside.driver.empty())
+        return options.inside.driver;
+    if (!options.driver.empty())
+        return Absolute(options.driver);
+    return ExecutableFolder() + "/../lib/libhxdcontrol_armv7.so.1";
+}
+
+int RunInside(const Options& options, int argc, char** argv) {
+    const std::string launcher = Companion("in-panel");
+    if (launcher.empty())
+        return UNAVAILABLE;
+    if (!options.driver.empty() && ::access(options.driver.c_str(), R_OK) != 0) {
+        std::fprintf(stderr, "hxdpanel: cannot read the driver %s: %s\n", options.driver.c_str(),
+                     std::strerror(errno));
+        return EXIT_NO_DRIVER;
+    }
+    const int csvDescriptor = OpenCsv(options.csv);
+    if (csvDescriptor < -1)
+        return EXIT_USAGE;
+    ChildProcess child;
+    const int exitCode = child.Run(
+        CommandLine(launcher, options, csvDescriptor, child.StopDescriptor(), argc, argv));
+    if (csvDescriptor >= 0)
+        ::close(csvDescriptor);
+    return exitCode;
+}
+
+}  // namespace sandbox
