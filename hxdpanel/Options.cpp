@@ -7,6 +7,7 @@
 #include <cctype>
 #include <functional>
 
+#include "hxdpanel/base/ExitCode.h"
 #include "hxdpanel/base/Text.h"
 
 namespace {
@@ -99,8 +100,8 @@ void AddGeneralOptions(CLI::App& app, Options& options) {
         ->type_name("HEX");
 }
 
-// Not shown in the help: see Options::Inside.
-void AddInsideOptions(CLI::App& app, Options::Inside& inside) {
+// Not shown in the help: see sandbox::Setup::Inside.
+void AddInsideOptions(CLI::App& app, sandbox::Setup::Inside& inside) {
     app.add_flag("--launched", inside.launched)->group("");
     app.add_option("--csv-descriptor", inside.csvDescriptor)->group("");
     app.add_option("--stop-descriptor", inside.stopDescriptor)->group("");
@@ -200,5 +201,6 @@ bool ParseOptions(int argc, const char* const* argv, Options& options, int& exit
         exitCode = app.exit(error) == 0 ? EXIT_DONE : EXIT_USAGE;
         return false;
     }
+    options.history = options.mode == Options::CONSOLE;
     return true;
 }

@@ -1,9 +1,9 @@
 // hxdpanel: a host in miniature around the driver, on a simulated panel.
 #include "common/ResultCodes.h"
 #include "hxdpanel/Options.h"
+#include "hxdpanel/base/ExitCode.h"
 #include "hxdpanel/base/Interrupt.h"
 #include "hxdpanel/console/Console.h"
-#include "hxdpanel/console/Help.h"
 #include "hxdpanel/console/Session.h"
 #include "hxdpanel/host/Device.h"
 #include "hxdpanel/host/DriverLibrary.h"
@@ -116,7 +116,7 @@ std::unique_ptr<TimeServer> StartTimeServer() {
 int RunPanel(const Options& options, int argc, char** argv) {
     QCoreApplication application(argc, argv);
     PanelFiles files;
-    if (!SetUpPanel(options, files))
+    if (!SetUpPanel(options, options.logLevel, files))
         return EXIT_NO_PANEL;
     HardwareMemory memory(files.memory);
     // Owned by the application object, under which the driver looks for it.
@@ -167,7 +167,7 @@ int main(int argc, char** argv) {
     if (!ParseOptions(argc, argv, options, exitCode))
         return exitCode;
     if (options.mode == Options::HELP)
-        return PrintHelp(stdout, options.helpTopic);
+        return Session::PrintHelp(stdout, options.helpTopic);
     if (!sandbox::Inside()) {
         exitCode = sandbox::RunInside(options, argc, argv);
         if (exitCode != sandbox::UNAVAILABLE)

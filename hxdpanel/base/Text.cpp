@@ -1,5 +1,6 @@
 #include "hxdpanel/base/Text.h"
 
+#include <arpa/inet.h>
 #include <strings.h>
 
 #include <algorithm>
@@ -96,6 +97,19 @@ std::string NumberText(double number) {
     std::array<char, 40> buffer = {};
     std::snprintf(buffer.data(), buffer.size(), "%.15g", number);
     return buffer.data();
+}
+
+std::string TimeText(const std::tm& time) {
+    std::array<char, 64> text = {};
+    std::snprintf(text.data(), text.size(), "%04d-%02d-%02d %02d:%02d:%02d", time.tm_year + 1900,
+                  time.tm_mon + 1, time.tm_mday, time.tm_hour, time.tm_min, time.tm_sec);
+    return text.data();
+}
+
+std::string AddressText(std::uint32_t address) {
+    std::array<char, INET_ADDRSTRLEN> text = {};
+    ::inet_ntop(AF_INET, &address, text.data(), text.size());
+    return text.data();
 }
 
 std::size_t Columns(const std::string& visible) {

@@ -2,6 +2,8 @@
 #ifndef HXDPANEL_TEXT_H
 #define HXDPANEL_TEXT_H
 
+#include <cstdint>
+#include <ctime>
 #include <string>
 #include <vector>
 
@@ -13,6 +15,12 @@ std::string Quoted(const std::string& text);
 
 // The shortest of up to 15 digits: 0.1, not 0.10000000000000001.
 std::string NumberText(double number);
+
+// "2026-01-31 08:00:00"
+std::string TimeText(const std::tm& time);
+
+// address: IPv4, network byte order.
+std::string AddressText(std::uint32_t address);
 
 // Columns that a visible text takes on a terminal.
 std::size_t Columns(const std::string& visible);

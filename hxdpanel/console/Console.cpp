@@ -1,6 +1,6 @@
 #include "hxdpanel/console/Console.h"
 
-#include "hxdpanel/Options.h"
+#include "hxdpanel/base/ExitCode.h"
 #include "hxdpanel/base/Interrupt.h"
 #include "hxdpanel/base/Text.h"
 #include "hxdpanel/console/Session.h"

@@ -1,12 +1,11 @@
 #include "hxdpanel/console/Help.h"
 
 #include "driver/record/ChannelTable.h"
-#include "hxdpanel/Options.h"
+#include "hxdpanel/base/ExitCode.h"
 #include "hxdpanel/base/Text.h"
-#include "hxdpanel/console/Session.h"
+#include "hxdpanel/host/HostValue.h"
+#include "hxdpanel/report/ChannelReport.h"
 #include "hxdpanel/report/CommandReference.h"
-
-#include <climits>
 
 namespace {
 
@@ -14,13 +13,13 @@ void PrintRow(std::FILE* out, const std::string& left, const std::string& right)
     std::fprintf(out, "  %s  %s\n", PadRight(left, 36).c_str(), right.c_str());
 }
 
-std::string Usage(const Session::ConsoleCommand& command) {
+std::string Usage(const ConsoleTopic& command) {
     return std::string(command.name) + (*command.arguments != '\0' ? " " : "") + command.arguments;
 }
 
-void PrintList(std::FILE* out) {
+void PrintList(std::FILE* out, const std::vector<ConsoleTopic>& console) {
     std::fputs("The console:\n", out);
-    for (const Session::ConsoleCommand& command : Session::ConsoleCommands())
+    for (const ConsoleTopic& command : console)
         PrintRow(out, Usage(command), command.summary);
     std::fputs("\nCommands of the driver, typed as they stand (help NAME tells more):\n", out);
     for (const CommandInfo& command : CommandReference())
@@ -31,7 +30,7 @@ void PrintList(std::FILE* out) {
         out);
 }
 
-void PrintConsoleCommand(std::FILE* out, const Session::ConsoleCommand& command) {
+void PrintConsoleCommand(std::FILE* out, const ConsoleTopic& command) {
     std::fprintf(out, "%s\n  %s\n", Usage(command).c_str(), command.summary);
 }
 
@@ -64,9 +63,9 @@ void PrintChannel(std::FILE* out, const ChannelRow& row) {
                  AcceptedText(row).c_str());
 }
 
-int PrintUnknown(const std::string& topic) {
+int PrintUnknown(const std::string& topic, const std::vector<ConsoleTopic>& console) {
     std::vector<std::string> names;
-    for (const Session::ConsoleCommand& command : Session::ConsoleCommands())
+    for (const ConsoleTopic& command : console)
         names.emplace_back(command.name);
     for (const CommandInfo& command : CommandReference())
         names.emplace_back(command.name);
@@ -79,28 +78,14 @@ int PrintUnknown(const std::string& topic) {
 
 }  // namespace
 
-std::string AcceptedText(const ChannelRow& row) {
-    const std::string subject = "channel " + std::to_string(row.number);
-    if (row.access == ChannelRow::READ_ONLY)
-        return subject + " cannot be written";
-    if (row.number == CHANNEL_IP_ADDRESS_1 || row.number == CHANNEL_IP_ADDRESS_2)
-        return subject + " takes an IPv4 address that begins with 1 to 223";
-    if (row.number == CHANNEL_NETMASK_1 || row.number == CHANNEL_NETMASK_2)
-        return subject + " takes a netmask that begins with 192 to 255";
-    if (row.kind == ChannelRow::TEXT)
-        return subject + " takes a text";
-    return subject + " takes " + std::to_string(row.minimum) +
-           (row.maximum == INT_MAX ? " or more" : " to " + std::to_string(row.maximum));
-}
-
-int PrintHelp(std::FILE* out, const std::string& topic) {
+int PrintHelp(std::FILE* out, const std::string& topic, const std::vector<ConsoleTopic>& console) {
     const std::string name = Trimmed(topic.substr(0, topic.find('(')));
     HostValue number;
     if (name.empty()) {
-        PrintList(out);
+        PrintList(out, console);
         return EXIT_DONE;
     }
-    for (const Session::ConsoleCommand& command : Session::ConsoleCommands()) {
+    for (const ConsoleTopic& command : console) {
         if (EqualNames(name, command.name)) {
             PrintConsoleCommand(out, command);
             return EXIT_DONE;
@@ -114,5 +99,5 @@ int PrintHelp(std::FILE* out, const std::string& topic) {
         PrintChannel(out, *FindChannel(number.integer));
         return EXIT_DONE;
     }
-    return PrintUnknown(name);
+    return PrintUnknown(name, console);
 }

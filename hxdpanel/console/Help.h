@@ -1,17 +1,20 @@
-// The console's help; needs no driver.
+// Help on the lines that the console takes; needs no driver.
 #ifndef HXDPANEL_HELP_H
 #define HXDPANEL_HELP_H
 
 #include <cstdio>
 #include <string>
+#include <vector>
 
-struct ChannelRow;
+// A command of the console itself.
+struct ConsoleTopic {
+    const char* name;
+    const char* arguments;
+    const char* summary;
+};
 
-// topic: a command of the driver or the console, the number of a channel, or empty for the list.
+// topic: a command of the driver or of the console, the number of a channel, or empty for the list.
 // Returns an ExitCode.
-int PrintHelp(std::FILE* out, const std::string& topic);
-
-// What a write to the channel may be: "channel 4 takes 0 to 6500".
-std::string AcceptedText(const ChannelRow& row);
+int PrintHelp(std::FILE* out, const std::string& topic, const std::vector<ConsoleTopic>& console);
 
 #endif

@@ -3,9 +3,8 @@
 #include "SimPanel.h"
 #include "common/ResultCodes.h"
 #include "driver/record/ChannelTable.h"
-#include "hxdpanel/Options.h"
+#include "hxdpanel/base/ExitCode.h"
 #include "hxdpanel/base/Text.h"
-#include "hxdpanel/console/Help.h"
 #include "hxdpanel/panel/HardwareMemory.h"
 #include "hxdpanel/report/ChannelReport.h"
 #include "hxdpanel/report/CommandHints.h"
@@ -102,45 +101,52 @@ Session::Session(HostDatabase& database, Device& device, DriverOutput& output,
 
 const std::vector<Session::ConsoleCommand>& Session::ConsoleCommands() {
     static const std::vector<ConsoleCommand> commands = {
-        {"channels", "", "read the channels anew and show them", &Session::RunChannels},
-        {"watch", "[SECONDS]", "do so again and again, until Ctrl-C", &Session::RunWatch},
-        {"write", "N VALUE", "write a value to channel N", &Session::RunWrite},
-        {"set", "NAME[:TYPE] VALUE", "make a variable; TYPE int, double or text forces its type",
+        {{"channels", "", "read the channels anew and show them"}, &Session::RunChannels},
+        {{"watch", "[SECONDS]", "do so again and again, until Ctrl-C"}, &Session::RunWatch},
+        {{"write", "N VALUE", "write a value to channel N"}, &Session::RunWrite},
+        {{"set", "NAME[:TYPE] VALUE", "make a variable; TYPE int, double or text forces its type"},
          &Session::RunSet},
-        {"vars", "", "show the variables", &Session::RunVars},
-        {"panel", "", "show the simulated hardware and what the driver did to it",
+        {{"vars", "", "show the variables"}, &Session::RunVars},
+        {{"panel", "", "show the simulated hardware and what the driver did to it"},
          &Session::RunPanel},
-        {"ntp", "", "show the time settings and what the clocks were set to", &Session::RunNtp},
-        {"help", "[COMMAND]", "this list, or more about a command or a channel's number",
+        {{"ntp", "", "show the time settings and what the clocks were set to"}, &Session::RunNtp},
+        {{"help", "[COMMAND]", "this list, or more about a command or a channel's number"},
          &Session::RunHelp},
-        {"quit", "", "leave (Ctrl-D too)", &Session::RunQuit},
+        {{"quit", "", "leave (Ctrl-D too)"}, &Session::RunQuit},
     };
     return commands;
 }
 
-namespace {
+int Session::PrintHelp(std::FILE* out, const std::string& topic) {
+    std::vector<ConsoleTopic> topics;
+    for (const ConsoleCommand& command : ConsoleCommands())
+        topics.push_back(command.topic);
+    return ::PrintHelp(out, topic, topics);
+}
 
-const Session::ConsoleCommand* FindConsoleCommand(const std::string& name) {
-    for (const Session::ConsoleCommand& command : Session::ConsoleCommands()) {
-        if (name == command.name)
+const Session::ConsoleCommand* Session::FindConsoleCommand(const std::string& name) {
+    for (const ConsoleCommand& command : ConsoleCommands()) {
+        if (name == command.topic.name)
             return &command;
     }
     return nullptr;
 }
 
-std::vector<std::string> AllNames() {
+std::vector<std::string> Session::AllNames() {
     std::vector<std::string> names;
-    for (const Session::ConsoleCommand& command : Session::ConsoleCommands())
-        names.emplace_back(command.name);
+    for (const ConsoleCommand& command : ConsoleCommands())
+        names.emplace_back(command.topic.name);
     for (const CommandInfo& command : CommandReference())
         names.push_back(command.name + std::string("("));
     return names;
 }
 
-std::string NoMeaning(const std::string& line) {
+std::string Session::NoMeaning(const std::string& line) {
     CommandText parsed;
     if (line.find('(') != std::string::npos)
-        return "A parenthesis is missing; the driver ignores such a command: " + Visible(line);
+        return "A parenthesis is missing or comes too early; the driver does nothing for such a "
+               "command: " +
+               Visible(line);
     const std::string word = Split(line).first;
     const CommandInfo* const command = FindCommand(word);
     if (command != nullptr)
@@ -150,8 +156,6 @@ std::string NoMeaning(const std::string& line) {
            (closest.empty() ? ". Type help for the list."
                             : "; did you mean " + closest + (closest.back() == '(' ? ")?" : "?"));
 }
-
-}  // namespace
 
 bool Session::Understands(const std::string& line, std::string& error) {
     CommandText parsed;

@@ -2,6 +2,7 @@
 #ifndef HXDPANEL_SESSION_H
 #define HXDPANEL_SESSION_H
 
+#include "hxdpanel/console/Help.h"
 #include "hxdpanel/host/Device.h"
 #include "hxdpanel/host/DriverOutput.h"
 #include "hxdpanel/host/HostDatabase.h"
@@ -9,6 +10,7 @@
 #include "hxdpanel/panel/SimulatedPanel.h"
 #include "hxdpanel/report/Watch.h"
 
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -39,15 +41,18 @@ public:
     // What the last, unfinished word of the line may become.
     std::vector<std::string> Completions(const std::string& line) const;
 
+    // topic: as typed after help; needs no session.
+    static int PrintHelp(std::FILE* out, const std::string& topic);
+
+private:
     struct ConsoleCommand {
-        const char* name;
-        const char* arguments;
-        const char* summary;
+        ConsoleTopic topic;
         int (Session::*run)(const std::string& rest);
     };
     static const std::vector<ConsoleCommand>& ConsoleCommands();
-
-private:
+    static const ConsoleCommand* FindConsoleCommand(const std::string& name);
+    static std::vector<std::string> AllNames();
+    static std::string NoMeaning(const std::string& line);
     int RunDriverCommand(const std::string& text);
     int RunChannels(const std::string& rest);
     int RunWatch(const std::string& rest);

@@ -2,7 +2,7 @@
 
 #include "SimPanel.h"
 #include "common/File.h"
-#include "hxdpanel/report/PanelReport.h"
+#include "hxdpanel/base/Text.h"
 
 #include <unistd.h>
 

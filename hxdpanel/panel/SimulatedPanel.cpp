@@ -1,9 +1,9 @@
 #include "hxdpanel/panel/SimulatedPanel.h"
 
 #include "SimPanel.h"
-#include "hxdpanel/Options.h"
 #include "hxdpanel/sandbox/GuardedCalls.h"
 #include "hxdpanel/sandbox/Sandbox.h"
+#include "hxdpanel/sandbox/Setup.h"
 
 #include <ftw.h>
 #include <unistd.h>
@@ -63,9 +63,9 @@ bool UseFolder(const std::string& root) {
     return MakeFolder(root + "/root");
 }
 
-bool SetUpGuarded(const Options& options, PanelFiles& files) {
+bool SetUpGuarded(const sandbox::Setup& setup, PanelFiles& files) {
     static const TemporaryFolder temporary;  // removed at the end
-    files.outside = sandbox::RootFolder(options);
+    files.outside = sandbox::RootFolder(setup);
     const std::string root = files.outside.empty() ? temporary.Path() : files.outside;
     if (root.empty()) {
         std::perror("hxdpanel: cannot create a folder for the panel's files");
@@ -77,18 +77,18 @@ bool SetUpGuarded(const Options& options, PanelFiles& files) {
 
 }  // namespace
 
-bool SetUpPanel(const Options& options, PanelFiles& files) {
+bool SetUpPanel(const sandbox::Setup& setup, int logLevel, PanelFiles& files) {
     sim::SimPanel& panel = sim::SimPanel::instance();
     // The launcher passes the folder's full path on; relative ones mean nothing in the sandbox.
-    const char* const handedOver = options.inside.launched ? std::getenv("HXD_PANEL_DIR") : nullptr;
-    const std::string folder = handedOver != nullptr ? handedOver : options.panel;
+    const char* const handedOver = setup.inside.launched ? std::getenv("HXD_PANEL_DIR") : nullptr;
+    const std::string folder = handedOver != nullptr ? handedOver : setup.panel;
     const std::string ini = folder + "/panel.ini";
     std::string error;
     if (!folder.empty() && ::access(ini.c_str(), F_OK) == 0 && !panel.loadIni(ini, error)) {
         std::fprintf(stderr, "hxdpanel: %s:\n%s", ini.c_str(), error.c_str());
         return false;
     }
-    panel.change([&](sim::PanelState& state) { state.echoLogLevel = options.logLevel; });
-    files = {options.inside.filesOutside, MEMORY_FILE, !guard::Enabled()};
-    return files.isPrivate || SetUpGuarded(options, files);
+    panel.change([&](sim::PanelState& state) { state.echoLogLevel = logLevel; });
+    files = {setup.inside.filesOutside, MEMORY_FILE, !guard::Enabled()};
+    return files.isPrivate || SetUpGuarded(setup, files);
 }

@@ -1,10 +1,12 @@
-// Sets the simulated hardware up as the options say.
+// Sets the simulated hardware up as the command line says.
 #ifndef HXDPANEL_SIMULATEDPANEL_H
 #define HXDPANEL_SIMULATEDPANEL_H
 
 #include <string>
 
-struct Options;
+namespace sandbox {
+struct Setup;
+}
 
 struct PanelFiles {
     std::string outside;    // where they lie on the machine; empty: they are gone after this run
@@ -13,6 +15,7 @@ struct PanelFiles {
 };
 
 // False, after a message, when the panel's description or files cannot be used.
-bool SetUpPanel(const Options& options, PanelFiles& files);
+// logLevel: the driver's log lines up to it are shown.
+bool SetUpPanel(const sandbox::Setup& setup, int logLevel, PanelFiles& files);
 
 #endif

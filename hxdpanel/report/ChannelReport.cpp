@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <climits>
 #include <cmath>
 #include <ctime>
 
@@ -183,6 +184,20 @@ void PrintCsvLine(std::FILE* out, const HostDatabase& database) {
 std::string ChannelText(const HostDatabase& database, int number) {
     const Line line = MakeLine(database, number);
     return std::to_string(number) + " " + line.name + " = " + Value(line) + UnitSuffix(line.unit);
+}
+
+std::string AcceptedText(const ChannelRow& row) {
+    const std::string subject = "channel " + std::to_string(row.number);
+    if (row.access == ChannelRow::READ_ONLY)
+        return subject + " cannot be written";
+    if (row.number == CHANNEL_IP_ADDRESS_1 || row.number == CHANNEL_IP_ADDRESS_2)
+        return subject + " takes an IPv4 address that begins with 1 to 223";
+    if (row.number == CHANNEL_NETMASK_1 || row.number == CHANNEL_NETMASK_2)
+        return subject + " takes a netmask that begins with 192 to 255";
+    if (row.kind == ChannelRow::TEXT)
+        return subject + " takes a text";
+    return subject + " takes " + std::to_string(row.minimum) +
+           (row.maximum == INT_MAX ? " or more" : " to " + std::to_string(row.maximum));
 }
 
 std::vector<std::pair<std::string, std::string>> ScreenRows(const HostDatabase& database) {

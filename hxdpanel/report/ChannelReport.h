@@ -9,6 +9,8 @@
 #include <utility>
 #include <vector>
 
+struct ChannelRow;
+
 void PrintChannelTable(std::FILE* out, const HostDatabase& database);
 void PrintChannelsJson(std::FILE* out, const HostDatabase& database);
 void PrintCsvHeader(std::FILE* out, const HostDatabase& database);
@@ -16,6 +18,8 @@ void PrintCsvLine(std::FILE* out, const HostDatabase& database);
 
 // "21 Brightness = 40 %"
 std::string ChannelText(const HostDatabase& database, int number);
+// What a write to the channel may be: "channel 4 takes 0 to 6500".
+std::string AcceptedText(const ChannelRow& row);
 // Name and value of each channel, for the picture of the panel's screen.
 std::vector<std::pair<std::string, std::string>> ScreenRows(const HostDatabase& database);
 

@@ -16,7 +16,8 @@ struct CommandText {
     std::string name;  // blanks around it included
     std::vector<std::string> arguments;
 };
-// False when a parenthesis is missing, or the closing one comes first.
+// False when a parenthesis is missing, or the closing one comes first. The driver does nothing
+// then; it answers 0 to the former and to the latter mostly 5.
 bool ParseCommandText(const std::string& text, CommandText& parsed);
 
 // info: null for a name that the driver does not know. trace: of the command.

@@ -2,19 +2,15 @@
 
 #include "SimPanel.h"
 #include "hxdpanel/base/Text.h"
-#include "hxdpanel/sandbox/GuardedCalls.h"
-
-#include <arpa/inet.h>
+#include "hxdpanel/panel/CommandsRun.h"
 
 #include <algorithm>
-#include <array>
-#include <ctime>
-#include <fstream>
+#include <iterator>
+#include <string>
 #include <vector>
 
 namespace {
 
-const char* const COMMAND_LOG = "/run/panel-commands.log";  // of the sandbox's command stand-ins
 constexpr std::size_t NEWEST = 20;  // of a longer list only so many are shown
 
 using Lines = std::vector<std::string>;
@@ -78,31 +74,6 @@ void PrintList(std::FILE* out, const char* title, const Lines& lines) {
 }
 
 }  // namespace
-
-std::string TimeText(const std::tm& time) {
-    std::array<char, 64> text = {};
-    std::snprintf(text.data(), text.size(), "%04d-%02d-%02d %02d:%02d:%02d", time.tm_year + 1900,
-                  time.tm_mon + 1, time.tm_mday, time.tm_hour, time.tm_min, time.tm_sec);
-    return text.data();
-}
-
-std::vector<std::string> CommandsRun() {
-    if (guard::Enabled())
-        return guard::Calls();
-    Lines lines;
-    std::ifstream log(COMMAND_LOG);
-    for (std::string line; std::getline(log, line);) {
-        std::replace(line.begin(), line.end(), '\t', ' ');
-        lines.push_back(Visible(line));
-    }
-    return lines;
-}
-
-std::string AddressText(std::uint32_t address) {
-    std::array<char, INET_ADDRSTRLEN> text = {};
-    ::inet_ntop(AF_INET, &address, text.data(), text.size());
-    return text.data();
-}
 
 void PrintPanel(std::FILE* out, const IVNCLock* plugin, const std::string& filesOutside) {
     const sim::PanelState state = sim::SimPanel::instance().state();

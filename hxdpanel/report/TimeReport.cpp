@@ -2,8 +2,9 @@
 
 #include "SimPanel.h"
 #include "driver/record/ChannelTable.h"
+#include "hxdpanel/base/Text.h"
+#include "hxdpanel/panel/CommandsRun.h"
 #include "hxdpanel/report/ChannelReport.h"
-#include "hxdpanel/report/PanelReport.h"
 
 #include <algorithm>
 

@@ -1,5 +1,6 @@
 #include "hxdpanel/sandbox/Sandbox.h"
 
+#include "hxdpanel/base/ExitCode.h"
 #include "hxdpanel/sandbox/ChildProcess.h"
 
 #include <fcntl.h>
@@ -62,8 +63,8 @@ std::string Companion(const std::string& name) {
     return "";
 }
 
-std::string PanelFolder(const Options& options) {
-    return options.panel.empty() ? Companion("default-panel") : Absolute(options.panel);
+std::string PanelFolder(const Setup& setup) {
+    return setup.panel.empty() ? Companion("default-panel") : Absolute(setup.panel);
 }
 
 void Append(std::vector<std::string>& words, const std::vector<std::string>& more) {
@@ -71,26 +72,26 @@ void Append(std::vector<std::string>& words, const std::vector<std::string>& mor
 }
 
 // The launcher's options, the program, what the program inside must know, and its own arguments.
-std::vector<std::string> CommandLine(const std::string& launcher, const Options& options,
+std::vector<std::string> CommandLine(const std::string& launcher, const Setup& setup,
                                      int csvDescriptor, int stopDescriptor, int argc, char** argv) {
-    const std::string root = RootFolder(options);
-    const std::string history = options.mode == Options::CONSOLE ? HistoryFolder() : "";
+    const std::string root = RootFolder(setup);
+    const std::string history = setup.history ? HistoryFolder() : "";
     std::vector<std::string> words = {launcher};
     if (!root.empty())
         Append(words, {"--root", root});
-    const std::string panel = PanelFolder(options);
+    const std::string panel = PanelFolder(setup);
     if (!panel.empty())
         Append(words, {"--panel", panel});
     if (!history.empty())
         Append(words, {"--rw", history});
-    if (!options.driver.empty())
-        Append(words, {"--ro", Absolute(options.driver), DRIVER_INSIDE});
+    if (!setup.driver.empty())
+        Append(words, {"--ro", Absolute(setup.driver), DRIVER_INSIDE});
     Append(words, {"--", ExecutableFolder() + "/hxdpanel", "--launched"});
     if (!history.empty())
         Append(words, {"--history-folder", history});
     if (!root.empty())
         Append(words, {"--files-outside", Absolute(root)});
-    if (!options.driver.empty())
+    if (!setup.driver.empty())
         Append(words, {"--driver-inside", DRIVER_INSIDE});
     if (csvDescriptor >= 0)
         Append(words, {"--csv-descriptor", std::to_string(csvDescriptor)});
@@ -121,39 +122,39 @@ bool Inside() {
     return ::access(MARKER, F_OK) == 0;
 }
 
-std::string RootFolder(const Options& options) {
-    if (!options.root.empty())
-        return Absolute(options.root);
-    return options.fresh || !options.panel.empty() ? "" : DataFolder("root");
+std::string RootFolder(const Setup& setup) {
+    if (!setup.root.empty())
+        return Absolute(setup.root);
+    return setup.fresh || !setup.panel.empty() ? "" : DataFolder("root");
 }
 
 std::string HistoryFolder() {
     return DataFolder("console");
 }
 
-std::string DriverFile(const Options& options) {
-    if (!options.inside.driver.empty())
-        return options.inside.driver;
-    if (!options.driver.empty())
-        return Absolute(options.driver);
+std::string DriverFile(const Setup& setup) {
+    if (!setup.inside.driver.empty())
+        return setup.inside.driver;
+    if (!setup.driver.empty())
+        return Absolute(setup.driver);
     return ExecutableFolder() + "/../lib/libhxdcontrol_armv7.so.1";
 }
 
-int RunInside(const Options& options, int argc, char** argv) {
+int RunInside(const Setup& setup, int argc, char** argv) {
     const std::string launcher = Companion("in-panel");
     if (launcher.empty())
         return UNAVAILABLE;
-    if (!options.driver.empty() && ::access(options.driver.c_str(), R_OK) != 0) {
-        std::fprintf(stderr, "hxdpanel: cannot read the driver %s: %s\n", options.driver.c_str(),
+    if (!setup.driver.empty() && ::access(setup.driver.c_str(), R_OK) != 0) {
+        std::fprintf(stderr, "hxdpanel: cannot read the driver %s: %s\n", setup.driver.c_str(),
                      std::strerror(errno));
         return EXIT_NO_DRIVER;
     }
-    const int csvDescriptor = OpenCsv(options.csv);
+    const int csvDescriptor = OpenCsv(setup.csv);
     if (csvDescriptor < -1)
         return EXIT_USAGE;
     ChildProcess child;
-    const int exitCode = child.Run(
-        CommandLine(launcher, options, csvDescriptor, child.StopDescriptor(), argc, argv));
+    const int exitCode =
+        child.Run(CommandLine(launcher, setup, csvDescriptor, child.StopDescriptor(), argc, argv));
     if (csvDescriptor >= 0)
         ::close(csvDescriptor);
     return exitCode;

@@ -2,7 +2,7 @@
 #ifndef HXDPANEL_SANDBOX_H
 #define HXDPANEL_SANDBOX_H
 
-#include "hxdpanel/Options.h"
+#include "hxdpanel/sandbox/Setup.h"
 
 #include <string>
 
@@ -11,16 +11,16 @@ namespace sandbox {
 bool Inside();
 
 // Where the panel's files are kept between runs; empty: nowhere.
-std::string RootFolder(const Options& options);
+std::string RootFolder(const Setup& setup);
 // Folder of the console's history; empty when there is no place for it.
 std::string HistoryFolder();
-// The driver that is built beside this program, unless the options name another.
-std::string DriverFile(const Options& options);
+// The driver that is built beside this program, unless the setup names another.
+std::string DriverFile(const Setup& setup);
 
 // Runs this program in the sandbox and returns its exit code, or UNAVAILABLE where this machine
 // does not let it.
 constexpr int UNAVAILABLE = 77;
-int RunInside(const Options& options, int argc, char** argv);
+int RunInside(const Setup& setup, int argc, char** argv);
 
 }  // namespace sandbox
 

@@ -1,0 +1,30 @@
+// What this program runs on, and how it was started.
+#ifndef HXDPANEL_SETUP_H
+#define HXDPANEL_SETUP_H
+
+#include <string>
+
+namespace sandbox {
+
+struct Setup {
+    std::string panel;  // folder; empty: the default panel
+    std::string root;   // folder; empty: the default one, or fresh files
+    bool fresh = false;
+    std::string driver;
+    std::string csv;       // file of the machine for results; "-": standard output
+    bool history = false;  // keeps a history of what is typed
+
+    // What the instance outside the sandbox tells the one inside, which sees other folders.
+    struct Inside {
+        bool launched = false;
+        int csvDescriptor = -1;
+        int stopDescriptor = -1;  // becomes readable when this program is to end
+        std::string driver;
+        std::string historyFolder;
+        std::string filesOutside;  // where the panel's files lie on the machine
+    } inside;
+};
+
+}  // namespace sandbox
+
+#endif
