@@ -1,15 +1,17 @@
 #include "commands/CommandNames.h"
 
-const CString DEV_STR_OLMAWRITE = "OLMA_WRITE";
-const CString DEV_STR_REFLESH = "REFLESH";
-const CString DEV_STR_BLON = "BACKLIGHTON";
-const CString DEV_STR_BLOFF = "BACKLIGHTOFF";
-const CString DEV_STR_REBOOT = "REBOOT";
-const CString DEV_STR_SAVESCREEN = "SAVESCREEN";
-const CString DEV_STR_SHA256 = "STRSHA256";
-const CString DEV_STR_MODVNCPWD = "ModVncPwd";
-const CString GETMACINFO = "GetMacInfo";
-const CString SET_NETWORK_MODE = "SetNetworkMode";
+#include "driver/record/CommandTable.h"
+
+const CString DEV_STR_OLMAWRITE = CommandOf(COMMAND_OLMA_WRITE).name;
+const CString DEV_STR_REFLESH = CommandOf(COMMAND_REFLESH).name;
+const CString DEV_STR_BLON = CommandOf(COMMAND_BACKLIGHT_ON).name;
+const CString DEV_STR_BLOFF = CommandOf(COMMAND_BACKLIGHT_OFF).name;
+const CString DEV_STR_REBOOT = CommandOf(COMMAND_REBOOT).name;
+const CString DEV_STR_SAVESCREEN = CommandOf(COMMAND_SAVE_SCREEN).name;
+const CString DEV_STR_SHA256 = CommandOf(COMMAND_STR_SHA256).name;
+const CString DEV_STR_MODVNCPWD = CommandOf(COMMAND_MOD_VNC_PWD).name;
+const CString GETMACINFO = CommandOf(COMMAND_GET_MAC_INFO).name;
+const CString SET_NETWORK_MODE = CommandOf(COMMAND_SET_NETWORK_MODE).name;
 
 const CString DEV_STR_SETHIDDENPRO = "SetHiddenPro";
 const CString DEV_STR_GETHIDDENPRO = "GetHiddenPro";

@@ -1,4 +1,4 @@
-// The names of the driver's own commands.
+// The names of the driver's own commands as the host's text type; the table of commands has them.
 #ifndef HXD_COMMANDNAMES_H
 #define HXD_COMMANDNAMES_H
 

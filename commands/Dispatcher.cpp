@@ -1,12 +1,12 @@
 #include "commands/Dispatcher.h"
 
 #include "commands/ChannelWrite.h"
-#include "commands/CommandNames.h"
 #include "commands/PanelActions.h"
 #include "commands/StringHash.h"
 #include "commands/VncPassword.h"
 #include "common/Numbers.h"
 #include "common/ResultCodes.h"
+#include "driver/record/CommandTable.h"
 #include "driver/record/DevContext.h"
 #include "network/NetworkCommands.h"
 #include "ntp/NtpCommands.h"
@@ -36,28 +36,36 @@ int Reflesh(OLMA_DATA& data, const CString& /*args*/) {
     return RESULT_DONE;
 }
 
-struct CommandRow {
-    const CString& name;
+struct HandlerRow {
+    Command command;
     int (*run)(OLMA_DATA& data, const CString& args);  // a ResultCode
 };
 
-const CommandRow COMMANDS[] = {
-    {DEV_STR_OLMAWRITE, OlmaWrite},
-    {DEV_STR_BLON, panel_actions::BacklightOn},
-    {DEV_STR_BLOFF, panel_actions::BacklightOff},
-    {DEV_STR_REFLESH, Reflesh},
-    {DEV_STR_REBOOT, panel_actions::Reboot},
-    {DEV_STR_SAVESCREEN, panel_actions::SaveScreen},
-    {DEV_STR_SHA256, CDevBas::strSha256},
-    {DEV_STR_MODVNCPWD, CDevBas::ModVncPwd},
-    {GETMACINFO, network_commands::GetMacInfo},
-    {SET_NETWORK_MODE, network_commands::SetNetworkMode},
-    {NTP_CTRL_CMD[0], ntp_commands::EnableNtp},
-    {NTP_CTRL_CMD[1], ntp_commands::SetNtpMode},
-    {NTP_CTRL_CMD[2], ntp_commands::SetNtpFreq},
-    {NTP_CTRL_CMD[3], ntp_commands::SetNtpServer},
-    {NTP_CTRL_CMD[4], ntp_commands::ExecNtp},
+constexpr HandlerRow HANDLERS[] = {
+    {COMMAND_OLMA_WRITE, OlmaWrite},
+    {COMMAND_BACKLIGHT_ON, panel_actions::BacklightOn},
+    {COMMAND_BACKLIGHT_OFF, panel_actions::BacklightOff},
+    {COMMAND_REFLESH, Reflesh},
+    {COMMAND_REBOOT, panel_actions::Reboot},
+    {COMMAND_SAVE_SCREEN, panel_actions::SaveScreen},
+    {COMMAND_STR_SHA256, CDevBas::strSha256},
+    {COMMAND_MOD_VNC_PWD, CDevBas::ModVncPwd},
+    {COMMAND_GET_MAC_INFO, network_commands::GetMacInfo},
+    {COMMAND_SET_NETWORK_MODE, network_commands::SetNetworkMode},
+    {COMMAND_ENABLE_NTP, ntp_commands::EnableNtp},
+    {COMMAND_SET_NTP_MODE, ntp_commands::SetNtpMode},
+    {COMMAND_SET_NTP_FREQ, ntp_commands::SetNtpFreq},
+    {COMMAND_SET_NTP_SERVER, ntp_commands::SetNtpServer},
+    {COMMAND_EXEC_NTP, ntp_commands::ExecNtp},
 };
+
+constexpr bool HandlersFollowTheTable(int command) {
+    return command == FIRST_REGISTRY_COMMAND ||
+           (HANDLERS[command].command == command && HandlersFollowTheTable(command + 1));
+}
+static_assert(sizeof HANDLERS / sizeof *HANDLERS == FIRST_REGISTRY_COMMAND &&
+                  HandlersFollowTheTable(0),
+              "a command of the dispatcher has no handler here, or not in its place");
 
 int AskRegistry(OLMA_DATA& data, const CString& cmd) {
     if (data.m_pContext == nullptr || data.m_pContext->m_pDevManger == nullptr)
@@ -71,11 +79,10 @@ int Run(OLMA_DATA& data, const CString& cmd) {
     CString args;
     if (!dispatcher::SplitCommand(cmd, name, args))
         return RESULT_DONE;
-    for (const CommandRow& command : COMMANDS) {
-        if (command.name.CompareNoCase(name) == 0)
-            return command.run(data, args);
-    }
-    return AskRegistry(data, cmd);
+    const CommandRow* const row = FindCommandRow(name);
+    if (row == nullptr || row->IsOfRegistry())
+        return AskRegistry(data, cmd);
+    return HANDLERS[row->command].run(data, args);
 }
 
 }  // namespace

@@ -18,8 +18,6 @@
 
 namespace {
 
-constexpr double STORAGE_UNKNOWN = -1.0;
-constexpr double UART_UNKNOWN = -2.0;
 constexpr int NO_BRIGHTNESS_CONTROL = -19;
 constexpr double FULL_BRIGHTNESS = 100.0;
 constexpr unsigned STORAGE_POLL_MS = 200;
@@ -102,7 +100,8 @@ void ReadTimeSettings(OLMA_DATA& data, Channels& channels) {
 
 void ReadSerialNumber(Channels& channels) {
     const CString serialNumber = __gui_get_serial_number();
-    channels.Set(CHANNEL_SERIAL_NUMBER, serialNumber.IsEmpty() ? CString("-1") : serialNumber);
+    channels.Set(CHANNEL_SERIAL_NUMBER,
+                 serialNumber.IsEmpty() ? CString(NO_SERIAL_NUMBER) : serialNumber);
 }
 
 void ReadBrightness(Channels& channels) {
@@ -144,8 +143,8 @@ bool RefreshStorage(DEV_CONTEXT& context) {
 void ReadStorage(DEV_CONTEXT& context, Channels& channels) {
     const bool known = RefreshStorage(context);
     channels.Set(CHANNEL_STORAGE_LIFE,
-                 known ? context.m_pDisk->getDiskLifeTime() : STORAGE_UNKNOWN);
-    channels.Set(CHANNEL_STORAGE_GEAR, known ? context.m_pDisk->getDiskIO() : STORAGE_UNKNOWN);
+                 known ? context.m_pDisk->getDiskLifeTime() : STORAGE_UNREADABLE);
+    channels.Set(CHANNEL_STORAGE_GEAR, known ? context.m_pDisk->getDiskIO() : STORAGE_UNREADABLE);
 }
 
 void ReadUarts(Channels& channels) {
@@ -155,7 +154,7 @@ void ReadUarts(Channels& channels) {
         if (result != 0)
             std::printf("hal_uart_info failed,com:%d, res:%d\n", port, result);
         channels.Set(CHANNEL_UART_1 + port - 1,
-                     result == 0 ? refresh::UartUsePercent(info) : UART_UNKNOWN);
+                     result == 0 ? refresh::UartUsePercent(info) : UART_UNREADABLE);
     }
 }
 

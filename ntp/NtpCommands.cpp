@@ -4,13 +4,16 @@
 #include "common/QtText.h"
 #include "common/ResultCodes.h"
 #include "driver/record/CDevServer.h"
+#include "driver/record/CommandTable.h"
 #include "driver/record/DevContext.h"
 #include "ntp/NtpCtrl.h"
 
 #include <vector>
 
-const CString NTP_CTRL_CMD[NTP_CTRL_CMD_COUNT] = {"EnableNTP", "SetNTPMode", "SetNTPFreq",
-                                                  "SetNTPServer", "ExecNTP"};
+const CString NTP_CTRL_CMD[NTP_CTRL_CMD_COUNT] = {
+    CommandOf(COMMAND_ENABLE_NTP).name, CommandOf(COMMAND_SET_NTP_MODE).name,
+    CommandOf(COMMAND_SET_NTP_FREQ).name, CommandOf(COMMAND_SET_NTP_SERVER).name,
+    CommandOf(COMMAND_EXEC_NTP).name};
 
 namespace {
 

@@ -3,12 +3,14 @@
 #ifndef HXD_WEAR_H
 #define HXD_WEAR_H
 
+#include "driver/record/ChannelTable.h"
+
 #include <QString>
 #include <QVector>
 
 namespace wear {
 
-constexpr int LIFE_UNKNOWN = -2;
+constexpr int LIFE_UNKNOWN = STORAGE_LIFE_UNKNOWN;
 
 // --- load: how much is written or erased in an hour
 

@@ -1,6 +1,7 @@
 #include "sysinfo/DevManger.h"
 
 #include "common/ResultCodes.h"
+#include "driver/record/CommandTable.h"
 #include "sysinfo/DevLiunxCpuUse.h"
 #include "sysinfo/DevLiunxMemUse.h"
 #include "sysinfo/LogReaders.h"
@@ -36,18 +37,20 @@ Provider MakeProvider(DEVSYSOPEAR operation) {
     return Make<DevLiunxBase>();
 }
 
-// The operation of a command's name; log commands have one for each mode, in a row.
+// The operation of a command; log commands have one for each mode, in a row.
 struct OperationRow {
-    const char* name;
+    Command command;
     int operation;
     int modes;  // 0: the command has no mode
 };
 constexpr OperationRow OPERATIONS[] = {
-    {"ReadAppLog", SYS_OPEAR_APP_LOG, 3},
-    {"ReadSysLog", SYS_OPEAR_SYS_EXECP_LOG, 1},
-    {"GetCpuUse", SYS_OPEAR_CPU_USE, 0},
-    {"GetMemUse", SYS_OPEAR_MEM_USE, 0},
+    {COMMAND_GET_CPU_USE, SYS_OPEAR_CPU_USE, 0},
+    {COMMAND_GET_MEM_USE, SYS_OPEAR_MEM_USE, 0},
+    {COMMAND_READ_APP_LOG, SYS_OPEAR_APP_LOG, 3},
+    {COMMAND_READ_SYS_LOG, SYS_OPEAR_SYS_EXECP_LOG, 1},
 };
+static_assert(sizeof OPERATIONS / sizeof *OPERATIONS == COMMAND_COUNT - FIRST_REGISTRY_COMMAND,
+              "a command of the registry has no operation here");
 
 constexpr int NO_OPERATION = -1;
 constexpr double STATUS_FAILED = 4.0;
@@ -95,7 +98,7 @@ int DevManger::DevOpear(OLMA_DATA& data, std::string cmd) {
 
 int DevManger::SelectOperation(OLMA_DATA& data, int& operation) {
     for (const OperationRow& row : OPERATIONS) {
-        if (m_strName != row.name)
+        if (m_strName != CommandOf(row.command).name)
             continue;
         if (row.modes > 0)
             return SelectLog(data, row.operation, row.modes, operation);

@@ -1,5 +1,6 @@
-// The panel's channels, one row each: the one place that knows their numbers, kinds and limits.
-// The collection, the channel writes, the console and the reference in docs/ all follow it.
+// The panel's channels, one row each: the one place that knows their numbers, kinds, what a write
+// accepts and what special values mean. The collection, the channel writes, the time settings, the
+// console, hxdcheck and the reference in docs/ all ask the rows.
 #ifndef HXD_CHANNELTABLE_H
 #define HXD_CHANNELTABLE_H
 
@@ -37,17 +38,44 @@ enum Channel : int {
 };
 constexpr int CHANNEL_COUNT = 32;
 
+// What a channel shows for a value that cannot be had.
+constexpr int STORAGE_UNREADABLE = -1;  // no storage found, or not yet
+constexpr int STORAGE_LIFE_UNKNOWN = -2;
+constexpr int UART_UNREADABLE = -2;
+constexpr const char* NO_SERIAL_NUMBER = "-1";
+
 struct ChannelRow {
     enum Kind { NUMBER, TEXT };
-    enum Access { READ_ONLY, WRITABLE };
+    enum Input {
+        NOTHING,       // the channel cannot be written
+        CUT_NUMBER,    // a number, of which the fraction is cut off
+        WHOLE_NUMBER,  // the text as a whole is a decimal integer; any other text counts as 0
+        ADDRESS,       // a dotted IPv4 address that begins with 1 to 223
+        NETMASK,       // a dotted IPv4 netmask that begins with 192 to 255
+        ANY_TEXT,
+    };
+    struct Sentinel {
+        double number;
+        const char* text;     // of a text channel; else null
+        const char* meaning;  // null: the sentinel is none
+    };
+
+    bool IsWritable() const { return input != NOTHING; }
+    bool HasUpperLimit() const;
+    // Whether a write accepts a number; for the others of Input never asked.
+    bool InRange(int value) const { return value >= minimum && value <= maximum; }
+    // What a special value means, or null for an ordinary one.
+    const char* SentinelMeaning(double value) const;
+    const char* SentinelMeaning(const char* value) const;
 
     int number;
     Kind kind;
     const char* name;
     const char* unit;  // "" where there is none
-    Access access;
+    Input input;
     int minimum;  // accepted by a write, both ends included; 0 and 0 for texts
     int maximum;  // INT_MAX: no upper limit
+    Sentinel sentinels[2];
 };
 
 // The row of a channel number, or null for a number that is no channel.

@@ -38,7 +38,7 @@ void PrintDriverCommand(std::FILE* out, const CommandInfo& command) {
     std::fprintf(out, "%s\n  %s\n", CommandSignature(command).c_str(), command.summary);
     if (!command.arguments.empty())
         std::fputs("\nArguments\n", out);
-    for (const CommandArgument& argument : command.arguments) {
+    for (const DescribedArgument& argument : command.arguments) {
         const std::string direction = argument.direction == CommandArgument::OUT ? "out" : "in";
         std::fprintf(out, "  %s%s%s%s\n", PadRight(argument.name, 14).c_str(),
                      PadRight(direction, 5).c_str(), PadRight(KindName(argument.kind), 8).c_str(),
@@ -50,7 +50,7 @@ void PrintDriverCommand(std::FILE* out, const CommandInfo& command) {
     std::fputs("\nExample\n", out);
     for (const char* line : command.example)
         std::fprintf(out, "  %s\n", line);
-    if (command.exactSpelling)
+    if (command.row.IsOfRegistry())
         std::fputs("\nThe driver knows this name in exactly this spelling only.\n", out);
     for (const char* note : command.notes)
         std::fprintf(out, "%s%s\n", note == command.notes.front() ? "\n" : "", note);

@@ -62,10 +62,6 @@ void Note(const std::string& text) {
     std::fprintf(stderr, "note: %s\n", text.c_str());
 }
 
-bool IsTimeNumber(int number) {
-    return number >= CHANNEL_NTP_SWITCH && number <= CHANNEL_NTP_PERIOD;
-}
-
 // As the driver takes it: texts, and the three numbers of the time synchronisation that it parses
 // out of a text, go as text; other numbers as int where they are one.
 bool ChannelValue(const ChannelRow& row, const std::string& text, HostValue& value) {
@@ -73,8 +69,9 @@ bool ChannelValue(const ChannelRow& row, const std::string& text, HostValue& val
         row.kind == ChannelRow::TEXT || (!text.empty() && GuessValue(text).type != DATATYPE_TEXT);
     if (!isNumber)
         return false;
-    value = row.kind == ChannelRow::TEXT || IsTimeNumber(row.number) ? HostValue::Text(text)
-                                                                     : GuessValue(text);
+    value = row.kind == ChannelRow::TEXT || row.input == ChannelRow::WHOLE_NUMBER
+                ? HostValue::Text(text)
+                : GuessValue(text);
     return true;
 }
 
@@ -191,7 +188,7 @@ int Session::RunDriverCommand(const std::string& text) {
                  StatusText(status, CommandStatusMeaning(info, status)).c_str());
     for (const std::string& name : trace.written)
         PrintVariable(name);
-    if (info != nullptr && std::string(info->name) == "ExecNTP")
+    if (info != nullptr && info->row.command == COMMAND_EXEC_NTP)
         m_strLastSync = SyncText(m_database, trace);
     const bool saved = ReportFiles();
     std::fflush(m_out);
@@ -267,7 +264,7 @@ int Session::Write(int number, const std::string& text) {
     const int status = m_device.Write(number, value);
     m_memory.Save();
     Collect();
-    const CommandInfo* const command = FindCommand("OLMA_WRITE");
+    const CommandInfo* const command = FindCommand(CommandOf(COMMAND_OLMA_WRITE).name);
     std::fprintf(m_out, "status %s\n%s\n",
                  StatusText(status, CommandStatusMeaning(command, status)).c_str(),
                  ChannelText(m_database, number).c_str());
@@ -277,7 +274,7 @@ int Session::Write(int number, const std::string& text) {
     if (value.type == DATATYPE_TEXT && text.find(')') != std::string::npos)
         Note("a channel's text ends at its first \")\": the driver takes no more of it");
     HostValue whole;
-    if (IsTimeNumber(number) && !ConvertValue(text, DATATYPE_INTEGER, whole))
+    if (row->input == ChannelRow::WHOLE_NUMBER && !ConvertValue(text, DATATYPE_INTEGER, whole))
         Note("the driver reads " + Quoted(text) + " as 0: write a whole number");
     return ExitFor(status);
 }

@@ -52,26 +52,17 @@ std::string UnitSuffix(const std::string& unit) {
     return unit.find("..") != std::string::npos ? " (" + unit + ")" : " " + unit;
 }
 
-// What stands in a channel for a value that cannot be had.
-struct Sentinel {
-    int firstNumber;
-    int lastNumber;
-    double value;
-    const char* meaning;
-};
-constexpr Sentinel SENTINELS[] = {
-    {CHANNEL_STORAGE_LIFE, CHANNEL_STORAGE_GEAR, -1.0, "storage not readable"},
-    {CHANNEL_STORAGE_LIFE, CHANNEL_STORAGE_LIFE, -2.0, "not known"},
-    {CHANNEL_UART_1, CHANNEL_UART_4, -2.0, "port cannot be queried"},
-};
+const char* SentinelMeaning(const Line& line) {
+    const ChannelRow* const row = FindChannel(line.number);
+    if (row == nullptr || !line.received.delivered)
+        return nullptr;
+    return line.isText ? row->SentinelMeaning(line.received.value.text.c_str())
+                       : row->SentinelMeaning(line.received.value.number);
+}
 
 std::string ExplainedValue(const Line& line) {
-    for (const Sentinel& sentinel : SENTINELS) {
-        if (line.number >= sentinel.firstNumber && line.number <= sentinel.lastNumber &&
-            line.received.value.number == sentinel.value)
-            return Value(line) + " (" + sentinel.meaning + ")";
-    }
-    return Value(line);
+    const char* const meaning = SentinelMeaning(line);
+    return Value(line) + (meaning != nullptr ? " (" + std::string(meaning) + ")" : "");
 }
 
 struct Column {
@@ -188,16 +179,21 @@ std::string ChannelText(const HostDatabase& database, int number) {
 
 std::string AcceptedText(const ChannelRow& row) {
     const std::string subject = "channel " + std::to_string(row.number);
-    if (row.access == ChannelRow::READ_ONLY)
-        return subject + " cannot be written";
-    if (row.number == CHANNEL_IP_ADDRESS_1 || row.number == CHANNEL_IP_ADDRESS_2)
-        return subject + " takes an IPv4 address that begins with 1 to 223";
-    if (row.number == CHANNEL_NETMASK_1 || row.number == CHANNEL_NETMASK_2)
-        return subject + " takes a netmask that begins with 192 to 255";
-    if (row.kind == ChannelRow::TEXT)
-        return subject + " takes a text";
+    switch (row.input) {
+        case ChannelRow::NOTHING:
+            return subject + " cannot be written";
+        case ChannelRow::ADDRESS:
+            return subject + " takes an IPv4 address that begins with 1 to 223";
+        case ChannelRow::NETMASK:
+            return subject + " takes a netmask that begins with 192 to 255";
+        case ChannelRow::ANY_TEXT:
+            return subject + " takes a text";
+        case ChannelRow::CUT_NUMBER:
+        case ChannelRow::WHOLE_NUMBER:
+            break;
+    }
     return subject + " takes " + std::to_string(row.minimum) +
-           (row.maximum == INT_MAX ? " or more" : " to " + std::to_string(row.maximum));
+           (row.HasUpperLimit() ? " to " + std::to_string(row.maximum) : " or more");
 }
 
 std::vector<std::pair<std::string, std::string>> ScreenRows(const HostDatabase& database) {

@@ -70,10 +70,7 @@ std::string UnknownCommandHint(const std::string& name) {
 }
 
 bool LacksArguments(const CommandText& command, const CommandInfo& info) {
-    const auto required =
-        std::count_if(info.arguments.begin(), info.arguments.end(),
-                      [](const CommandArgument& argument) { return !argument.optional; });
-    return command.arguments.size() < static_cast<std::size_t>(required);
+    return command.arguments.size() < static_cast<std::size_t>(info.row.RequiredCount());
 }
 
 }  // namespace
@@ -85,10 +82,13 @@ bool ParseCommandText(const std::string& text, CommandText& parsed) {
         return false;
     parsed.name = text.substr(0, open);
     parsed.arguments.clear();
+    const CommandRow* const row = FindCommandRow(Trimmed(parsed.name).c_str());
+    const char separator = row != nullptr ? row->separator : ',';
     std::string rest = text.substr(open + 1, close - open - 1);
-    for (std::size_t comma = rest.find(','); comma != std::string::npos; comma = rest.find(',')) {
-        parsed.arguments.push_back(rest.substr(0, comma));
-        rest.erase(0, comma + 1);
+    for (std::size_t end = rest.find(separator); end != std::string::npos;
+         end = rest.find(separator)) {
+        parsed.arguments.push_back(rest.substr(0, end));
+        rest.erase(0, end + 1);
     }
     if (!rest.empty() || !parsed.arguments.empty())
         parsed.arguments.push_back(rest);
@@ -99,7 +99,7 @@ Hints CommandHints(const CommandText& command, const CommandInfo* info, int stat
                    const HostDatabase& database, const HostDatabase::Trace& trace) {
     if (info == nullptr)
         return {UnknownCommandHint(command.name)};
-    if (info->exactSpelling && command.name != info->name)
+    if (info->row.IsOfRegistry() && command.name != info->name)
         return {"the driver knows " + std::string(info->name) +
                 " in exactly this spelling only, and did nothing"};
     Hints hints;

@@ -3,22 +3,15 @@
 #ifndef HXDPANEL_COMMANDREFERENCE_H
 #define HXDPANEL_COMMANDREFERENCE_H
 
+#include "driver/record/CommandTable.h"
+
 #include <string>
 #include <vector>
 
-struct CommandArgument {
-    enum Direction { IN, OUT };
-    enum Kind {
-        INTEGER,  // an int variable, or a number as it stands
-        NUMBER,   // an int or double variable; for IN also a number as it stands
-        TEXT,     // a text variable; for IN also a text as it stands
-    };
-
-    const char* name;
-    Direction direction;
-    Kind kind;
+struct DescribedArgument : CommandArgument {
+    DescribedArgument(const CommandArgument& argument, const char* itsMeaning)
+        : CommandArgument(argument), meaning(itsMeaning) {}
     const char* meaning;
-    bool optional;
 };
 
 struct CommandStatus {
@@ -26,17 +19,19 @@ struct CommandStatus {
     const char* meaning;
 };
 
+// A row of the driver's table of commands, described.
 struct CommandInfo {
-    const char* name;
+    const CommandRow& row;
+    const char* name;  // the row's
     const char* summary;
-    std::vector<CommandArgument> arguments;
+    std::vector<DescribedArgument> arguments;
     std::vector<CommandStatus> codes;  // where StatusMeaning() is not precise enough; 0 is left out
     std::vector<const char*> example;  // lines that work in the console
     std::vector<const char*> notes;
-    bool exactSpelling = false;  // otherwise the driver ignores case, and blanks around the name
-    bool savesFile = false;      // leaves a file, and no status tells whether
+    bool savesFile;  // leaves a file, and no status tells whether
 };
 
+// All commands of the table, in its order.
 const std::vector<CommandInfo>& CommandReference();
 
 // By name, without regard to case; null for a name that the driver does not know.

@@ -7,7 +7,6 @@
 
 #include <sys/wait.h>
 #include <unistd.h>
-#include <climits>
 #include <fstream>
 #include <sstream>
 
@@ -42,16 +41,20 @@ std::vector<Lines> Rows(const char* document, const std::string& start) {
 }
 
 std::string WritableText(const ChannelRow& channel) {
-    if (channel.access == ChannelRow::READ_ONLY)
-        return "no";
-    if (channel.kind == ChannelRow::NUMBER)
-        return channel.maximum == INT_MAX
-                   ? std::to_string(channel.minimum) + " and above"
-                   : std::to_string(channel.minimum) + " to " + std::to_string(channel.maximum);
-    const std::string name = channel.name;
-    if (name.find("IP address") == 0)
-        return "address";
-    return name.find("Netmask") == 0 ? "mask" : "any text";
+    switch (channel.input) {
+        case ChannelRow::NOTHING:
+            return "no";
+        case ChannelRow::ADDRESS:
+            return "address";
+        case ChannelRow::NETMASK:
+            return "mask";
+        case ChannelRow::ANY_TEXT:
+            return "any text";
+        default:
+            return std::to_string(channel.minimum) + (channel.HasUpperLimit()
+                                                          ? " to " + std::to_string(channel.maximum)
+                                                          : " and above");
+    }
 }
 
 }  // namespace
@@ -61,7 +64,7 @@ TEST(ChannelReference, FollowsTheTable) {
         const ChannelRow& channel = *FindChannel(number);
         const auto rows = Rows("channels.md", "| " + std::to_string(number) + " | ");
         // Tables further down may begin with a number as well; the channel's row comes first.
-        ASSERT_GE(rows.size(), 1u) << number;
+        ASSERT_GE(rows.size(), 1u) << "docs/channels.md lacks channel " << number;
         const Lines expected = {
             std::to_string(number), std::to_string(number - 1),
             channel.name,           channel.kind == ChannelRow::TEXT ? "text" : "number",
@@ -72,14 +75,21 @@ TEST(ChannelReference, FollowsTheTable) {
     }
 }
 
-TEST(CommandReference, FollowsTheConsolesTable) {
+TEST(CommandReference, FollowsTheTable) {
+    for (int i = 0; i < COMMAND_COUNT; ++i) {
+        const CommandRow& row = CommandOf(static_cast<Command>(i));
+        const CommandInfo* const info = FindCommand(row.name);
+        ASSERT_NE(info, nullptr) << "hxdpanel/report/CommandReference.cpp lacks " << row.name;
+        EXPECT_EQ(info->arguments.size(), static_cast<std::size_t>(row.ArgumentCount()))
+            << "hxdpanel/report/CommandReference.cpp: the arguments of " << row.name;
+    }
     Lines expected;
     for (const CommandInfo& command : CommandReference())
         expected.push_back("`" + CommandSignature(command) + "`");
     Lines documented;
     for (const Lines& row : Rows("commands.md", "| `"))
         documented.push_back(row[0]);
-    EXPECT_EQ(documented, expected);
+    EXPECT_EQ(documented, expected) << "docs/commands.md";
 }
 
 TEST(CommandReference, HasExamplesThatWork) {
