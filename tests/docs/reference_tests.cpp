@@ -51,7 +51,7 @@ std::string WritableText(const ChannelRow& channel) {
     const std::string name = channel.name;
     if (name.find("IP address") == 0)
         return "address";
-    return name.find("Netmask") == 0 ? "mask" : "any text";
+    return name.find("Netmask") == 0 ? "mask" : "text";
 }
 
 }  // namespace
