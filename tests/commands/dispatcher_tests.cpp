@@ -222,9 +222,11 @@ TEST_F(ChannelWrites, TellTheGuiAndExpireTheValues) {
         EXPECT_EQ(GuiCalls(), c.calls) << c.channel;
         EXPECT_EQ(context.m_bRefreshed[0], 0);
     }
-    context.m_bRefreshed[0] = 1;
-    EXPECT_EQ(Write(10, "1"), 1.0);
-    EXPECT_EQ(context.m_bRefreshed[0], 0);  // also after a refused write
+    for (const int channel : {10, 33}) {  // also after a write that is refused or to no channel
+        context.m_bRefreshed[0] = 1;
+        EXPECT_EQ(Write(channel, "1"), channel == 10 ? 1.0 : 0.0);
+        EXPECT_EQ(context.m_bRefreshed[0], 0);
+    }
 }
 
 TEST_F(ChannelWrites, PauseBeforeTheTestTone) {

@@ -231,6 +231,10 @@ TEST_F(NetworkMode, FailuresAreReportedAsTheyAre) {
     EXPECT_EQ(SetNetworkMode(record, "i,m,nowhere"), -4);  // the result cannot be written
     WaitFor(NetworkTask::STATE_IDLE);
 
+    Fail("hal_set_ip_addr", 33);  // shows in the result variable alone
+    EXPECT_EQ(Run(), 33);
+    EXPECT_EQ(host.ints["r"], 33);
+
     Fail("hal_get_network", -2);
     EXPECT_EQ(Run(), -6);
     EXPECT_EQ(host.ints["r"], -6);
