@@ -126,12 +126,12 @@ int WriteNetmask2(Write& write) {
 // number and counts as 0.
 template <int (NtpCtrl::*SET)(int)>
 int WriteTimeNumber(Write& write) {
-    NtpCtrl* const ntp = write.data.m_pContext->m_pNtpCtrl.get();
+    NtpCtrl* const ntp = ServiceOf(write.data, &DEV_CONTEXT::m_pNtpCtrl);
     return ntp != nullptr ? (ntp->*SET)(hxd::FromHost(write.text).toInt()) : RESULT_DONE;
 }
 
 int WriteTimeServer(Write& write) {
-    NtpCtrl* const ntp = write.data.m_pContext->m_pNtpCtrl.get();
+    NtpCtrl* const ntp = ServiceOf(write.data, &DEV_CONTEXT::m_pNtpCtrl);
     const int slot = write.channel.number - CHANNEL_NTP_SERVER_1;
     return ntp != nullptr ? ntp->setNtpServer(hxd::FromHost(write.text), slot) : RESULT_DONE;
 }
@@ -156,12 +156,13 @@ int WriteBrightness(Write& write) {
 
 template <void (VNCLockProxy::*SET_MOUSE)(bool), void (VNCLockProxy::*SET_KEYBOARD)(bool)>
 int WriteInputLock(Write& write) {
+    VNCLockProxy* const lock = ServiceOf(write.data, &DEV_CONTEXT::m_pVncLock);
+    if (lock == nullptr)
+        return RESULT_DONE;
     if (!write.InRange())
         return RESULT_REFUSED;
-    if (VNCLockProxy* const lock = write.data.m_pContext->m_pVncLock.get()) {
-        (lock->*SET_MOUSE)(write.value != 0);
-        (lock->*SET_KEYBOARD)(write.value != 0);
-    }
+    (lock->*SET_MOUSE)(write.value != 0);
+    (lock->*SET_KEYBOARD)(write.value != 0);
     return RESULT_DONE;
 }
 
@@ -208,7 +209,7 @@ int CDevBas::mfDevIOWriteChannel(OLMA_DATA& data, const CString& args) {
         return RESULT_MALFORMED;
     const ChannelRow* const channel =
         FindChannel(hxd::ToInt(CDevServer::SvrStr2Double(number, number.GetLength())));
-    if (channel == nullptr || data.m_pContext == nullptr)
+    if (channel == nullptr)
         return RESULT_DONE;
     hxd::AppSettings settings;
     if (!settings.IsOpen())

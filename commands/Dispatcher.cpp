@@ -19,12 +19,6 @@ namespace {
 // What a command leaves behind: the result arrays of a device with the fixed channels.
 constexpr int RESULT_ELEMENTS = 33;
 
-// Makes the next collection read every source anew.
-void ExpireValues(OLMA_DATA& data) {
-    if (data.m_pContext != nullptr)
-        data.m_pContext->m_bRefreshed[0] = 0;
-}
-
 int OlmaWrite(OLMA_DATA& data, const CString& args) {
     const int result = CDevBas::mfDevIOWriteChannel(data, args);
     ExpireValues(data);  // also after a refused write
@@ -68,10 +62,10 @@ static_assert(sizeof HANDLERS / sizeof *HANDLERS == FIRST_REGISTRY_COMMAND &&
               "a command of the dispatcher has no handler here, or not in its place");
 
 int AskRegistry(OLMA_DATA& data, const CString& cmd) {
-    if (data.m_pContext == nullptr || data.m_pContext->m_pDevManger == nullptr)
+    DevManger* const registry = ServiceOf(data, &DEV_CONTEXT::m_pDevManger);
+    if (registry == nullptr)
         return RESULT_DONE;
-    return data.m_pContext->m_pDevManger->DevOpear(
-        data, std::string(cmd, static_cast<std::size_t>(cmd.GetLength())));
+    return registry->DevOpear(data, std::string(cmd, static_cast<std::size_t>(cmd.GetLength())));
 }
 
 int Run(OLMA_DATA& data, const CString& cmd) {

@@ -12,6 +12,7 @@
 #include <unistd.h>
 #include <QFile>
 #include <QImage>
+#include <algorithm>
 #include <cstdlib>
 #include <vector>
 
@@ -32,7 +33,7 @@ struct Region {
 };
 
 struct ScreenshotRequest {
-    CString pathName;  // of the parameter that holds the path
+    CString path;
     Region region;
 };
 
@@ -47,8 +48,9 @@ int ReadPixel(OLMA_DATA& data, const CString& name) {
 }
 
 // One piece: the whole screen. Two to five: a rectangle; only with all five are x2 and y2 taken, so
-// two to four give one that ends at (0, 0): nothing is saved, or the whole screen when it begins
-// there too. Everything behind the fourth comma is the fifth name.
+// two to four give one that ends at (0, 0). A rectangle of no width and no height is the whole
+// screen, one of negative sides saves nothing. Everything behind the fourth comma is the fifth
+// name.
 ScreenshotRequest ParseArguments(OLMA_DATA& data, const CString& args) {
     std::vector<CString> pieces;
     CString piece;
@@ -57,8 +59,9 @@ ScreenshotRequest ParseArguments(OLMA_DATA& data, const CString& args) {
         pieces.push_back(piece);
     pieces.push_back(rest);
 
+    // The host sees the reads in this order.
     ScreenshotRequest request;
-    request.pathName = pieces[0];
+    CDevServer::SvrGetParaValue(data, pieces[0], request.path);
     request.region.given = pieces.size() > 1;
     if (pieces.size() > 1)
         request.region.x1 = ReadPixel(data, pieces[1]);
@@ -95,17 +98,21 @@ int Difference(int to, int from) {
     return static_cast<int>(static_cast<unsigned>(to) - static_cast<unsigned>(from));
 }
 
-// No screen reaches further; pictures beyond it would take all the memory.
-bool IsReasonable(const Region& region) {
-    constexpr int MAX_COORDINATE = 32767;
-    constexpr long long MAX_PIXELS = 16 * 1024 * 1024;
-    for (const int coordinate : {region.x1, region.y1, region.x2, region.y2}) {
-        if (coordinate < -MAX_COORDINATE || coordinate > MAX_COORDINATE)
-            return false;
-    }
-    const long long width = region.x2 - region.x1;
-    const long long height = region.y2 - region.y1;
-    return width <= 0 || height <= 0 || width * height <= MAX_PIXELS;
+// A larger picture would take all the memory of a small panel.
+constexpr int MAX_SIDE = 32767;
+constexpr long long MAX_PIXELS = 16 * 1024 * 1024;
+
+bool FitsIntoMemory(const Region& region) {
+    const long long width = static_cast<long long>(region.x2) - region.x1;
+    const long long height = static_cast<long long>(region.y2) - region.y1;
+    return std::abs(width) <= MAX_SIDE && std::abs(height) <= MAX_SIDE &&
+           width * height <= MAX_PIXELS;
+}
+
+// Where a rectangle of at most MAX_SIDE begins further out, nothing of the screen is in it, nor
+// when it begins here; so the numbers stay small enough for the image to add them up.
+int NearScreen(int coordinate) {
+    return std::min(std::max(coordinate, -MAX_SIDE), MAX_SIDE);
 }
 
 void Capture(const panel_actions::ScreenshotTarget& target, const Region& region) {
@@ -115,14 +122,14 @@ void Capture(const panel_actions::ScreenshotTarget& target, const Region& region
     __gui_screen_capture(CAPTURE_MACRO, relativePath.c_str(), 1, region.x1, region.y1, width,
                          height);
 
-    if (!IsReasonable(region))
+    if (!FitsIntoMemory(region))
         return;
     const std::string captured =
         std::string(Olma_GetDirectory(USER_DIRECTORY)) + "/" + relativePath;
     QImage image;
     image.load(QFile::decodeName(captured.c_str()), "BMP");
     if (region.given)
-        image = image.copy(QRect(region.x1, region.y1, width, height));
+        image = image.copy(QRect(NearScreen(region.x1), NearScreen(region.y1), width, height));
     const std::string saved = target.root + relativePath;
     image.save(QFile::decodeName(saved.c_str()));
 }
@@ -145,10 +152,8 @@ int panel_actions::Reboot(OLMA_DATA& /*data*/, const CString& /*args*/) {
 
 int panel_actions::SaveScreen(OLMA_DATA& data, const CString& args) {
     const ScreenshotRequest request = ParseArguments(data, args);
-    CString path;
-    CDevServer::SvrGetParaValue(data, request.pathName, path);
     ScreenshotTarget target;
-    if (ParseScreenshotPath(static_cast<const char*>(path), target) &&
+    if (ParseScreenshotPath(static_cast<const char*>(request.path), target) &&
         MakeDirectory(target.root + target.subDirectory))
         Capture(target, request.region);
     return RESULT_DONE;

@@ -29,8 +29,6 @@ int strSha256(OLMA_DATA& data, const CString& args) {
     CString digestName;
     if (CDevServer::SvrGetCmdStr(args, ",", textName, digestName) != 1)
         return RESULT_BAD_ARGUMENTS;
-    if (data.m_pContext == nullptr)
-        return RESULT_DONE;
     CString text;
     CDevServer::SvrGetParaValue(data, textName, text);
     if (text.IsEmpty())

@@ -73,8 +73,6 @@ int ModVncPwd(OLMA_DATA& data, const CString& args) {
     std::vector<FF::utils::String> names;
     if (CDevBas::splitString(args, ',', names) != 1 || names.empty() || names.size() > 2)
         return RESULT_BAD_ARGUMENTS;
-    if (data.m_pContext == nullptr)
-        return RESULT_DONE;
     CString password;
     const bool read = CDevServer::SvrGetParaValue(data, names[0].c_str(), password) == 1;
     int result = read ? writeVncPwd(password) : RESULT_REFUSED;

@@ -5,8 +5,8 @@
 #include "driver/record/OlmaData.h"
 #include "host.h"
 
-// See IDeviceCtrl for the operations. They work before InitDevice and after CleanupDevice as well,
-// with nothing to show: collections deliver nothing and commands give 0. No exception leaves them:
+// See IDeviceCtrl for the operations. They work before InitDevice and after CleanupDevice as well:
+// collections deliver nothing, commands that need a service give 0. No exception leaves them:
 // what cannot be done for lack of memory, or because a host callback throws, gives
 // HOST_BAD_ARGUMENT. Counts of channels below 0 count as 0; more than 65,536 are refused.
 //

@@ -11,8 +11,9 @@ namespace CDevBas {
 
 // Reads every source into the two arrays, both indexed by channel number; channels beyond an
 // array's size are left out. A source that fails leaves its channels as they were, or shows the
-// sentinel that the channel reference names. Blocks while the storage manager measures (about 200
-// ms). Always 1. Runs on the host's collection thread.
+// sentinel that the channel reference names. Always 1. Runs on the host's collection thread, which
+// waits without bound for the lock of the settings and for the storage manager to have measured
+// (usually 200 ms; as long as the commands that it runs take, where a storage has died).
 int refleshData(OLMA_DATA& data, CArray<double, double>& values, CStringArray& strings);
 
 }  // namespace CDevBas

@@ -112,12 +112,10 @@ bool setLocalIp(QString& address, int which, QString& interfaceName) {
     if (hal_get_network_byname(buffer, &record) != 0)
         return false;
     if (which == 0 || which == 1) {
-        // Numbers with a leading zero are octal here. A text that the check let pass in spite of
-        // what follows the fourth number is refused rather than applied as 255.255.255.255.
-        in_addr value = {};
-        if (::inet_aton(hxd::ToHostBytes(address).constData(), &value) == 0)
-            return false;
-        (which == 0 ? record.address : record.netmask) = value.s_addr;
+        // Numbers with a leading zero are octal here. What the check lets pass and inet_addr cannot
+        // read ("10.1.2.3/24") becomes 255.255.255.255: whether that is taken, the platform says.
+        (which == 0 ? record.address : record.netmask) =
+            ::inet_addr(hxd::ToHostBytes(address).constData());
     }
     return hal_set_ip_addr(&record) == 0;
 }

@@ -24,8 +24,9 @@ bool IsAvailableIPAddr(const char* text);
 bool IsAvailableMaskAddr(const char* text);
 
 // Replaces the IPv4 address (which 0) or the netmask (which 1) of an interface; any other number
-// applies the settings as they are. False when the name has 32 bytes or more, the interface cannot
-// be read or set, or address is not a dotted address by itself or followed by a blank.
+// applies the settings as they are. address is what inet_addr() makes of it, 255.255.255.255 for a
+// text that it cannot read. False when the name has 32 bytes or more, or the interface cannot be
+// read or set.
 bool setLocalIp(QString& address, int which, QString& interfaceName);
 
 }  // namespace CDevBas

@@ -12,21 +12,16 @@
 
 namespace {
 
-// Unlike CDevBas::splitString it keeps the blanks around the pieces.
-std::vector<CString> SplitUntrimmed(CString text, char separator) {
-    std::vector<CString> pieces;
-    for (int at = text.Find(separator); at >= 0; at = text.Find(separator)) {
-        pieces.push_back(text.Left(at));
-        text = text.Mid(at + 1);
-    }
-    pieces.push_back(text);
-    return pieces;
-}
-
 // Reads a number that must be 0 or more and below limit.
 bool ReadBelow(OLMA_DATA& data, const char* name, unsigned int limit, int& value) {
     return CDevServer::SvrGetParaValue(data, name, value) == 1 && value >= 0 &&
            static_cast<unsigned int>(value) < limit;
+}
+
+// The answer to a request that comes while another one is executing.
+int SayExecuting() {
+    std::puts("network task is executing.......");
+    return RESULT_DONE;
 }
 
 }  // namespace
@@ -34,17 +29,16 @@ bool ReadBelow(OLMA_DATA& data, const char* name, unsigned int limit, int& value
 namespace network_commands {
 
 int GetMacInfo(OLMA_DATA& data, const CString& args) {
-    const std::vector<CString> names = SplitUntrimmed(args, ',');  // a fourth and more: ignored
-    if (names.size() < 3)
+    // Unlike CDevBas::splitString: blanks around the names stay. A fourth and more are ignored.
+    std::vector<FF::utils::String> names;
+    if (SplitCsvStr(static_cast<const char*>(args), ',', names) < 3)
         return RESULT_BAD_ARGUMENTS;
-    if (data.m_pContext == nullptr)
-        return RESULT_DONE;
 
     unsigned int count = 0;
     if (hal_get_network_count(&count) != 0)
         return RESULT_HARDWARE_FAILED;
     int index = 0;
-    CDevServer::SvrGetParaValue(data, names[0], index);  // unreadable: the first interface
+    CDevServer::SvrGetParaValue(data, names[0].c_str(), index);  // unreadable: the first interface
     // An index equal to the count is left to the platform to refuse.
     if (index < 0 || static_cast<unsigned int>(index) > count)
         return RESULT_BAD_ARGUMENTS;
@@ -53,11 +47,11 @@ int GetMacInfo(OLMA_DATA& data, const CString& args) {
     if (hal_get_network(static_cast<unsigned int>(index), &record) != 0)
         return RESULT_HARDWARE_FAILED;
     const CString interfaceName = InterfaceName(record);
-    CDevServer::SvrSetParaValue(data, names[1], interfaceName);
+    CDevServer::SvrSetParaValue(data, names[1].c_str(), interfaceName);
     CString mac;
     if (!ReadMacAddress(interfaceName, mac))
         return RESULT_HARDWARE_FAILED;
-    CDevServer::SvrSetParaValue(data, names[2], mac);
+    CDevServer::SvrSetParaValue(data, names[2].c_str(), mac);
     return RESULT_DONE;
 }
 
@@ -65,13 +59,11 @@ int SetNetworkMode(OLMA_DATA& data, const CString& args) {
     std::vector<FF::utils::String> names;
     if (CDevBas::splitString(args, ',', names) != 1 || names.size() != 3)
         return RESULT_BAD_ARGUMENTS;
-    if (data.m_pContext == nullptr || data.m_pContext->m_pNetworkTask == nullptr)
+    NetworkTask* const task = ServiceOf(data, &DEV_CONTEXT::m_pNetworkTask);
+    if (task == nullptr)
         return RESULT_DONE;
-    NetworkTask& task = *data.m_pContext->m_pNetworkTask;
-    if (task.GetState() == NetworkTask::STATE_EXECUTING) {
-        std::puts("network task is executing.......");
-        return RESULT_DONE;
-    }
+    if (task->GetState() == NetworkTask::STATE_EXECUTING)
+        return SayExecuting();
 
     unsigned int count = 0;
     if (hal_get_network_count(&count) != 0 || count == 0)
@@ -85,7 +77,9 @@ int SetNetworkMode(OLMA_DATA& data, const CString& args) {
         return RESULT_REFUSED;
     }
     int result = RESULT_NO_INTERFACE;  // when the task's thread is gone
-    task.Execute(index, mode, result);
+    // A command that the host sent from within the reads above may have begun one meanwhile.
+    if (task->Execute(index, mode, result) == NetworkTask::REQUEST_BUSY)
+        return SayExecuting();
     return CDevServer::SvrSetParaValue(data, resultName, result) == 1 ? result : RESULT_REFUSED;
 }
 

@@ -54,11 +54,13 @@ void NetworkTask::start() {
     m_bRunning = true;
 }
 
-bool NetworkTask::Execute(int index, int mode, int& result) {
+NetworkTask::Outcome NetworkTask::Execute(int index, int mode, int& result) {
     {
         std::lock_guard<std::mutex> locker(m_lock);
-        if (!m_bRunning || m_bAwaited || m_eState == STATE_EXECUTING)
-            return false;
+        if (m_bAwaited || m_eState == STATE_EXECUTING)
+            return REQUEST_BUSY;
+        if (!m_bRunning)
+            return REQUEST_NOT_RUNNING;
         m_eState = STATE_EXECUTING;
         m_nIndex = index;
         m_nMode = mode;
@@ -71,7 +73,7 @@ bool NetworkTask::Execute(int index, int mode, int& result) {
     std::lock_guard<std::mutex> locker(m_lock);
     m_bAwaited = false;
     m_requestPosted.notify_all();  // the destructor may be waiting for it
-    return true;
+    return REQUEST_DONE;
 }
 
 void NetworkTask::Run() {
@@ -107,8 +109,9 @@ bool NetworkTask::AwaitRequest() {
     return m_bRunning;
 }
 
-// In this order, and without the lock: a command that follows at once may find the state still
-// executing and is then refused, which scripts know and repeat.
+// In this order, and not made one step by the lock that a caller takes to post: a command that
+// follows at once may find the state still executing and is then refused, which scripts know and
+// repeat. Only the thread's own end holds the lock around it.
 void NetworkTask::Reply(std::int32_t result) {
     m_nResult = result;
     m_reply.release();

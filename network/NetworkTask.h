@@ -21,6 +21,8 @@ public:
         STATE_IDLE = 2,
     };
 
+    enum Outcome { REQUEST_DONE, REQUEST_BUSY, REQUEST_NOT_RUNNING };
+
     NetworkTask() = default;  // not started
     NetworkTask(const NetworkTask&) = delete;
     NetworkTask& operator=(const NetworkTask&) = delete;
@@ -36,9 +38,9 @@ public:
 
     // Puts the interface (0 to count - 1) into the mode (0 or 1) and waits until that is done, as
     // long as it takes. result: 0 = done, or the mode was set already; RESULT_NO_INTERFACE = the
-    // interface cannot be read; otherwise what the platform answered. False, with nothing done: the
-    // thread is not running, or another request is executing.
-    bool Execute(int index, int mode, int& result);
+    // interface cannot be read; otherwise what the platform answered. With another outcome than
+    // REQUEST_DONE nothing was done: another request is executing, or the thread is not running.
+    Outcome Execute(int index, int mode, int& result);
 
 private:
     void Run();

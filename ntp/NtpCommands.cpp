@@ -49,10 +49,6 @@ private:
     bool m_bNamesResult;
 };
 
-NtpCtrl* Controller(const OLMA_DATA& data) {
-    return data.m_pContext != nullptr ? data.m_pContext->m_pNtpCtrl.get() : nullptr;
-}
-
 using SETTER = int (NtpCtrl::*)(int);
 constexpr SETTER SETTERS[] = {&NtpCtrl::enableNtp, &NtpCtrl::setNtpMode, &NtpCtrl::setNtpFreq};
 
@@ -72,7 +68,7 @@ int CDevBas::execSameCtrl(OLMA_DATA& data, const CString& args, NTP_CTRL_TYPE ty
     const Arguments arguments(data, args, 1);
     if (!arguments.IsValid())
         return RESULT_BAD_ARGUMENTS;
-    NtpCtrl* const controller = Controller(data);
+    NtpCtrl* const controller = ServiceOf(data, &DEV_CONTEXT::m_pNtpCtrl);
     if (controller == nullptr)
         return RESULT_DONE;
     int value = 0;
@@ -105,7 +101,7 @@ int SetNtpServer(OLMA_DATA& data, const CString& args) {
     const Arguments arguments(data, args, NTP_SERVER_COUNT);
     if (!arguments.IsValid())
         return RESULT_BAD_ARGUMENTS;
-    NtpCtrl* const controller = Controller(data);
+    NtpCtrl* const controller = ServiceOf(data, &DEV_CONTEXT::m_pNtpCtrl);
     if (controller == nullptr)
         return RESULT_DONE;
     QStringList servers;
@@ -118,7 +114,7 @@ int SetNtpServer(OLMA_DATA& data, const CString& args) {
 }
 
 int ExecNtp(OLMA_DATA& data, const CString& args) {
-    NtpCtrl* const controller = Controller(data);
+    NtpCtrl* const controller = ServiceOf(data, &DEV_CONTEXT::m_pNtpCtrl);
     if (controller == nullptr)
         return RESULT_DONE;
     const int result = controller->execNtp();

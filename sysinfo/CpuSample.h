@@ -5,7 +5,8 @@
 #include <string>
 #include <vector>
 
-// Time spent since boot, in jiffies; the counters wrap at 32 bits.
+// Time spent since boot, in jiffies. A counter stops at 2147483647, where the panel's own integers
+// end; with the idle time stopped, all time since counts as busy.
 struct cpu_occupy_ {
     std::string name;
     int user = 0;

@@ -31,7 +31,7 @@ OpenFile Open(const std::string& path) {
     return file;
 }
 
-// Lengths of more than this many KiB do not fit the 32-bit byte count.
+// Lengths of this many KiB and more do not fit the 32-bit byte count.
 constexpr int LENGTH_LIMIT_KIB = 2097152;
 
 constexpr double STATUS_DELIVERED = 0.0;

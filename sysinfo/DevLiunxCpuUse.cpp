@@ -11,8 +11,7 @@ int DevLiunxCpuUse::DevOpear(OLMA_DATA& data, std::vector<std::string>& args) {
         return RESULT_DONE;
     const int channel = hxd::ParseInt(args[0].c_str());
     DEV_TRACE("CPUUSE DevOpear begin", "Chl = %d", channel);
-    if (data.m_pContext != nullptr)
-        data.m_pContext->m_dCpuUse = use;
+    data.m_pContext->m_dCpuUse = use;  // whose registry runs this
     DEV_TRACE("CPUUSE DevOpear end", "Chl = %d,CpuUse = %lf", channel, use);
     return RESULT_DONE;
 }

@@ -30,8 +30,7 @@ int DevLiunxMemUse::DevOpear(OLMA_DATA& data, std::vector<std::string>& args) {
     DEV_TRACE("CPUMem DevOpear begin", "Chl = %d", channel);
     const int wholeMib = availableKb / 1024;
     const double availableMib = wholeMib;
-    if (data.m_pContext != nullptr)
-        data.m_pContext->m_dMemAvail = availableMib;
+    data.m_pContext->m_dMemAvail = availableMib;  // whose registry runs this
     DEV_TRACE("CPUMem DevOpear end", "Chl = %d,Mem = %lf", channel, availableMib);
     return RESULT_DONE;
 }

@@ -47,17 +47,18 @@ void COwnerArchive::EnterMode() {
 }
 
 void COwnerArchive::SvrWrite(const unsigned char* data, int n) {
-    if (n <= 0)
+    if (n < 0)
         return;
     if (m_eMode == ARCHIVE_LOAD)
         SvrChangeMode(ARCHIVE_STORE);
     mfCheckBuffer(n);
-    std::memcpy(m_arrBuffer.GetData() + m_nPosition, data, static_cast<std::size_t>(n));
+    if (n > 0)
+        std::memcpy(m_arrBuffer.GetData() + m_nPosition, data, static_cast<std::size_t>(n));
     m_nPosition += n;
 }
 
 void COwnerArchive::SvrRead(unsigned char* data, int n) {
-    if (n <= 0)
+    if (n < 0)
         return;
     if (m_eMode == ARCHIVE_STORE)
         SvrChangeMode(ARCHIVE_LOAD);
@@ -65,6 +66,7 @@ void COwnerArchive::SvrRead(unsigned char* data, int n) {
         mfCheckBuffer(n);
     else if (!Fits(n))
         return;
-    std::memcpy(data, m_arrBuffer.GetData() + m_nPosition, static_cast<std::size_t>(n));
+    if (n > 0)
+        std::memcpy(data, m_arrBuffer.GetData() + m_nPosition, static_cast<std::size_t>(n));
     m_nPosition += n;
 }

@@ -65,7 +65,7 @@ namespace {
 constexpr bool TypesFollowRows(int number) {
     return number > CHANNEL_COUNT ||
            (CHANNELS[number - 1].number == number &&
-            (DEV_LONG_CHLTYPE[number] == T) == (CHANNELS[number - 1].kind == Row::TEXT) &&
+            DEV_LONG_CHLTYPE[number] == (CHANNELS[number - 1].kind == Row::TEXT ? T : N) &&
             TypesFollowRows(number + 1));
 }
 static_assert(TypesFollowRows(1), "a channel's row is out of place or of another kind");

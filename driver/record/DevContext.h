@@ -2,9 +2,7 @@
 #ifndef HXD_DEVCONTEXT_H
 #define HXD_DEVCONTEXT_H
 
-#include "host.h"
-#include "mfc/CArray.h"
-#include "mfc/CString.h"
+#include "driver/record/OlmaData.h"
 
 #include <memory>
 
@@ -46,5 +44,21 @@ struct DEV_CONTEXT {
     bool m_bDiskReady;        // result of the storage manager's init()
     bool m_bDiskInitPending;  // the next collection initialises the storage manager
 };
+
+// A device that is only created, or was cleaned up, has no context, and one whose start failed may
+// lack services. Commands and channel writes know of that only through these two functions: what
+// needs a missing service gives 0 once its arguments have been counted, everything else works.
+
+// The device's service, or null.
+template <class SERVICE>
+SERVICE* ServiceOf(const OLMA_DATA& device, std::unique_ptr<SERVICE> DEV_CONTEXT::*service) {
+    return device.m_pContext != nullptr ? (device.m_pContext->*service).get() : nullptr;
+}
+
+// Makes the next collection read every source anew, which a device's first one does anyway.
+inline void ExpireValues(const OLMA_DATA& device) {
+    if (device.m_pContext != nullptr)
+        device.m_pContext->m_bRefreshed[0] = 0;
+}
 
 #endif

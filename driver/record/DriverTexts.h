@@ -5,15 +5,14 @@
 
 namespace DriverTexts {
 
-constexpr const char* DRIVER_NAME = "HXDcontrol";
-constexpr const char* DISPLAY_NAME = "HXD系统控制";
-constexpr const char* DRIVER_FILE_FIRST = "HXDcontrolU.drv";
-constexpr const char* DRIVER_FILE_SECOND = "HXDcontrolE.drv";
-constexpr const char* STATUS_CHANNEL = "通讯状态";
-constexpr const char* DEVICE_PARAMETERS[] = {"设备地址", "通讯等待时间"};
-constexpr const char* CHECKSUM_CHOICES[] = {"0 - 不求校验", "1 - 求校验"};
-constexpr const char* CHANNEL_NAMES[] = {"通道01", "通道02", "通道03", "通道04", "通道05",
-                                         "通道06", "通道07", "通道08", "通道09", "通道10"};
+extern const char* const DRIVER_NAME;
+extern const char* const DISPLAY_NAME;
+extern const char* const DRIVER_FILE_FIRST;
+extern const char* const DRIVER_FILE_SECOND;
+extern const char* const STATUS_CHANNEL;
+extern const char* const DEVICE_PARAMETERS[2];
+extern const char* const CHECKSUM_CHOICES[2];
+extern const char* const CHANNEL_NAMES[10];
 
 }  // namespace DriverTexts
 

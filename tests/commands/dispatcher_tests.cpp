@@ -1,4 +1,5 @@
 #include "Record.h"
+#include "TestFiles.h"
 #include "commands/ChannelWrite.h"
 #include "commands/Dispatcher.h"
 #include "commands/PanelActions.h"
@@ -9,6 +10,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 #include <QImage>
+#include <QImageWriter>
 #include <thread>
 
 namespace {
@@ -113,9 +115,54 @@ TEST_F(Dispatch, HandsUnknownNamesToTheRegistryWhole) {
     EXPECT_EQ(Run("READ(1)"), 0.0);
     EXPECT_EQ(Run("SetHiddenPro(1) "), 5.0);  // the registry wants ")" at the very end
     EXPECT_EQ(Run("GetCpuUse"), 0.0);
+}
+
+TEST_F(Dispatch, NeedsNoContextForWhatUsesNoService) {
+    const struct {
+        const char* text;
+        double status;
+    } cases[] = {
+        {"REFLESH()", 0},
+        {"BACKLIGHTOFF()", 0},
+        {"SAVESCREEN(a.png)", 0},
+        {"STRSHA256(abc,digest)", 0},
+        {"STRSHA256(abc)", 5},
+        {"ModVncPwd(new)", 0},
+        {"ModVncPwd(a,b,c)", 5},
+        {"GetMacInfo(0,name,mac)", 0},
+        {"GetMacInfo(0,name)", 5},
+        {"OLMA_WRITE(1=10.1.2.3)", 0},
+        {"OLMA_WRITE(4=7000)", 4},
+        {"OLMA_WRITE(21=40)", 0},
+        {"OLMA_WRITE(10=1)", 1},
+        {"OLMA_WRITE(10)", 1},
+        // These need one, and do nothing once the arguments have been counted.
+        {"OLMA_WRITE(12=7)", 0},
+        {"OLMA_WRITE(18=x)", 0},
+        {"OLMA_WRITE(24=7)", 0},
+        {"EnableNTP(7,r)", 0},
+        {"EnableNTP(1,r,x)", 5},
+        {"SetNTPServer(a,b,c,d,r)", 0},
+        {"SetNTPServer(a)", 5},
+        {"ExecNTP(r)", 0},
+        {"SetNetworkMode(0,7,r)", 0},
+        {"SetNetworkMode(0,1)", 5},
+        {"GetCpuUse(10)x", 0},
+    };
+    writeFile("/etc/iot_cfg/vncConfig.ini", "");
+    host.texts = {{"digest", ""}, {"name", ""}, {"mac", ""}};
+    host.ints["r"] = 99;
     record.m_pContext = nullptr;
-    for (const char* cmd : {"REFLESH()", "OLMA_WRITE(24=1)", "ExecNTP()", "Nothing()"})
-        EXPECT_EQ(Run(cmd), 0.0) << cmd;
+    for (const auto& c : cases)
+        EXPECT_EQ(Run(c.text), c.status) << c.text;
+    EXPECT_FALSE(Panel().lightOn);
+    EXPECT_TRUE(Exists("/media/usb0/a.png"));
+    EXPECT_EQ(host.texts["digest"].size(), 64u);
+    EXPECT_EQ(readFile("/etc/iot_cfg/vncConfig.ini"), "[VNCCONFIG]\npasswd=new\n");
+    EXPECT_EQ(host.texts["name"], "eth0");
+    EXPECT_EQ(Panel().appliedRecords.size(), 1u);
+    EXPECT_EQ(Panel().brightness, 40);
+    EXPECT_EQ(host.ints["r"], 99);
 }
 
 TEST_F(ChannelWrites, KeepToTheirRanges) {
@@ -144,7 +191,6 @@ TEST_F(ChannelWrites, KeepToTheirRanges) {
         {21, "100", 0, hxd::KEY_BACKLIGHT_BRIGHTNESS, "100"},
         {21, "101", 5, hxd::KEY_BACKLIGHT_BRIGHTNESS, "100"},
         {21, "-1", 5, hxd::KEY_BACKLIGHT_BRIGHTNESS, "100"},
-        {24, "2", 4, hxd::KEY_BUZZ_DURATION, "0"},
         {10, "1", 1, hxd::KEY_BUZZ_DURATION, "0"},
         {32, "1", 1, hxd::KEY_BUZZ_DURATION, "0"},
         {33, "1", 0, hxd::KEY_BUZZ_DURATION, "0"},
@@ -176,9 +222,11 @@ TEST_F(ChannelWrites, TellTheGuiAndExpireTheValues) {
         EXPECT_EQ(GuiCalls(), c.calls) << c.channel;
         EXPECT_EQ(context.m_bRefreshed[0], 0);
     }
-    context.m_bRefreshed[0] = 1;
-    EXPECT_EQ(Write(10, "1"), 1.0);
-    EXPECT_EQ(context.m_bRefreshed[0], 0);  // also after a refused write
+    for (const int channel : {10, 33}) {  // also after a write that is refused or to no channel
+        context.m_bRefreshed[0] = 1;
+        EXPECT_EQ(Write(channel, "1"), channel == 10 ? 1.0 : 0.0);
+        EXPECT_EQ(context.m_bRefreshed[0], 0);
+    }
 }
 
 TEST_F(ChannelWrites, PauseBeforeTheTestTone) {
@@ -288,10 +336,12 @@ TEST_F(Screenshots, AreSavedWhereAndAsThePathSays) {
     EXPECT_EQ(Saved("/media/usb0/b.png").size(), QSize(100, 200));
     EXPECT_EQ(Saved("/media/usb0/b.png").pixel(0, 0),
               Saved("/storage/user_dir/shots/a.bmp").pixel(10, 20));
-    EXPECT_EQ(Save("c.jpg"), 0.0);
-    EXPECT_FALSE(Saved("/media/usb0/c.jpg").isNull());
     EXPECT_EQ(Save("$OTHER/d.png"), 0.0);
-    EXPECT_EQ(Panel().captures.size(), 3u);
+    EXPECT_EQ(Panel().captures.size(), 2u);
+    if (QImageWriter::supportedImageFormats().contains("jpg")) {  // by a plug-in of Qt
+        EXPECT_EQ(Save("c.jpg"), 0.0);
+        EXPECT_FALSE(Saved("/media/usb0/c.jpg").isNull());
+    }
     const sim::Capture capture = Panel().captures[1];
     EXPECT_EQ(capture.dirMacro, "$OLMA_DIR_USER");
     EXPECT_EQ((std::vector<int>{capture.flag, capture.x, capture.y, capture.width, capture.height}),
@@ -308,10 +358,35 @@ TEST_F(Screenshots, TakeARectangleOnlyFromAllFourCorners) {
     }
     EXPECT_EQ(Save("whole.png", ",0,0,5"), 0.0);  // an empty rectangle at the origin
     EXPECT_EQ(Saved("/media/usb0/whole.png").size(), QSize(800, 480));
-    for (const char* region : {",0,0,1e9,1e9", ",-2147483648,0,2147483647,5", ",0,0,32767,32767"}) {
-        EXPECT_EQ(Save("huge.png", region), 0.0);
-        EXPECT_FALSE(Exists("/media/usb0/huge.png")) << region;
+}
+
+TEST_F(Screenshots, AreSavedUpToALimit) {
+    const struct {
+        const char* region;
+        QSize size;  // empty: nothing is saved
+    } cases[] = {
+        {",-5,-7", QSize(5, 7)},  // ends at (0, 0)
+        {",3,4,3,4", QSize(800, 480)},
+        {",3,4,3,9", QSize()},
+        {",0,0,32767,1", QSize(32767, 1)},
+        {",0,0,32768,1", QSize()},
+        {",0,0,4096,4096", QSize(4096, 4096)},
+        {",0,0,4096,4097", QSize()},
+        {",2147483600,-2147483648,2147483647,-2147483600", QSize(47, 48)},
+        {",2147483647,0,-2147483648,5", QSize()},
+        {",0,0,1e99,1e99", QSize()},
+    };
+    for (const auto& c : cases) {
+        ::unlink("/media/usb0/a.png");
+        EXPECT_EQ(Save("a.png", c.region), 0.0);
+        EXPECT_EQ(Exists("/media/usb0/a.png"), !c.size.isEmpty()) << c.region;
+        EXPECT_EQ(Saved("/media/usb0/a.png").size(), c.size.isEmpty() ? QSize(0, 0) : c.size)
+            << c.region;
     }
+    Names asked;
+    host.onAccess = [&](const std::string& name) { asked.push_back(name); };
+    Save("a.png", ",1,2,3,4");
+    EXPECT_EQ(asked, (Names{"path", "1", "2", "3", "4"}));
 }
 
 TEST_F(Screenshots, NeverRunWhatAPathHolds) {

@@ -1,4 +1,5 @@
 #include "SimPanel.h"
+#include "WaitStatus.h"
 #include "common/AppSettings.h"
 #include "common/File.h"
 #include "common/FileLock.h"
@@ -9,7 +10,6 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 #include <QFile>
 #include <fstream>
@@ -60,8 +60,7 @@ TEST(Settings, OfTwoProcessesAreNeverLostNorStale) {
             ::_exit(CountUp(OWN_KEY[i]));
     }
     for (const pid_t writer : writers) {
-        int status = -1;
-        ASSERT_EQ(::waitpid(writer, &status, 0), writer);
+        const int status = WaitStatus(writer);
         EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
     }
     for (const QString& key : OWN_KEY) {

@@ -49,7 +49,7 @@ std::string WritableText(const ChannelRow& channel) {
         case ChannelRow::NETMASK:
             return "mask";
         case ChannelRow::ANY_TEXT:
-            return "any text";
+            return "text";
         default:
             return std::to_string(channel.minimum) + (channel.HasUpperLimit()
                                                           ? " to " + std::to_string(channel.maximum)

@@ -72,6 +72,15 @@ TEST(Archive, StepsThroughItsModes) {
     archive.SetPosition(0);
     archive.SvrChangeMode(ARCHIVE_LOAD);
     EXPECT_EQ(Content(archive, 1), Bytes{7});
+    // No byte at all switches as well; fewer than none do nothing.
+    archive.SvrWrite(nullptr, 0);
+    EXPECT_EQ(archive.GetMode(), ARCHIVE_STORE);
+    EXPECT_EQ(archive.GetPosition(), 2);
+    archive.SvrRead(nullptr, 0);
+    EXPECT_EQ(archive.GetMode(), ARCHIVE_LOAD);
+    EXPECT_EQ(archive.GetSize(), 2);
+    archive.SvrWrite(data, -1);
+    EXPECT_EQ(archive.GetMode(), ARCHIVE_LOAD);
 }
 
 TEST(Archive, GrowsByItsStepOrByWhatIsNeeded) {

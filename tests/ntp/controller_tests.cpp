@@ -1,4 +1,5 @@
 // Commands, workers and the control thread, against servers on the panel's own network.
+#include "WaitStatus.h"
 #include "common/QtText.h"
 #include "ntp/ClockText.h"
 #include "ntp/NtpCommands.h"
@@ -9,7 +10,6 @@
 #include <signal.h>
 #include <spawn.h>
 #include <sys/resource.h>
-#include <sys/wait.h>
 
 namespace {
 
@@ -230,7 +230,7 @@ TEST_F(TimeControl, TakesAnyBytesForAnAnswer) {
     std::atomic<int> current{0};
     const TimeServer server("127.0.0.11", [&](const sntp::Packet& request, int number) {
         const auto& c = cases[current];
-        ::usleep(static_cast<useconds_t>(c.latencyMs) * 1000);
+        std::this_thread::sleep_for(std::chrono::milliseconds(c.latencyMs));
         return (c.afterHonest ? honest(request, number) : "") + c.datagram;
     });
     StartOnDemand({"127.0.0.11"});
@@ -267,7 +267,7 @@ TEST_F(TimeControl, AgreesWithARealServer) {
     EXPECT_EQ(Exec(), 0);
     ExpectClocksAt(before);
     ::kill(daemon, SIGTERM);
-    ::waitpid(daemon, nullptr, 0);
+    WaitStatus(daemon);
 }
 
 TEST_F(TimeControl, SynchronisesByItselfWhenDue) {
@@ -278,21 +278,22 @@ TEST_F(TimeControl, SynchronisesByItselfWhenDue) {
     sim::SimPanel::instance().holdClock();
     NtpCtrl& control = StartAutomatic({"127.0.0.11"});
     ASSERT_TRUE(synchronised(1));
-    ::usleep(450000);  // two ticks, in which the end of the synchronisation is noted
+    std::this_thread::sleep_for(std::chrono::milliseconds(
+        450));  // two ticks, in which the end of the synchronisation is noted
     sim::SimPanel::instance().advanceClock(2 * 3600000 - 1);
     control.setNtpServer(QLatin1String("127.0.0.11"), 1);
-    ::usleep(450000);
+    std::this_thread::sleep_for(std::chrono::milliseconds(450));
     EXPECT_EQ(Panel().rtcSettings.size(), 1u) << "neither the period is over nor do servers count";
     sim::SimPanel::instance().advanceClock(1);
     ASSERT_TRUE(synchronised(2));
     control.setNtpFreq(3);
     ASSERT_TRUE(synchronised(3));
     control.setNtpMode(0);
-    ::usleep(450000);
+    std::this_thread::sleep_for(std::chrono::milliseconds(450));
     control.setNtpMode(1);
     ASSERT_TRUE(synchronised(4));
     control.enableNtp(0);
-    ::usleep(450000);
+    std::this_thread::sleep_for(std::chrono::milliseconds(450));
     // Two attempts of two pings each fail, then the network is there.
     OnPing("echo >>/run/attempts; test $(wc -l </run/attempts) -ge 5");
     const Stopwatch watch;
@@ -326,7 +327,7 @@ TEST_F(TimeControl, StopsAtOnceAndLeavesNothing) {
         OnPing(c.ping);
         StartAutomatic(c.servers);
         EXPECT_TRUE(WaitFor(c.reached)) << c.name;
-        ::usleep(50000);
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
         const Stopwatch watch;
         Stop();
         EXPECT_LT(watch.Ms(), c.limitMs) << c.name;
@@ -336,7 +337,7 @@ TEST_F(TimeControl, StopsAtOnceAndLeavesNothing) {
     OnPing("exit 0");
     for (int i = 0; i < 50; ++i) {
         StartAutomatic({"127.0.0.11"});
-        ::usleep(static_cast<useconds_t>(i * 1000));
+        std::this_thread::sleep_for(std::chrono::milliseconds(i));
         Stop();
     }
     EXPECT_EQ(EntriesOf("/proc/self/fd"), descriptors);

@@ -1,4 +1,5 @@
 // Settings, triggers, packet arithmetic and clock text.
+#include "WaitStatus.h"
 #include "common/QtText.h"
 #include "ntp/ClockText.h"
 #include "ntp/NtpTriggers.h"
@@ -7,7 +8,6 @@
 
 #include <fcntl.h>
 #include <signal.h>
-#include <sys/wait.h>
 
 namespace {
 
@@ -219,7 +219,7 @@ TEST_F(TimeSettings, SurviveTheEndOfTheProcessInAWrite) {
         }
         ::usleep(static_cast<useconds_t>(5000 + round * 1700));
         ASSERT_EQ(::kill(writer, SIGKILL), 0);
-        ASSERT_EQ(::waitpid(writer, nullptr, 0), writer);
+        WaitStatus(writer);
         const ntpCfgParam settings = Loaded();
         for (int i = 0; i < NTP_SERVER_COUNT; ++i)
             ASSERT_EQ(settings.servers[i].trimmed().toInt(), settings.freq) << readFile(SETTINGS);

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "TestFiles.h"
+#include "WaitStatus.h"
 
 #include <fcntl.h>
 #include <sched.h>
@@ -9,7 +10,6 @@
 #include <sys/reboot.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -73,8 +73,7 @@ TEST(Sandbox, ARebootEndsThePanelOnly) {
         reboot(RB_AUTOBOOT);
         _exit(1);
     }
-    int status = 0;
-    ASSERT_EQ(child, waitpid(static_cast<pid_t>(child), &status, 0));
+    const int status = WaitStatus(static_cast<pid_t>(child));
     EXPECT_TRUE(WIFSIGNALED(status));
     EXPECT_EQ(SIGHUP, WTERMSIG(status));
 }
