@@ -2,7 +2,7 @@
 
 #include "commands/Sha256.h"
 #include "common/ResultCodes.h"
-#include "driver/record/CDevServer.h"
+#include "driver/record/Call.h"
 
 namespace {
 
@@ -20,21 +20,21 @@ CString HexDigest(const CString& text) {
     return hex;
 }
 
+int HashText(const Call& call) {
+    CString text;
+    call.Read(0, text);
+    if (text.IsEmpty())
+        return RESULT_BAD_ARGUMENTS;
+    call.Write(1, HexDigest(text));  // not looked at: 0 also without a place for it
+    return RESULT_DONE;
+}
+
 }  // namespace
 
 namespace CDevBas {
 
 int strSha256(OLMA_DATA& data, const CString& args) {
-    CString textName;
-    CString digestName;
-    if (CDevServer::SvrGetCmdStr(args, ",", textName, digestName) != 1)
-        return RESULT_BAD_ARGUMENTS;
-    CString text;
-    CDevServer::SvrGetParaValue(data, textName, text);
-    if (text.IsEmpty())
-        return RESULT_BAD_ARGUMENTS;
-    CDevServer::SvrSetParaValue(data, digestName, HexDigest(text));
-    return RESULT_DONE;
+    return RunCall(data, COMMAND_STR_SHA256, args, HashText);
 }
 
 }  // namespace CDevBas
