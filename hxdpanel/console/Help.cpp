@@ -65,6 +65,7 @@ void PrintChannel(std::FILE* out, const ChannelRow& row) {
 
 int PrintUnknown(const std::string& topic, const std::vector<ConsoleTopic>& console) {
     std::vector<std::string> names;
+    names.reserve(console.size() + CommandReference().size());
     for (const ConsoleTopic& command : console)
         names.emplace_back(command.name);
     for (const CommandInfo& command : CommandReference())

@@ -116,6 +116,7 @@ const std::vector<Session::ConsoleCommand>& Session::ConsoleCommands() {
 
 int Session::PrintHelp(std::FILE* out, const std::string& topic) {
     std::vector<ConsoleTopic> topics;
+    topics.reserve(ConsoleCommands().size());
     for (const ConsoleCommand& command : ConsoleCommands())
         topics.push_back(command.topic);
     return ::PrintHelp(out, topic, topics);
