@@ -6,18 +6,24 @@
 #include "commands/VncPassword.h"
 #include "common/Numbers.h"
 #include "common/ResultCodes.h"
+#include "driver/record/ChannelTable.h"
 #include "driver/record/CommandTable.h"
 #include "driver/record/DevContext.h"
 #include "network/NetworkCommands.h"
 #include "ntp/NtpCommands.h"
 #include "sysinfo/DevManger.h"
 
-std::recursive_mutex g_halMutex;
+#include <mutex>
 
 namespace {
 
+// Held for the whole of every command, so commands of all devices of the process take turns, long
+// ones included. Taken before any lock of a subsystem. Recursive: the host may send a command from
+// within its parameter callbacks, which must not block for ever.
+std::recursive_mutex g_halMutex;
+
 // What a command leaves behind: the result arrays of a device with the fixed channels.
-constexpr int RESULT_ELEMENTS = 33;
+constexpr int RESULT_ELEMENTS = CHANNEL_COUNT + 1;
 
 int OlmaWrite(OLMA_DATA& data, const CString& args) {
     const int result = CDevBas::mfDevIOWriteChannel(data, args);

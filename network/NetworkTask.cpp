@@ -33,21 +33,22 @@ std::int32_t SwitchMode(std::int32_t index, std::int32_t mode) {
 
 NetworkTask::~NetworkTask() {
     {
-        std::lock_guard<std::mutex> locker(m_lock);
+        const hxd::MutexLock locker(m_lock);
         m_bRunning = false;
-        m_requestPosted.notify_all();
+        m_changed.notify_all();
     }
     if (m_thread.joinable())
         m_thread.join();
     {
-        std::unique_lock<std::mutex> locker(m_lock);
-        m_requestPosted.wait(locker, [this] { return !m_bAwaited; });
+        hxd::MutexLock locker(m_lock);
+        while (m_bAwaited)
+            locker.Wait(m_changed);
     }
     qDebug("%s", "task exit.....");
 }
 
 void NetworkTask::start() {
-    std::lock_guard<std::mutex> locker(m_lock);
+    const hxd::MutexLock locker(m_lock);
     if (m_thread.joinable())
         return;
     m_thread = std::thread(&NetworkTask::Run, this);  // waits for the lock before it looks
@@ -56,23 +57,22 @@ void NetworkTask::start() {
 
 NetworkTask::Outcome NetworkTask::Execute(int index, int mode, int& result) {
     {
-        std::lock_guard<std::mutex> locker(m_lock);
+        const hxd::MutexLock locker(m_lock);
         if (m_bAwaited || m_eState == STATE_EXECUTING)
             return REQUEST_BUSY;
         if (!m_bRunning)
             return REQUEST_NOT_RUNNING;
         m_eState = STATE_EXECUTING;
-        m_nIndex = index;
-        m_nMode = mode;
+        m_request = {index, mode};
         m_bAwaited = true;
-        m_requestPosted.notify_all();
+        m_changed.notify_all();
     }
     m_reply.acquire();
     result = m_nResult;
 
-    std::lock_guard<std::mutex> locker(m_lock);
+    const hxd::MutexLock locker(m_lock);
     m_bAwaited = false;
-    m_requestPosted.notify_all();  // the destructor may be waiting for it
+    m_changed.notify_all();  // the destructor may be waiting for it
     return REQUEST_DONE;
 }
 
@@ -82,7 +82,7 @@ void NetworkTask::Run() {
     } catch (...) {
         // Out of memory while reporting, at the worst; the caller is answered below.
     }
-    std::lock_guard<std::mutex> locker(m_lock);
+    const hxd::MutexLock locker(m_lock);
     m_bRunning = false;
     if (m_eState == STATE_EXECUTING)
         Reply(RESULT_NO_INTERFACE);
@@ -90,10 +90,11 @@ void NetworkTask::Run() {
 
 void NetworkTask::Serve() {
     qDebug("%s", "task start.......");
-    while (AwaitRequest()) {
+    Request request = {};
+    while (AwaitRequest(request)) {
         std::int32_t result = RESULT_NO_INTERFACE;
         try {
-            result = SwitchMode(m_nIndex, m_nMode);
+            result = SwitchMode(request.index, request.mode);
         } catch (...) {
             // A platform that throws has not done it.
         }
@@ -101,11 +102,12 @@ void NetworkTask::Serve() {
     }
 }
 
-// False when the task is to end. The request stays as it is until it has been answered, so it is
-// read without the lock.
-bool NetworkTask::AwaitRequest() {
-    std::unique_lock<std::mutex> locker(m_lock);
-    m_requestPosted.wait(locker, [this] { return m_eState == STATE_EXECUTING || !m_bRunning; });
+// False when the task is to end.
+bool NetworkTask::AwaitRequest(Request& request) {
+    hxd::MutexLock locker(m_lock);
+    while (m_eState != STATE_EXECUTING && m_bRunning)
+        locker.Wait(m_changed);
+    request = m_request;
     return m_bRunning;
 }
 

@@ -2,12 +2,13 @@
 #ifndef HXD_NETWORKTASK_H
 #define HXD_NETWORKTASK_H
 
+#include "common/Mutex.h"
+
 #include <QSemaphore>
 
 #include <atomic>
 #include <condition_variable>
 #include <cstdint>
-#include <mutex>
 #include <thread>
 
 // The worker thread alone talks to the platform; callers post one request at a time and wait for
@@ -43,23 +44,27 @@ public:
     Outcome Execute(int index, int mode, int& result);
 
 private:
+    struct Request {
+        std::int32_t index;
+        std::int32_t mode;
+    };
+
     void Run();
     void Serve();
-    bool AwaitRequest();
+    bool AwaitRequest(Request& request);
     void Reply(std::int32_t result);
 
-    std::mutex m_lock;  // guards the request: state, index, mode; also running and awaited
-    std::condition_variable m_requestPosted;
-    std::thread m_thread;
-    QSemaphore m_reply{0};  // released once per request
-    bool m_bRunning = false;
+    hxd::Mutex m_lock;
+    std::condition_variable m_changed;  // a request, the end, or an answered caller has left
+    std::thread m_thread;               // of whoever starts and destroys the task
+    QSemaphore m_reply{0};              // released once per request
+    bool m_bRunning HXD_GUARDED_BY(m_lock) = false;
     std::atomic<State> m_eState{STATE_NEVER_USED};  // goes to idle without the lock
-    std::int32_t m_nIndex = 0;
-    std::int32_t m_nMode = 0;
+    Request m_request HXD_GUARDED_BY(m_lock) = {};
     // The semaphore orders the accesses; atomic for race checkers, which do not know Qt's
     // semaphore.
     std::atomic<std::int32_t> m_nResult{0};
-    bool m_bAwaited = false;  // a caller is inside Execute()
+    bool m_bAwaited HXD_GUARDED_BY(m_lock) = false;  // a caller is inside Execute()
 };
 
 #endif
