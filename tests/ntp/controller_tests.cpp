@@ -89,6 +89,7 @@ TEST_F(TimeControl, SetsBothClocksToTheServersTime) {
     EXPECT_EQ(Exec(), 0);
     ExpectClocksAt(EVENING + 8 * 3600);
     EXPECT_EQ(Panel().rtcSettings.back().tm_hour, 30);
+    EXPECT_EQ(Count(readFile(COMMANDS), " (refused)\n"), 1) << "but the other clock was set";
 
     sim::SimPanel::instance().fail("hal_set_rtc_time", sim::Failure());
     EXPECT_EQ(Exec(), 10);
