@@ -2,8 +2,20 @@
 
 #include "common/Retry.h"
 
+#include <errno.h>
 #include <fcntl.h>
 #include <sys/file.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr useconds_t SLICE_US = 20000;
+
+bool Lock(int descriptor, int operation) {
+    return hxd::RetryInterrupted([=] { return ::flock(descriptor, operation); }) == 0;
+}
+
+}  // namespace
 
 namespace HXDCTRL {
 
@@ -19,12 +31,21 @@ bool FileLock::open(const std::string& path) {
 
 FileLocker::FileLocker(FileLock& lock) : m_lock(lock) {
     if (m_lock.Descriptor() >= 0)
-        hxd::RetryInterrupted([this] { return ::flock(m_lock.Descriptor(), LOCK_EX); });
+        m_bHeld = Lock(m_lock.Descriptor(), LOCK_EX);
+}
+
+FileLocker::FileLocker(FileLock& lock, const std::atomic<bool>& wanted) : m_lock(lock) {
+    while (m_lock.Descriptor() >= 0 && wanted) {
+        m_bHeld = Lock(m_lock.Descriptor(), LOCK_EX | LOCK_NB);
+        if (m_bHeld || errno != EWOULDBLOCK)
+            return;
+        ::usleep(SLICE_US);
+    }
 }
 
 FileLocker::~FileLocker() {
-    if (m_lock.Descriptor() >= 0)
-        hxd::RetryInterrupted([this] { return ::flock(m_lock.Descriptor(), LOCK_UN); });
+    if (m_bHeld)
+        Lock(m_lock.Descriptor(), LOCK_UN);
 }
 
 }  // namespace HXDCTRL

@@ -8,6 +8,7 @@
 
 #include "common/File.h"
 
+#include <atomic>
 #include <memory>
 #include <string>
 
@@ -27,17 +28,23 @@ private:
     std::unique_ptr<File> m_pFile;
 };
 
-// Takes the exclusive lock on construction and waits for it as long as it takes; without an open
-// file it does nothing.
+// Takes the exclusive lock on construction; without an open file it does nothing.
 class FileLocker {
 public:
+    // Waits for it as long as it takes.
     explicit FileLocker(FileLock& lock);
+    // Waits until wanted is false, for those who must not be held up by another process. It may
+    // come up to 20 ms late, and last of all who wait.
+    FileLocker(FileLock& lock, const std::atomic<bool>& wanted);
     FileLocker(const FileLocker&) = delete;
     FileLocker& operator=(const FileLocker&) = delete;
     ~FileLocker();
 
+    bool IsHeld() const { return m_bHeld; }
+
 private:
     FileLock& m_lock;
+    bool m_bHeld = false;
 };
 
 }  // namespace HXDCTRL

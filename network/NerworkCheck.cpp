@@ -12,6 +12,8 @@
 #include <QByteArray>
 #include <QStringList>
 
+#include <algorithm>
+#include <chrono>
 #include <cstdio>
 
 namespace HXDCTRL {
@@ -25,6 +27,7 @@ namespace {
 constexpr int RESOLVER_ATTEMPTS = 4;
 constexpr useconds_t RESOLVER_PAUSE_US = 100000;
 constexpr int PING_TIMEOUT_MS = 3000;
+constexpr int PING_SLICE_MS = 100;  // between two looks whether it is still wanted
 constexpr int KILL_TIMEOUT_MS = 1000;
 
 const char* const PING_SCRIPT_PATH = "/tmp/ping.sh";
@@ -43,8 +46,10 @@ public:
     // Leaves nothing behind: a QProcess that is destroyed while it runs says so on standard error.
     void KillAndWait() {
         const qint64 group = hxd::ProcessId(*this);
-        if (group <= 1 || ::kill(static_cast<pid_t>(-group), SIGKILL) != 0)
+        if (group <= 1)
             return;
+        if (::kill(static_cast<pid_t>(-group), SIGKILL) != 0)
+            kill();  // it has not come so far as to be a group
         waitForFinished(KILL_TIMEOUT_MS);
     }
 
@@ -70,22 +75,40 @@ bool WriteScript(const QByteArray& text) {
     return true;
 }
 
-bool RunScript() {
+// False, after the time-out or when it is no longer wanted, leaves it running.
+bool AwaitEnd(Shell& shell, const std::atomic<bool>& running) {
+    using Clock = std::chrono::steady_clock;
+    const auto deadline = Clock::now() + std::chrono::milliseconds(PING_TIMEOUT_MS);
+    for (;;) {
+        const auto left =
+            std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
+        if (left <= 0 || !running)
+            return false;
+        if (shell.waitForFinished(std::min(static_cast<int>(left), PING_SLICE_MS)))
+            return true;
+        if (shell.state() == QProcess::NotRunning)
+            return false;  // it could not be started
+    }
+}
+
+bool RunScript(const std::atomic<bool>& running) {
     Shell shell;
     shell.start(QLatin1String("sh"), QStringList() << QLatin1String(PING_SCRIPT_PATH));
-    if (!shell.waitForFinished(PING_TIMEOUT_MS)) {
+    if (!AwaitEnd(shell, running)) {
         shell.KillAndWait();
         return false;
     }
     return shell.exitStatus() == QProcess::NormalExit && shell.exitCode() == 0;
 }
 
-bool Ping(const QString& address) {
+bool Ping(const QString& address, const std::atomic<bool>& running) {
     HXDCTRL::FileLock lock;
     if (!lock.open(NerworkCheck::pingLckPath))
         return false;
-    const HXDCTRL::FileLocker locker(lock);
-    return WriteScript(QString(QLatin1String(PING_SCRIPT)).arg(address).toUtf8()) && RunScript();
+    const HXDCTRL::FileLocker locker(lock, running);
+    return locker.IsHeld() &&
+           WriteScript(QString(QLatin1String(PING_SCRIPT)).arg(address).toUtf8()) &&
+           RunScript(running);
 }
 
 void RepairResolverFile() {
@@ -98,9 +121,9 @@ void RepairResolverFile() {
 
 // A malformed file may be one that is being written by somebody who does not know of the lock, so
 // it gets more than one chance.
-std::vector<std::string> ReadNameServers() {
+std::vector<std::string> ReadNameServers(const std::atomic<bool>& running) {
     std::vector<std::string> servers;
-    for (int attempt = 0; attempt < RESOLVER_ATTEMPTS; ++attempt) {
+    for (int attempt = 0; attempt < RESOLVER_ATTEMPTS && running; ++attempt) {
         HXDCTRL::File file;
         if (!file.open(HXDCTRL::dnsFilePath, O_RDONLY | O_NONBLOCK) ||
             ParseNameServers(file.readAll(), servers))
@@ -111,13 +134,15 @@ std::vector<std::string> ReadNameServers() {
 }
 
 // The lock is released before the ping's is taken.
-bool FirstNameServer(std::string& address) {
+bool FirstNameServer(std::string& address, const std::atomic<bool>& running) {
     HXDCTRL::FileLock lock;
     if (!lock.open(HXDCTRL::dnsFileLockPath))
         return false;
-    const HXDCTRL::FileLocker locker(lock);
+    const HXDCTRL::FileLocker locker(lock, running);
+    if (!locker.IsHeld())
+        return false;
     RepairResolverFile();
-    const std::vector<std::string> servers = ReadNameServers();
+    const std::vector<std::string> servers = ReadNameServers(running);
     if (servers.empty())
         return false;
     address = servers.front();
@@ -137,10 +162,15 @@ bool isIp(const QString& text) {
 }
 
 bool pingNetWork(bool literal) {
+    static const std::atomic<bool> always{true};
+    return pingNetWork(literal, always);
+}
+
+bool pingNetWork(bool literal, const std::atomic<bool>& running) {
     std::string address = testPingIpAddr;
-    if (!literal && !FirstNameServer(address))
+    if (!literal && !FirstNameServer(address, running))
         return false;
-    return Ping(QString(QLatin1String(address.c_str())));
+    return Ping(QString(QLatin1String(address.c_str())), running);
 }
 
 }  // namespace NerworkCheck

@@ -5,6 +5,8 @@
 
 #include <QString>
 
+#include <atomic>
+
 namespace HXDCTRL {
 // Held by every process that reads or rewrites the resolver's file. A writer makes the new file
 // beside it and renames it.
@@ -26,8 +28,12 @@ bool isIp(const QString& text);
 // True when one ICMP echo is answered within 2 s. literal: sent to testPingIpAddr, for servers
 // given as addresses; otherwise to the first name server of the resolver's file, for servers given
 // as names. Any failure gives false. Takes up to 3 s, and 0.4 s more when the resolver's file is
-// malformed; waits for other processes' pings besides.
+// malformed; waits for other processes' pings besides, as long as they take.
 bool pingNetWork(bool literal);
+
+// The same, given up within a quarter of a second, with false, when running becomes false; a ping
+// that is under way is killed then.
+bool pingNetWork(bool literal, const std::atomic<bool>& running);
 
 }  // namespace NerworkCheck
 

@@ -34,10 +34,10 @@ NtpCtrl::~NtpCtrl() {
     m_bRunning = false;
     if (m_stopEvent.IsOpen())
         ::eventfd_write(m_stopEvent.Descriptor(), 1);
-    m_thread.join();
-    // All of them before the first is joined: none is to wait for another one's name look-up.
+    // Before the control thread is joined: it may be waiting for one of them.
     for (NtpThread& worker : m_workers)
         worker.notifyStop();
+    m_thread.join();
 }
 
 int NtpCtrl::enableNtp(int on) {
@@ -113,14 +113,14 @@ bool NtpCtrl::Synchronise(const QStringList& servers) {
 }
 
 // Pings for the kinds of server that are in the list; an empty entry counts as a host name. False
-// when no kind can be reached. Stopping waits for one ping, not for two.
+// when no kind can be reached.
 bool NtpCtrl::FindReachMode(const QStringList& servers, std::int32_t& reachMode) const {
     int literals = 0;
     for (int i = 0; i < servers.size(); ++i)
         literals += NerworkCheck::isIp(servers.at(i)) ? 1 : 0;
-    const bool reachesLiterals = literals > 0 && m_bRunning && NerworkCheck::pingNetWork(true);
+    const bool reachesLiterals = literals > 0 && NerworkCheck::pingNetWork(true, m_bRunning);
     const bool reachesNames =
-        literals < servers.size() && m_bRunning && NerworkCheck::pingNetWork(false);
+        literals < servers.size() && NerworkCheck::pingNetWork(false, m_bRunning);
     if (reachesLiterals && reachesNames)
         reachMode = REACH_BOTH;
     else
@@ -129,10 +129,10 @@ bool NtpCtrl::FindReachMode(const QStringList& servers, std::int32_t& reachMode)
 }
 
 void NtpCtrl::PostRequests(const QStringList& servers, std::int32_t reachMode) {
-    for (int i = 0; i < NTP_SERVER_COUNT && i < servers.size(); ++i) {
+    for (int i = 0; i < NTP_SERVER_COUNT && i < servers.size() && m_bRunning; ++i) {
         NtpThread& worker = m_workers[static_cast<std::size_t>(i)];
         worker.Start();
-        worker.Post(servers.at(i), reachMode, m_bRunning);
+        worker.Post(servers.at(i), reachMode);
     }
 }
 

@@ -25,8 +25,9 @@ public:
     NtpCtrl();
     NtpCtrl(const NtpCtrl&) = delete;
     NtpCtrl& operator=(const NtpCtrl&) = delete;
-    // Stops and joins all threads: at once, except for a running ping (3 s) or name look-up. Nobody
-    // may be inside another operation.
+    // Stops and joins all threads within half a second, unless the control thread is setting the
+    // clocks: the shell command and the platform call that do this are waited for. A name look-up
+    // that is under way lives on by itself. Nobody may be inside another operation.
     ~NtpCtrl();
 
     int enableNtp(int on);                              // 0 or 1
@@ -39,7 +40,9 @@ public:
 
     // Asks the servers, waits for the first answer and sets both clocks by it. 0 = done, or
     // synchronisation is switched off; RESULT_TIME_SYNC_FAILED after any failure. Takes two pings
-    // of up to 3 s, the look-up of the names, and twice 2 s for silent servers. Throws nothing.
+    // of up to 3 s, the look-up of the names, and twice 2 s for silent servers, or as much again
+    // for one that answers while the clock is being set; before that, what is left of these times
+    // of the run before. Throws nothing.
     int execNtp();
 
 private:
@@ -60,7 +63,8 @@ private:
     std::array<NtpThread, NTP_SERVER_COUNT> m_workers;  // worker i serves slot i
     std::thread m_thread;
     HXDCTRL::File m_stopEvent;  // eventfd that ends a pause
-    // Of the control thread: the settings it saw last, and when the last synchronisation ended.
+    // Of the control thread: the settings it saw last, and when it started or last ended a
+    // synchronisation of its own; those on demand do not move the period.
     ntpCfgParam m_previous;
     long long m_llStartMs = 0;  // of the platform's tick
 };

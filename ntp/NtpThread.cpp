@@ -2,18 +2,17 @@
 
 #include "common/QtText.h"
 #include "network/NerworkCheck.h"
+#include "ntp/NameLookup.h"
 
 #include <arpa/inet.h>
 #include <errno.h>
 #include <netdb.h>
-#include <netinet/in.h>
 #include <poll.h>
 #include <string.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 
 namespace {
@@ -21,8 +20,9 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr int ATTEMPTS = 2;
+constexpr int ASKED_AT_MOST = 2;  // when the clock is set meanwhile
 constexpr std::chrono::milliseconds ANSWER_TIMEOUT(2000);
-constexpr std::chrono::milliseconds STOP_CHECK_INTERVAL(50);
+constexpr std::chrono::seconds CLOCK_STEP(1);
 
 // The numbers belong to the texts, which people look for in logs; they are no lines of this file.
 constexpr const char* MESSAGE = "[%s:%d]%s\n\n";
@@ -50,43 +50,28 @@ timeval Now() {
     return now;
 }
 
-sockaddr_in TimePortOf(const addrinfo& found) {
-    sockaddr_in address = {};
-    ::memcpy(&address, found.ai_addr, std::min<std::size_t>(found.ai_addrlen, sizeof address));
-    address.sin_port = htons(sntp::PORT);
-    return address;
+// Of the system clock from the one that nobody sets; it changes when the system clock is set.
+std::chrono::microseconds ClockDistance(const timeval& system, Clock::time_point steady) {
+    return std::chrono::seconds(system.tv_sec) + std::chrono::microseconds(system.tv_usec) -
+           std::chrono::duration_cast<std::chrono::microseconds>(steady.time_since_epoch());
 }
 
-bool SendRequest(int socket, const sockaddr_in& address) {
+bool SendRequest(int socket, sockaddr_in address) {
+    address.sin_port = htons(sntp::PORT);
     const sntp::Packet request = sntp::MakeRequest(Now());
     return ::sendto(socket, request.data(), request.size(), MSG_DONTWAIT | MSG_NOSIGNAL,
                     reinterpret_cast<const sockaddr*>(&address), sizeof address) >= 0;
 }
 
 // True when the request has left for one address at least.
-bool SendRequests(int socket, const QByteArray& server) {
-    addrinfo hints = {};
-    hints.ai_family = AF_INET;
-    addrinfo* found = nullptr;
-    const int error = ::getaddrinfo(server.constData(), nullptr, &hints, &found);
-    const std::unique_ptr<addrinfo, void (*)(addrinfo*)> addresses(error == 0 ? found : nullptr,
-                                                                   [](addrinfo* list) {
-                                                                       if (list != nullptr)
-                                                                           ::freeaddrinfo(list);
-                                                                   });
-    if (addresses == nullptr) {
-        std::fprintf(stderr, "server:%s,getaddrinfo error: %s\n", server.constData(),
-                     ::gai_strerror(error));
-        return false;
-    }
+bool SendRequests(int socket, const std::vector<sockaddr_in>& addresses, const QByteArray& server) {
     bool sent = false;
-    in_addr_t last = INADDR_ANY;
-    for (const addrinfo* entry = found; entry != nullptr; entry = entry->ai_next) {
-        const sockaddr_in address = TimePortOf(*entry);
+    const sockaddr_in* last = nullptr;
+    for (const sockaddr_in& address : addresses) {
         // The list holds an address once for every socket type; the server is asked once.
-        if (entry == found || address.sin_addr.s_addr != last)
+        if (last == nullptr || address.sin_addr.s_addr != last->sin_addr.s_addr)
             sent = SendRequest(socket, address) || sent;
-        last = address.sin_addr.s_addr;
+        last = &address;
     }
     if (!sent)
         ReportAttempt(187, "发送请求数据包到服务器失败...", server);
@@ -106,15 +91,14 @@ int PollUntil(pollfd (&watched)[COUNT], Clock::time_point deadline) {
     }
 }
 
-bool getServerTime(int socket, sntp::CorrectedTime& time) {
-    sntp::Packet answer{};
+bool ReceiveAnswer(int socket, sntp::Packet& answer) {
+    answer = {};
     // What made the socket readable may be gone: a datagram with a wrong checksum, for example.
-    if (::recv(socket, answer.data(), answer.size(), MSG_DONTWAIT) < 1) {
-        std::printf(MESSAGE, "getServerTime", 305, "读取返回数据失败");
-        return false;
-    }
-    time = sntp::CorrectTime(answer, Now());
-    return true;
+    if (::recv(socket, answer.data(), answer.size(), MSG_DONTWAIT) >= 1)
+        return true;
+    std::printf(MESSAGE, "getServerTime", 305, "读取返回数据失败");
+    std::printf(MESSAGE, "sendPacketToServer", 246, "获取服务器数据失败 !");
+    return false;
 }
 
 }  // namespace
@@ -145,12 +129,11 @@ void NtpThread::Start() {
     }
 }
 
-void NtpThread::Post(const QString& server, std::int32_t reachMode,
-                     const std::atomic<bool>& running) {
+// No time-out: older C++ libraries wait by the system clock, which is set here.
+void NtpThread::Post(const QString& server, std::int32_t reachMode) {
     std::unique_lock<std::mutex> locker(m_lock);
-    while (m_bRunning && running && m_eState == STATE_PENDING)
-        m_requestDone.wait_for(locker, STOP_CHECK_INTERVAL);
-    if (!m_bRunning || !running)
+    m_requestDone.wait(locker, [this] { return m_eState != STATE_PENDING || !m_bRunning; });
+    if (!m_bRunning)
         return;
     const QByteArray name = hxd::ToHostBytes(server);
     m_strServer.assign(name.constData(), static_cast<std::size_t>(name.size()));
@@ -165,7 +148,8 @@ NtpThread::Outcome NtpThread::Look(std::int32_t& seconds) {
         return Outcome::WORKING;
     if (!m_bRunning || !m_bSuccess)
         return Outcome::FAILED;
-    seconds = m_nSeconds;
+    const auto age = std::chrono::duration_cast<std::chrono::seconds>(Clock::now() - m_arrival);
+    seconds = static_cast<std::int32_t>(m_nSeconds + age.count());
     return Outcome::ANSWERED;
 }
 
@@ -176,18 +160,19 @@ void NtpThread::notifyStop() {
     if (m_pWakeUp != nullptr)
         ::eventfd_write(m_pWakeUp->Descriptor(), 1);
     m_requestPosted.notify_all();
+    m_requestDone.notify_all();
 }
 
 void NtpThread::Run() {
     while (AwaitRequest()) {
         bool success = false;
-        sntp::CorrectedTime time = {};
+        Answer answer = {};
         try {
-            success = Serve(time);
+            success = Serve(answer);
         } catch (...) {
             // Out of memory: a failed request like any other.
         }
-        Finish(success, time);
+        Finish(success, answer);
     }
     m_requestDone.notify_all();
 }
@@ -198,7 +183,7 @@ bool NtpThread::AwaitRequest() {
     return m_bRunning;
 }
 
-bool NtpThread::Serve(sntp::CorrectedTime& time) {
+bool NtpThread::Serve(Answer& answer) {
     QString server;
     std::int32_t reachMode = -1;
     {
@@ -206,40 +191,68 @@ bool NtpThread::Serve(sntp::CorrectedTime& time) {
         server = hxd::FromHost(m_strServer.data(), static_cast<int>(m_strServer.size()));
         reachMode = m_nReachMode;
     }
-    return MayBeAsked(server, reachMode) && sendPacketToServer(server, time);
+    return MayBeAsked(server, reachMode) && sendPacketToServer(server, answer);
 }
 
-void NtpThread::Finish(bool success, const sntp::CorrectedTime& time) {
+void NtpThread::Finish(bool success, const Answer& answer) {
     const std::lock_guard<std::mutex> locker(m_lock);
     m_eState = STATE_DONE;
     m_bSuccess = success;
     if (success) {
-        m_nSeconds = time.seconds;
-        m_nMicroseconds = time.microseconds;
+        m_nSeconds = answer.time.seconds;
+        m_nMicroseconds = answer.time.microseconds;
+        m_arrival = answer.arrival;
     }
     m_requestDone.notify_all();
 }
 
-bool NtpThread::sendPacketToServer(const QString& server, sntp::CorrectedTime& time) {
-    const HXDCTRL::File socket(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
-    if (!socket.IsOpen() || !tryToSend(socket.Descriptor(), server))
-        return false;
-    if (getServerTime(socket.Descriptor(), time))
-        return true;
-    std::printf(MESSAGE, "sendPacketToServer", 246, "获取服务器数据失败 !");
+// An answer is good only by the clock by which it was asked for. Another synchronisation may set
+// that clock in between, and the result would be wrong by half the step. Each turn has a socket of
+// its own, which receives no answer to the turn before.
+bool NtpThread::sendPacketToServer(const QString& server, Answer& answer) {
+    for (int turn = 0; turn < ASKED_AT_MOST; ++turn) {
+        const HXDCTRL::File socket(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+        sntp::Packet packet;
+        if (!socket.IsOpen() || !tryToSend(socket.Descriptor(), server) ||
+            !ReceiveAnswer(socket.Descriptor(), packet))
+            return false;
+        const timeval system = Now();
+        answer.arrival = Clock::now();
+        answer.time = sntp::CorrectTime(packet, system);
+        const auto step = ClockDistance(system, answer.arrival) - m_distanceAtRequest;
+        if (step < CLOCK_STEP && step > -CLOCK_STEP)
+            return true;
+    }
     return false;
 }
 
 bool NtpThread::tryToSend(int socket, const QString& server) {
     const QByteArray name = hxd::ToHostBytes(server);
+    bool isFirstRequest = true;
     for (int attempt = 0; attempt < ATTEMPTS && m_bRunning; ++attempt) {
-        if (!SendRequests(socket, name))
+        std::vector<sockaddr_in> addresses;
+        if (!LookUp(name, addresses))
+            continue;
+        // Of the first: the second wait may end with the answer to it.
+        if (isFirstRequest)
+            m_distanceAtRequest = ClockDistance(Now(), Clock::now());
+        isFirstRequest = false;
+        if (!SendRequests(socket, addresses, name))
             continue;
         if (!m_bRunning)
             return false;
         if (AwaitReadable(socket, name))
             return true;
     }
+    return false;
+}
+
+bool NtpThread::LookUp(const QByteArray& server, std::vector<sockaddr_in>& addresses) const {
+    const int error = LookUpName(server.constData(), m_pWakeUp->Descriptor(), addresses);
+    if (!addresses.empty() || error == LOOK_UP_STOPPED)
+        return !addresses.empty();
+    std::fprintf(stderr, "server:%s,getaddrinfo error: %s\n", server.constData(),
+                 ::gai_strerror(error));
     return false;
 }
 

@@ -5,16 +5,19 @@
 #include "common/File.h"
 #include "ntp/SntpPacket.h"
 
+#include <netinet/in.h>
 #include <QByteArray>
 #include <QString>
 
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <cstdint>
 #include <memory>
 #include <mutex>
 #include <string>
 #include <thread>
+#include <vector>
 
 // Which kinds of server can be reached at all.
 enum ReachMode : std::int32_t {
@@ -24,8 +27,7 @@ enum ReachMode : std::int32_t {
 };
 
 // The controller posts requests and looks at their outcome; the thread serves them and sets no
-// clock. May be used by several threads. The destructor stops and joins the thread: at once, except
-// while a name is being resolved.
+// clock. May be used by several threads. The destructor stops and joins the thread, at once.
 class NtpThread {
 public:
     NtpThread() = default;
@@ -38,15 +40,16 @@ public:
     void Start();
 
     // Hands a request to the thread, after the one it is still working on. Without a running
-    // thread, or when running becomes false meanwhile, nothing is posted.
-    void Post(const QString& server, std::int32_t reachMode, const std::atomic<bool>& running);
+    // thread, and after notifyStop(), nothing is posted.
+    void Post(const QString& server, std::int32_t reachMode);
 
     enum class Outcome { WORKING, FAILED, ANSWERED };
     // Of the last request; a worker without a running thread or without a request has failed.
-    // seconds: the corrected time since 1970, with ANSWERED only.
+    // seconds: what the clock should show now, since 1970, however old the answer is and however
+    // often the clock was set since; with ANSWERED only.
     Outcome Look(std::int32_t& seconds);
 
-    // Ends the thread and what it waits for, without waiting for it to end.
+    // Ends the thread, what it waits for, and the wait of a Post(), without waiting for it to end.
     void notifyStop();
 
     // Part of serving a request. Sends it to every address of the server and waits up to 2 s for
@@ -56,26 +59,36 @@ public:
 
 private:
     enum State : std::int32_t { STATE_IDLE = 0, STATE_PENDING = 1, STATE_DONE = 2 };
+    struct Answer {
+        sntp::CorrectedTime time;
+        std::chrono::steady_clock::time_point arrival;
+    };
 
     void Run();
     bool AwaitRequest();
-    bool Serve(sntp::CorrectedTime& time);
-    bool sendPacketToServer(const QString& server, sntp::CorrectedTime& time);
+    bool Serve(Answer& answer);
+    bool sendPacketToServer(const QString& server, Answer& answer);
+    bool LookUp(const QByteArray& server, std::vector<sockaddr_in>& addresses) const;
     bool AwaitReadable(int socket, const QByteArray& server) const;
-    void Finish(bool success, const sntp::CorrectedTime& time);
+    void Finish(bool success, const Answer& answer);
 
     std::string m_strServer;  // not shared with the controller's copy
     std::int32_t m_nReachMode = -1;
-    std::mutex m_lock;  // guards every other member
+    std::mutex m_lock;  // guards every other member but the ones that say otherwise
     State m_eState = STATE_IDLE;
     std::condition_variable m_requestPosted;
     std::condition_variable m_requestDone;
     std::atomic<bool> m_bRunning{false};  // written under the lock, and read without it
-    std::thread m_thread;
+    std::thread m_thread;                 // the destructor joins it without the lock
     bool m_bSuccess = false;
     std::int32_t m_nSeconds = 0;
     std::int32_t m_nMicroseconds = 0;
-    std::unique_ptr<HXDCTRL::File> m_pWakeUp;  // eventfd; not changed while the thread runs
+    std::chrono::steady_clock::time_point m_arrival;
+    // eventfd. Made under the lock before the thread starts, which reads it without the lock.
+    std::unique_ptr<HXDCTRL::File> m_pWakeUp;
+    // Of the worker's thread alone: how far the system clock was ahead of the steady one when the
+    // request was sent.
+    std::chrono::microseconds m_distanceAtRequest{0};
 };
 
 #endif

@@ -13,9 +13,10 @@ struct NtpTriggers {
 
 NtpTriggers CompareSettings(const ntpCfgParam& before, const ntpCfgParam& now);
 
-// True while switched on and automatic, with a trigger or when the period has elapsed since the
-// last synchronisation. A period of 0 or less, which only a hand-edited file can have, is always
-// over.
+// True while switched on and automatic, with a trigger or when the period has elapsed. It counts
+// from the start of the control thread or from the end of the last synchronisation that this thread
+// has made; those on demand do not count. A period of 0 or less, which only a hand-edited file can
+// have, is always over.
 bool SynchronisationDue(const ntpCfgParam& now, const NtpTriggers& triggers, long long elapsedMs);
 
 #endif

@@ -10,11 +10,11 @@
 
 namespace {
 
-// The newest "date -s" that the driver ran; empty: none.
+// The newest "date -s" that the driver ran, with a word on it when it was refused; empty: none.
 std::string LastClockCommand() {
     std::string last;
     for (const std::string& line : CommandsRun()) {
-        if (line.compare(0, 8, "date -s ") == 0)
+        if (line.compare(0, 8, "date -s ") == 0 || line.compare(0, 17, "refused: date -s ") == 0)
             last = line;
     }
     return last;

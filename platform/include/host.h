@@ -78,6 +78,9 @@ public:
     // Reads the device's configuration and starts the services. A second call changes nothing.
     virtual int InitDevice(const unsigned char* blob, int length) = 0;
     // Stops and releases everything that InitDevice started. Harmless when nothing was started.
+    // Takes a moment, at most 3.5 s, as long as the panel is well: a platform call, a shell
+    // command, a read in /sys, a sync() or a print that is under way is waited for, and nothing
+    // bounds one that hangs.
     virtual int CleanupDevice() = 0;
     // Brings the channel values up to date and delivers them through IRtdb::SetChannel*.
     virtual int CollectDevData(const int* channels, int count) = 0;

@@ -52,6 +52,9 @@ TEST(Sandbox, TheMachineIsReadOnly) {
 
 TEST(Sandbox, CommandsAreRecordedAndCanBeReplaced) {
     EXPECT_EQ(0, std::system("date -s '2031-05-06 07:08:09'"));
+    const int hour24 = std::system("date -s '2031-05-06 24:08:09' 2>/run/refusal");
+    EXPECT_EQ(1, WEXITSTATUS(hour24));
+    EXPECT_EQ(0u, readFile("/run/refusal").find("date: invalid date"));
     EXPECT_EQ(0, std::system("mount -t debugfs none /sys/kernel/debug"));
     ASSERT_EQ(0, mkdir("/run/shims", 0755));
     writeFile("/run/shims/ping", "test \"$2\" = \"it's here\" && exit 3\n");
@@ -59,6 +62,7 @@ TEST(Sandbox, CommandsAreRecordedAndCanBeReplaced) {
     EXPECT_EQ(3, WEXITSTATUS(status));
     EXPECT_EQ(
         "date\t-s '2031-05-06 07:08:09'\n"
+        "date\t-s '2031-05-06 24:08:09' (refused)\n"
         "mount\t-t debugfs none /sys/kernel/debug\n"
         "ping\t-c 'it'\\''s here' ''\n",
         readFile("/run/panel-commands.log"));
