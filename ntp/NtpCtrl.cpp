@@ -41,21 +41,21 @@ NtpCtrl::~NtpCtrl() {
 }
 
 int NtpCtrl::enableNtp(int on) {
-    return Change(&ntpCfgParam::ntpSwitch, on, 0, 1);
+    return Change(&ntpCfgParam::ntpSwitch, CHANNEL_NTP_SWITCH, on);
 }
 
 int NtpCtrl::setNtpMode(int mode) {
-    return Change(&ntpCfgParam::mode, mode, 0, 1);
+    return Change(&ntpCfgParam::mode, CHANNEL_NTP_MODE, mode);
 }
 
 int NtpCtrl::setNtpFreq(int hours) {
-    return Change(&ntpCfgParam::freq, hours, 1, 24);
+    return Change(&ntpCfgParam::freq, CHANNEL_NTP_PERIOD, hours);
 }
 
-int NtpCtrl::Change(std::int32_t ntpCfgParam::*field, int value, int lowest, int highest) {
-    if (value < lowest || value > highest)
+int NtpCtrl::Change(std::int32_t ntpCfgParam::*field, Channel channel, int value) {
+    if (!FindChannel(channel)->InRange(value))
         return RESULT_REFUSED;
-    const std::lock_guard<std::mutex> locker(m_lock);
+    const hxd::MutexLock locker(m_lock);
     if (m_settings.*field != value) {
         m_settings.*field = value;
         m_settings.writeCfg();
@@ -64,7 +64,7 @@ int NtpCtrl::Change(std::int32_t ntpCfgParam::*field, int value, int lowest, int
 }
 
 int NtpCtrl::setNtpServer(const QString& server, int slot) {
-    const std::lock_guard<std::mutex> locker(m_lock);
+    const hxd::MutexLock locker(m_lock);
     if (slot < 0 || slot >= m_settings.servers.size())
         return RESULT_REFUSED;
     if (m_settings.servers.at(slot) != server) {
@@ -78,7 +78,7 @@ int NtpCtrl::setNtpServer(const QString& server, int slot) {
 int NtpCtrl::setNtpServers(const QStringList& servers) {
     if (servers.size() != NTP_SERVER_COUNT)
         return RESULT_REFUSED;
-    const std::lock_guard<std::mutex> locker(m_lock);
+    const hxd::MutexLock locker(m_lock);
     if (m_settings.servers != servers) {
         m_settings.servers = servers;
         m_settings.writeCfg();
@@ -87,7 +87,7 @@ int NtpCtrl::setNtpServers(const QStringList& servers) {
 }
 
 ntpCfgParam NtpCtrl::getParam() const {
-    const std::lock_guard<std::mutex> locker(m_lock);
+    const hxd::MutexLock locker(m_lock);
     return m_settings;
 }
 

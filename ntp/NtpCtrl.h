@@ -3,6 +3,8 @@
 #define HXD_NTPCTRL_H
 
 #include "common/File.h"
+#include "common/Mutex.h"
+#include "driver/record/ChannelTable.h"
 #include "ntp/NtpThread.h"
 #include "ntp/ntpCfgParam.h"
 
@@ -12,7 +14,6 @@
 #include <array>
 #include <atomic>
 #include <cstdint>
-#include <mutex>
 #include <thread>
 
 // All operations may be called from any thread and throw only when memory is short. The setters
@@ -30,9 +31,10 @@ public:
     // that is under way lives on by itself. Nobody may be inside another operation.
     ~NtpCtrl();
 
-    int enableNtp(int on);                              // 0 or 1
-    int setNtpMode(int mode);                           // 0 = on demand, 1 = automatic
-    int setNtpFreq(int hours);                          // 1 to 24
+    // What is accepted stands in the rows of their channels.
+    int enableNtp(int on);     // 0 or 1
+    int setNtpMode(int mode);  // 0 = on demand, 1 = automatic
+    int setNtpFreq(int hours);
     int setNtpServer(const QString& server, int slot);  // any text, also empty; slot 0 to 3
     int setNtpServers(const QStringList& servers);      // all four; another number is refused
 
@@ -46,7 +48,7 @@ public:
     int execNtp();
 
 private:
-    int Change(std::int32_t ntpCfgParam::*field, int value, int lowest, int highest);
+    int Change(std::int32_t ntpCfgParam::*field, Channel channel, int value);
     bool Synchronise(const QStringList& servers);
     bool FindReachMode(const QStringList& servers, std::int32_t& reachMode) const;
     void PostRequests(const QStringList& servers, std::int32_t reachMode);
@@ -57,9 +59,9 @@ private:
     void SynchroniseUntilDone();
     bool Pause() const;
 
-    ntpCfgParam m_settings;
+    mutable hxd::Mutex m_lock;  // never held while a worker's lock is taken
+    ntpCfgParam m_settings HXD_GUARDED_BY(m_lock);
     std::atomic<bool> m_bRunning;
-    mutable std::mutex m_lock;  // guards the settings; never held while a worker's lock is taken
     std::array<NtpThread, NTP_SERVER_COUNT> m_workers;  // worker i serves slot i
     std::thread m_thread;
     HXDCTRL::File m_stopEvent;  // eventfd that ends a pause

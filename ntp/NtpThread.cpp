@@ -110,7 +110,7 @@ NtpThread::~NtpThread() {
 }
 
 void NtpThread::Start() {
-    const std::lock_guard<std::mutex> locker(m_lock);
+    const hxd::MutexLock locker(m_lock);
     if (m_thread.joinable())
         return;
     HXDCTRL::File wakeUp(::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC));
@@ -131,8 +131,9 @@ void NtpThread::Start() {
 
 // No time-out: older C++ libraries wait by the system clock, which is set here.
 void NtpThread::Post(const QString& server, std::int32_t reachMode) {
-    std::unique_lock<std::mutex> locker(m_lock);
-    m_requestDone.wait(locker, [this] { return m_eState != STATE_PENDING || !m_bRunning; });
+    hxd::MutexLock locker(m_lock);
+    while (m_eState == STATE_PENDING && m_bRunning)
+        locker.Wait(m_requestDone);
     if (!m_bRunning)
         return;
     const QByteArray name = hxd::ToHostBytes(server);
@@ -143,7 +144,7 @@ void NtpThread::Post(const QString& server, std::int32_t reachMode) {
 }
 
 NtpThread::Outcome NtpThread::Look(std::int32_t& seconds) {
-    const std::lock_guard<std::mutex> locker(m_lock);
+    const hxd::MutexLock locker(m_lock);
     if (m_bRunning && m_eState == STATE_PENDING)
         return Outcome::WORKING;
     if (!m_bRunning || !m_bSuccess)
@@ -154,7 +155,7 @@ NtpThread::Outcome NtpThread::Look(std::int32_t& seconds) {
 }
 
 void NtpThread::notifyStop() {
-    const std::lock_guard<std::mutex> locker(m_lock);
+    const hxd::MutexLock locker(m_lock);
     m_bRunning = false;
     m_eState = STATE_DONE;
     if (m_pWakeUp != nullptr)
@@ -178,8 +179,9 @@ void NtpThread::Run() {
 }
 
 bool NtpThread::AwaitRequest() {
-    std::unique_lock<std::mutex> locker(m_lock);
-    m_requestPosted.wait(locker, [this] { return m_eState == STATE_PENDING || !m_bRunning; });
+    hxd::MutexLock locker(m_lock);
+    while (m_eState != STATE_PENDING && m_bRunning)
+        locker.Wait(m_requestPosted);
     return m_bRunning;
 }
 
@@ -187,7 +189,7 @@ bool NtpThread::Serve(Answer& answer) {
     QString server;
     std::int32_t reachMode = -1;
     {
-        const std::lock_guard<std::mutex> locker(m_lock);
+        const hxd::MutexLock locker(m_lock);
         server = hxd::FromHost(m_strServer.data(), static_cast<int>(m_strServer.size()));
         reachMode = m_nReachMode;
     }
@@ -195,7 +197,7 @@ bool NtpThread::Serve(Answer& answer) {
 }
 
 void NtpThread::Finish(bool success, const Answer& answer) {
-    const std::lock_guard<std::mutex> locker(m_lock);
+    const hxd::MutexLock locker(m_lock);
     m_eState = STATE_DONE;
     m_bSuccess = success;
     if (success) {

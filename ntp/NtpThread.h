@@ -3,6 +3,7 @@
 #define HXD_NTPTHREAD_H
 
 #include "common/File.h"
+#include "common/Mutex.h"
 #include "ntp/SntpPacket.h"
 
 #include <netinet/in.h>
@@ -14,7 +15,6 @@
 #include <condition_variable>
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
@@ -72,18 +72,18 @@ private:
     bool AwaitReadable(int socket, const QByteArray& server) const;
     void Finish(bool success, const Answer& answer);
 
-    std::string m_strServer;  // not shared with the controller's copy
-    std::int32_t m_nReachMode = -1;
-    std::mutex m_lock;  // guards every other member but the ones that say otherwise
-    State m_eState = STATE_IDLE;
+    hxd::Mutex m_lock;
     std::condition_variable m_requestPosted;
     std::condition_variable m_requestDone;
+    std::string m_strServer HXD_GUARDED_BY(m_lock);  // not shared with the controller's copy
+    std::int32_t m_nReachMode HXD_GUARDED_BY(m_lock) = -1;
+    State m_eState HXD_GUARDED_BY(m_lock) = STATE_IDLE;
     std::atomic<bool> m_bRunning{false};  // written under the lock, and read without it
-    std::thread m_thread;                 // the destructor joins it without the lock
-    bool m_bSuccess = false;
-    std::int32_t m_nSeconds = 0;
-    std::int32_t m_nMicroseconds = 0;
-    std::chrono::steady_clock::time_point m_arrival;
+    bool m_bSuccess HXD_GUARDED_BY(m_lock) = false;
+    std::int32_t m_nSeconds HXD_GUARDED_BY(m_lock) = 0;
+    std::int32_t m_nMicroseconds HXD_GUARDED_BY(m_lock) = 0;
+    std::chrono::steady_clock::time_point m_arrival HXD_GUARDED_BY(m_lock);
+    std::thread m_thread;  // made under the lock; the destructor joins it without
     // eventfd. Made under the lock before the thread starts, which reads it without the lock.
     std::unique_ptr<HXDCTRL::File> m_pWakeUp;
     // Of the worker's thread alone: how far the system clock was ahead of the steady one when the
