@@ -1,5 +1,7 @@
 #include "commands/PanelActions.h"
 
+#include "commands/PictureFolder.h"
+#include "common/File.h"
 #include "common/Numbers.h"
 #include "common/ResultCodes.h"
 #include "driver/record/CDevServer.h"
@@ -7,11 +9,12 @@
 #include "olma_hal.h"
 #include "olma_host.h"
 
+#include <errno.h>
 #include <strings.h>
 #include <sys/reboot.h>
-#include <unistd.h>
 #include <QFile>
 #include <QImage>
+#include <algorithm>
 #include <cstdlib>
 #include <vector>
 
@@ -83,12 +86,20 @@ std::vector<std::string> SplitPath(const std::string& path) {
     return components;
 }
 
-bool MakeDirectory(const std::string& directory) {
+void MakeDirectory(const std::string& directory) {
     // The result is not needed: what counts is whether the directory is there afterwards.
     const std::string command = "mkdir -p " + panel_actions::ShellWord(directory);
     const int ignored = std::system(command.c_str());
     static_cast<void>(ignored);
-    return ::access(directory.c_str(), R_OK) == 0;
+}
+
+// Makes it too, unless what is there of the way is a link that must not be followed.
+bool OpenFolder(const panel_actions::ScreenshotTarget& target, PictureFolder& folder) {
+    const FolderOwner owner = target.root == USER_ROOT ? FolderOwner::PANEL : FolderOwner::STRANGER;
+    if (!folder.Open(target.root, target.subDirectory, owner) && errno != ENOENT)
+        return false;
+    MakeDirectory(target.root + target.subDirectory);
+    return folder.Open(target.root, target.subDirectory, owner);
 }
 
 int Difference(int to, int from) {
@@ -108,7 +119,8 @@ bool IsReasonable(const Region& region) {
     return width <= 0 || height <= 0 || width * height <= MAX_PIXELS;
 }
 
-void Capture(const panel_actions::ScreenshotTarget& target, const Region& region) {
+void Capture(const panel_actions::ScreenshotTarget& target, const Region& region,
+             const PictureFolder& folder) {
     const std::string relativePath = target.subDirectory + target.fileName;
     const int width = Difference(region.x2, region.x1);
     const int height = Difference(region.y2, region.y1);
@@ -120,11 +132,11 @@ void Capture(const panel_actions::ScreenshotTarget& target, const Region& region
     const std::string captured =
         std::string(Olma_GetDirectory(USER_DIRECTORY)) + "/" + relativePath;
     QImage image;
-    image.load(QFile::decodeName(captured.c_str()), "BMP");
+    if (HXDCTRL::File::is_file_exist(captured))  // reading a pipe would wait for its other end
+        image.load(QFile::decodeName(captured.c_str()), "BMP");
     if (region.given)
         image = image.copy(QRect(region.x1, region.y1, width, height));
-    const std::string saved = target.root + relativePath;
-    image.save(QFile::decodeName(saved.c_str()));
+    folder.Save(image, target.fileName);
 }
 
 }  // namespace
@@ -148,9 +160,9 @@ int panel_actions::SaveScreen(OLMA_DATA& data, const CString& args) {
     CString path;
     CDevServer::SvrGetParaValue(data, request.pathName, path);
     ScreenshotTarget target;
-    if (ParseScreenshotPath(static_cast<const char*>(path), target) &&
-        MakeDirectory(target.root + target.subDirectory))
-        Capture(target, request.region);
+    PictureFolder folder;
+    if (ParseScreenshotPath(static_cast<const char*>(path), target) && OpenFolder(target, folder))
+        Capture(target, request.region, folder);
     return RESULT_DONE;
 }
 
@@ -158,6 +170,8 @@ bool panel_actions::ParseScreenshotPath(const std::string& path, ScreenshotTarge
     const std::vector<std::string> components = SplitPath(path);
     const bool macro = components.front().find('$') != std::string::npos;
     if (macro && ::strcasecmp(components.front().c_str(), USER_MACRO) != 0)
+        return false;
+    if (std::find(components.begin(), components.end(), "..") != components.end())
         return false;
     target.root = macro ? USER_ROOT : USB_ROOT;
     target.subDirectory.clear();
