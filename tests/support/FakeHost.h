@@ -18,9 +18,11 @@ public:
     std::map<int, std::string> textChannels;
     std::function<int(int)> channelType = [](int) { return DATATYPE_DOUBLE; };
     std::function<void()> onDelivery = [] {};
-    int status = 0;  // of every call
+    std::function<void()> onParameter = [] {};  // when a parameter's type is asked
+    int status = 0;                             // of every call
 
     int GetParamType(const char* name, DATATYPE* type) override {
+        onParameter();
         if (ints.count(name) != 0)
             *type = DATATYPE_INTEGER;
         else if (doubles.count(name) != 0)
