@@ -2,7 +2,7 @@
 #ifndef HXD_BARRIER_H
 #define HXD_BARRIER_H
 
-#include <cxxabi.h>
+#include <exception>
 
 namespace hxd {
 
@@ -13,9 +13,9 @@ template <class RESULT, class CALL>
 auto NoThrow(RESULT resultOnThrow, CALL call) -> decltype(call()) {
     try {
         return call();
-    } catch (const abi::__forced_unwind&) {
-        throw;
     } catch (...) {
+        if (std::current_exception() == nullptr)
+            throw;  // no exception, but such an end
         return resultOnThrow;
     }
 }
