@@ -20,7 +20,6 @@
 #include <fstream>
 #include <functional>
 #include <stdexcept>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -83,6 +82,16 @@ Resources Used() {
         ++used.descriptors;
     ::closedir(directory);
     return used;
+}
+
+void RunInAThread(std::function<void()> body) {
+    pthread_t thread = {};
+    const auto run = [](void* work) -> void* {
+        (*static_cast<std::function<void()>*>(work))();
+        return nullptr;
+    };
+    ASSERT_EQ(::pthread_create(&thread, nullptr, run, &body), 0);
+    ::pthread_join(thread, nullptr);
 }
 
 }  // namespace
@@ -310,15 +319,6 @@ TEST_F(FromWithin, AReleaseWaitsForTheEndOfTheOperation) {
 
 // What ends the thread leaves neither a lock held nor the process dead.
 TEST_F(FromWithin, TheHostsThreadMayEnd) {
-    const auto runInAThread = [](std::function<void()> body) {
-        pthread_t thread = {};
-        const auto run = [](void* work) -> void* {
-            (*static_cast<std::function<void()>*>(work))();
-            return nullptr;
-        };
-        ASSERT_EQ(::pthread_create(&thread, nullptr, run, &body), 0);
-        ::pthread_join(thread, nullptr);
-    };
     const auto cancelled = [] {
         ::pthread_cancel(::pthread_self());
         ::pthread_testcancel();
@@ -327,17 +327,21 @@ TEST_F(FromWithin, TheHostsThreadMayEnd) {
          {std::function<void()>(cancelled), std::function<void()>([] { ::pthread_exit(nullptr); })})
         OfEach(end, [&](const std::function<int()>& call) {
             bool returned = false;
-            runInAThread([&] {
+            RunInAThread([&] {
                 call();
                 returned = true;
             });
             EXPECT_FALSE(returned);
         });
-    // Outside the host's code the operation comes to its end first.
+    EXPECT_EQ(device->DevIOCtrl("REFLESH()"), 0);
+}
+
+// Outside the host's code the operation comes to its end first.
+TEST_F(Device, FinishesTheOperationOfACancelledThread) {
     int result = -1;
     bool ended = true;
     ASSERT_EQ(Init(), 0);
-    runInAThread([&] {
+    RunInAThread([&] {
         ::pthread_cancel(::pthread_self());
         result = device->DevIOCtrl("GetMemUse(11)");  // opens and reads
         ::pthread_testcancel();
@@ -345,7 +349,6 @@ TEST_F(FromWithin, TheHostsThreadMayEnd) {
     });
     EXPECT_EQ(result, 0);
     EXPECT_TRUE(ended);
-    EXPECT_EQ(device->DevIOCtrl("REFLESH()"), 0);
 }
 
 // Everything that a device reads, beside a timer of the host that interrupts it.
