@@ -387,8 +387,10 @@ public:
 
 class QDir {
 public:
-    enum Filter { Dirs = 1, Files = 2 };
+    enum Filter { Dirs = 1, Files = 2, AllEntries = 7, Hidden = 0x100 };
+    typedef int Filters;
     QDir(const QString& path = QString());
+    QStringList entryList(Filters filters) const;
     bool exists() const;
     bool mkpath(const QString& path) const;
 };
