@@ -1,5 +1,7 @@
 #include "commands/PanelActions.h"
 
+#include "commands/PictureFolder.h"
+#include "common/File.h"
 #include "common/Numbers.h"
 #include "common/ResultCodes.h"
 #include "driver/record/CDevServer.h"
@@ -7,9 +9,9 @@
 #include "olma_hal.h"
 #include "olma_host.h"
 
+#include <errno.h>
 #include <strings.h>
 #include <sys/reboot.h>
-#include <unistd.h>
 #include <QFile>
 #include <QImage>
 #include <algorithm>
@@ -86,12 +88,20 @@ std::vector<std::string> SplitPath(const std::string& path) {
     return components;
 }
 
-bool MakeDirectory(const std::string& directory) {
+void MakeDirectory(const std::string& directory) {
     // The result is not needed: what counts is whether the directory is there afterwards.
     const std::string command = "mkdir -p " + panel_actions::ShellWord(directory);
     const int ignored = std::system(command.c_str());
     static_cast<void>(ignored);
-    return ::access(directory.c_str(), R_OK) == 0;
+}
+
+// Makes it too, unless what is there of the way is a link that must not be followed.
+bool OpenFolder(const panel_actions::ScreenshotTarget& target, PictureFolder& folder) {
+    const FolderOwner owner = target.root == USER_ROOT ? FolderOwner::PANEL : FolderOwner::STRANGER;
+    if (!folder.Open(target.root, target.subDirectory, owner) && errno != ENOENT)
+        return false;
+    MakeDirectory(target.root + target.subDirectory);
+    return folder.Open(target.root, target.subDirectory, owner);
 }
 
 int Difference(int to, int from) {
@@ -115,7 +125,8 @@ int NearScreen(int coordinate) {
     return std::min(std::max(coordinate, -MAX_SIDE), MAX_SIDE);
 }
 
-void Capture(const panel_actions::ScreenshotTarget& target, const Region& region) {
+void Capture(const panel_actions::ScreenshotTarget& target, const Region& region,
+             const PictureFolder& folder) {
     const std::string relativePath = target.subDirectory + target.fileName;
     const int width = Difference(region.x2, region.x1);
     const int height = Difference(region.y2, region.y1);
@@ -127,11 +138,11 @@ void Capture(const panel_actions::ScreenshotTarget& target, const Region& region
     const std::string captured =
         std::string(Olma_GetDirectory(USER_DIRECTORY)) + "/" + relativePath;
     QImage image;
-    image.load(QFile::decodeName(captured.c_str()), "BMP");
+    if (HXDCTRL::File::is_file_exist(captured))  // reading a pipe would wait for its other end
+        image.load(QFile::decodeName(captured.c_str()), "BMP");
     if (region.given)
         image = image.copy(QRect(NearScreen(region.x1), NearScreen(region.y1), width, height));
-    const std::string saved = target.root + relativePath;
-    image.save(QFile::decodeName(saved.c_str()));
+    folder.Save(image, target.fileName);
 }
 
 }  // namespace
@@ -153,9 +164,10 @@ int panel_actions::Reboot(OLMA_DATA& /*data*/, const CString& /*args*/) {
 int panel_actions::SaveScreen(OLMA_DATA& data, const CString& args) {
     const ScreenshotRequest request = ParseArguments(data, args);
     ScreenshotTarget target;
+    PictureFolder folder;
     if (ParseScreenshotPath(static_cast<const char*>(request.path), target) &&
-        MakeDirectory(target.root + target.subDirectory))
-        Capture(target, request.region);
+        OpenFolder(target, folder))
+        Capture(target, request.region, folder);
     return RESULT_DONE;
 }
 
@@ -163,6 +175,8 @@ bool panel_actions::ParseScreenshotPath(const std::string& path, ScreenshotTarge
     const std::vector<std::string> components = SplitPath(path);
     const bool macro = components.front().find('$') != std::string::npos;
     if (macro && ::strcasecmp(components.front().c_str(), USER_MACRO) != 0)
+        return false;
+    if (std::find(components.begin(), components.end(), "..") != components.end())
         return false;
     target.root = macro ? USER_ROOT : USB_ROOT;
     target.subDirectory.clear();

@@ -6,6 +6,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace HXDCTRL {
 
@@ -25,10 +26,15 @@ int File::Release() {
     return descriptor;
 }
 
-bool File::open(const std::string& path, int flags) {
+void File::Swap(File& other) {
+    std::swap(m_nFd, other.m_nFd);
+    std::swap(m_nErrno, other.m_nErrno);
+}
+
+bool File::open(const std::string& path, int flags, mode_t mode) {
     close();
     m_nFd = hxd::RetryInterrupted([&] {
-        return (flags & O_CREAT) != 0 ? ::open(path.c_str(), flags | O_CLOEXEC, 0777)
+        return (flags & O_CREAT) != 0 ? ::open(path.c_str(), flags | O_CLOEXEC, mode)
                                       : ::open(path.c_str(), flags | O_CLOEXEC);
     });
     if (m_nFd < 0)
@@ -46,6 +52,20 @@ bool File::seek(unsigned offset) {
         return true;
     m_nErrno = errno;
     return false;
+}
+
+std::size_t File::Read(char* buffer, std::size_t size) {
+    std::size_t total = 0;
+    while (total < size) {
+        const ssize_t count =
+            hxd::RetryInterrupted([&] { return ::read(m_nFd, buffer + total, size - total); });
+        if (count < 0)
+            m_nErrno = errno;
+        if (count <= 0)
+            break;
+        total += static_cast<std::size_t>(count);
+    }
+    return total;
 }
 
 std::string File::readAll() {

@@ -1,10 +1,12 @@
 #include "common/FileLock.h"
 
+#include "common/PublicFolder.h"
 #include "common/Retry.h"
 
 #include <errno.h>
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -22,11 +24,20 @@ namespace HXDCTRL {
 FileLock::FileLock() : m_pFile(new File) {}
 
 bool FileLock::open(const std::string& path) {
+    return OpenRegular(path) || (hxd::RemoveUnlessRegular(path) && OpenRegular(path));
+}
+
+bool FileLock::OpenRegular(const std::string& path) {
     // O_NONBLOCK: opening must not wait for the other end of a pipe that somebody put there.
     const int flags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK;
     // An existing file is opened without O_CREAT, which the kernel refuses in /tmp for files of
     // other accounts.
-    return m_pFile->open(path, flags) || m_pFile->open(path, flags | O_CREAT);
+    struct stat status = {};
+    if ((m_pFile->open(path, flags) || m_pFile->open(path, flags | O_CREAT)) &&
+        ::fstat(m_pFile->Descriptor(), &status) == 0 && S_ISREG(status.st_mode))
+        return true;
+    m_pFile->close();
+    return false;
 }
 
 FileLocker::FileLocker(FileLock& lock) : m_lock(lock) {

@@ -18,13 +18,16 @@ class FileLock {
 public:
     FileLock();
 
-    // Opens the lock file, making it if it is missing. A symbolic link is refused: lock files lie
-    // in a directory where anybody may create one.
+    // Opens the lock file, making it if it is missing. Only a regular file is one: lock files lie
+    // in a directory where anybody may put a link, a pipe or a folder in their place. Such a thing
+    // is removed; false where that is not permitted.
     bool open(const std::string& path);
 
     int Descriptor() const { return m_pFile->Descriptor(); }
 
 private:
+    bool OpenRegular(const std::string& path);
+
     std::unique_ptr<File> m_pFile;
 };
 

@@ -4,6 +4,7 @@
 #include "commands/VNCLockProxy.h"
 #include "common/Numbers.h"
 #include "driver/Barrier.h"
+#include "driver/Operation.h"
 #include "driver/RefreshCycle.h"
 #include "driver/record/ChannelTable.h"
 #include "driver/record/DevContext.h"
@@ -38,6 +39,7 @@ CDevCtrl::~CDevCtrl() {
 int CDevCtrl::DevIOCtrl(const char* command) {
     if (command == nullptr)
         return HOST_BAD_ARGUMENT;
+    const hxd::Operation operation(*this);
     return hxd::NoThrow(HOST_BAD_ARGUMENT, [&] {
         AnnounceDevice();
         RunCommand(command);
@@ -48,6 +50,7 @@ int CDevCtrl::DevIOCtrl(const char* command) {
 int CDevCtrl::WriteChannel(int channel, DATATYPE type, void* value) {
     if (value == nullptr || channel < 0)
         return HOST_BAD_ARGUMENT;
+    const hxd::Operation operation(*this);
     return hxd::NoThrow(HOST_BAD_ARGUMENT, [&] {
         AnnounceDevice();
         const unsigned number = static_cast<unsigned>(channel) + 1;
@@ -69,6 +72,7 @@ int CDevCtrl::CollectDevData(const int* channels, int count) {
         return HOST_OK;
     if (count > MAX_CHANNELS)
         return HOST_BAD_ARGUMENT;
+    const hxd::Operation operation(*this);
     return hxd::NoThrow(HOST_BAD_ARGUMENT, [&] { return Collect(channels, count); });
 }
 
@@ -116,6 +120,7 @@ void CDevCtrl::ShowInputLocks() {
 }
 
 void CDevCtrl::DeliverChannels() {
+    const hxd::HostTurn turn;
     const OLMA_DATA& record = m_record;
     // The host may send a command from within a delivery, and a command resizes the value arrays,
     // so the sizes are asked again for every channel.
@@ -145,7 +150,9 @@ int CDevCtrl::UpdataCommunication(ICommunication* communication) {
         return HOST_BAD_ARGUMENT;
     // Kept even when its link kind is refused below.
     m_record.m_pComm = communication;
+    const hxd::Operation operation(*this);
     return hxd::NoThrow(HOST_BAD_ARGUMENT, [&] {
+        const hxd::HostTurn turn;
         // The host counts its links 1 and 2, the record the other way round.
         switch (communication->GetLinkType()) {
             case 1:
@@ -171,9 +178,11 @@ int CDevCtrl::SetChannelAddress(int /*first*/, int /*second*/) {
 }
 
 void CDevCtrl::AnnounceDevice() {
-    if (m_record.m_pComm != nullptr)
-        m_record.m_pComm->SetDeviceName(
-            const_cast<char*>(static_cast<const char*>(m_record.m_strDevName)));
+    if (m_record.m_pComm == nullptr)
+        return;
+    const hxd::HostTurn turn;
+    m_record.m_pComm->SetDeviceName(
+        const_cast<char*>(static_cast<const char*>(m_record.m_strDevName)));
 }
 
 void CDevCtrl::RunCommand(CString command) {

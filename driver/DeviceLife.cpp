@@ -3,6 +3,7 @@
 #include "driver/Barrier.h"
 #include "driver/CDevCtrl.h"
 #include "driver/DeviceParameters.h"
+#include "driver/Operation.h"
 #include "driver/record/COwnerArchive.h"
 #include "driver/record/DevContext.h"
 #include "network/NetworkTask.h"
@@ -66,11 +67,19 @@ void ReleaseArchive(OLMA_DATA& record) {
     record.m_pArchive = nullptr;
 }
 
+void ReleaseServices(OLMA_DATA& record) {
+    DEV_CONTEXT* const context = record.m_pContext;
+    record.m_pContext = nullptr;
+    delete context;
+    ReleaseArchive(record);
+}
+
 }  // namespace
 
 int CDevCtrl::InitDevice(const unsigned char* blob, int length) {
-    if (blob == nullptr || length <= 0)
+    if (blob == nullptr || length <= 0 || hxd::Operation::IsPostponed(*this))
         return HOST_BAD_ARGUMENT;
+    const hxd::Operation operation(*this);
     const bool wasStarted = m_record.m_pContext != nullptr;
     if (hxd::NoThrow(false, [&] { return StartDevice(blob, length); }))
         return HOST_OK;
@@ -80,7 +89,8 @@ int CDevCtrl::InitDevice(const unsigned char* blob, int length) {
         return HOST_OK;
     }
     // The host cannot tell that nothing was started; every operation copes with that.
-    return CleanupDevice();
+    ReleaseServices(m_record);
+    return HOST_OK;
 }
 
 // Never false, but may throw: the caller rolls the failed start back.
@@ -102,11 +112,11 @@ bool CDevCtrl::StartDevice(const unsigned char* blob, int length) {
 }
 
 int CDevCtrl::CleanupDevice() {
+    if (hxd::Operation::Postpone(*this, hxd::Operation::CLEANUP))
+        return HOST_OK;
+    const hxd::Operation operation(*this);
     return hxd::NoThrow(HOST_OK, [this] {
-        DEV_CONTEXT* const context = m_record.m_pContext;
-        m_record.m_pContext = nullptr;
-        delete context;
-        ReleaseArchive(m_record);
+        ReleaseServices(m_record);
         return HOST_OK;
     });
 }

@@ -1,5 +1,6 @@
 // The record's way to the host's parameters.
 #include "driver/CDevCtrl.h"
+#include "driver/Operation.h"
 
 namespace {
 
@@ -26,13 +27,17 @@ int CheckCall(const OLMA_DATA& record, const CString& name) {
 
 int CDevCtrl::GetParamType_Fun(OLMA_DATA& record, CString name, DATATYPE& type) {
     const int wrong = CheckCall(record, name);
-    return wrong != HOST_OK ? wrong : record.m_pParamHost->GetParamType(name, &type);
+    if (wrong != HOST_OK)
+        return wrong;
+    const hxd::HostTurn turn;
+    return record.m_pParamHost->GetParamType(name, &type);
 }
 
 int CDevCtrl::GetParamValue_Fun(OLMA_DATA& record, CString name, DATATYPE type, void* out) {
     const int wrong = out == nullptr ? HOST_BAD_ARGUMENT : CheckCall(record, name);
     if (wrong != HOST_OK)
         return wrong;
+    const hxd::HostTurn turn;
     IRtdb& host = *record.m_pParamHost;
     switch (type) {
         case DATATYPE_INTEGER:
@@ -50,6 +55,7 @@ int CDevCtrl::SetParamValue_Fun(OLMA_DATA& record, CString name, DATATYPE type, 
     const int wrong = value == nullptr ? HOST_BAD_ARGUMENT : CheckCall(record, name);
     if (wrong != HOST_OK)
         return wrong;
+    const hxd::HostTurn turn;
     IRtdb& host = *record.m_pParamHost;
     switch (type) {
         case DATATYPE_INTEGER:

@@ -1,6 +1,7 @@
 #include "network/NerworkCheck.h"
 
 #include "common/FileLock.h"
+#include "common/PublicFolder.h"
 #include "common/QtProcess.h"
 #include "common/QtText.h"
 #include "common/Retry.h"
@@ -59,10 +60,9 @@ protected:
 
 // A new file each time: what somebody else has put there is neither followed nor written nor run.
 bool WriteScript(const QByteArray& text) {
-    ::unlink(PING_SCRIPT_PATH);
-    const HXDCTRL::File script(hxd::RetryInterrupted([] {
-        return ::open(PING_SCRIPT_PATH, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0700);
-    }));
+    HXDCTRL::File script;
+    if (!hxd::MakeAnew(PING_SCRIPT_PATH, 0700, script))
+        return false;
     for (int written = 0; written < text.size();) {
         const ssize_t count = hxd::RetryInterrupted([&] {
             return ::write(script.Descriptor(), text.constData() + written,

@@ -1,52 +1,26 @@
 #include "storage/DiskCommon.h"
 
+#include "common/File.h"
 #include "common/QtText.h"
 
+#include <fcntl.h>
 #include <QFile>
+#include <algorithm>
 #include <cstdio>
-#include <cstdlib>
-#include <memory>
-
-namespace {
-
-struct FileCloser {
-    void operator()(FILE* file) const { std::fclose(file); }
-};
-
-// A line of any length; the buffer grows with the longest one.
-class LineReader {
-public:
-    explicit LineReader(FILE* file) : m_file(file) {}
-    LineReader(const LineReader&) = delete;
-    LineReader& operator=(const LineReader&) = delete;
-    ~LineReader() { std::free(m_buffer); }
-
-    bool Next(QString& line) {
-        const ssize_t length = ::getline(&m_buffer, &m_capacity, m_file);
-        if (length >= 0)
-            line = hxd::FromHost(m_buffer, static_cast<int>(length));
-        return length >= 0;
-    }
-
-private:
-    FILE* m_file;  // not owned
-    char* m_buffer = nullptr;
-    std::size_t m_capacity = 0;
-};
-
-}  // namespace
 
 bool DiskCommon::readFileOfLine(const QString& path, QVector<QString>& lines) {
-    const std::unique_ptr<FILE, FileCloser> file(
-        std::fopen(QFile::encodeName(path).constData(), "re"));
-    if (file == nullptr) {
+    HXDCTRL::File file;
+    if (!file.open(QFile::encodeName(path).constData(), O_RDONLY)) {
         std::printf("can not load file!");
         return false;
     }
-    LineReader reader(file.get());
-    QString line;
-    while (reader.Next(line))
+    const std::string content = file.readAll();
+    for (std::size_t start = 0; start < content.size();) {
+        const std::size_t end = std::min(content.find('\n', start), content.size());
+        const QString line = hxd::FromHost(&content[start], static_cast<int>(end - start));
         lines.append(line.trimmed());
+        start = end + 1;
+    }
     return true;
 }
 

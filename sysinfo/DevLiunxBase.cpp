@@ -1,12 +1,11 @@
 #include "sysinfo/DevLiunxBase.h"
 
+#include "common/File.h"
 #include "common/ResultCodes.h"
-#include "common/Retry.h"
 #include "sysinfo/Trace.h"
 
 #include <fcntl.h>
 #include <unistd.h>
-#include <cstdio>
 #include <cstring>
 #include <limits>
 #include <new>
@@ -14,34 +13,18 @@
 
 namespace {
 
-struct FileCloser {
-    void operator()(FILE* file) const { std::fclose(file); }
-};
-using OpenFile = std::unique_ptr<FILE, FileCloser>;
-
-// Not fopen: opening a pipe that lies in a file's place would wait for its other end.
-OpenFile Open(const std::string& path) {
-    const int descriptor = hxd::RetryInterrupted(
-        [&] { return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK); });
-    if (descriptor < 0)
-        return nullptr;
-    OpenFile file(::fdopen(descriptor, "r"));
-    if (file == nullptr)
-        ::close(descriptor);
-    return file;
-}
-
 // Lengths of this many KiB and more do not fit the 32-bit byte count.
 constexpr int LENGTH_LIMIT_KIB = 2097152;
 
 constexpr double STATUS_DELIVERED = 0.0;
 constexpr double STATUS_FAILED = 4.0;
 
-// The size that seeking to the end reports; -1 when the file has no positions.
-long long SizeOf(FILE* file) {
-    if (::fseeko(file, 0, SEEK_END) != 0)
-        return -1;
-    return ::ftello(file);
+// One line with its end, or what fits.
+std::string FirstLine(HXDCTRL::File& file) {
+    char line[128] = {};
+    file.Read(line, sizeof line - 1);
+    char* const end = std::strchr(line, '\n');
+    return end == nullptr ? std::string(line) : std::string(line, end + 1);
 }
 
 // A text of size bytes, or false when there is no memory for it. A directory reports the largest
@@ -69,19 +52,18 @@ int DevLiunxBase::DevOpear(OLMA_DATA& /*data*/, std::vector<std::string>& /*args
 
 std::string DevLiunxBase::DevReadFile(std::string& fileName, long /*length*/, int mode) {
     DEV_TRACE("DevReadFile begin", "strFileName = %s", fileName.c_str());
-    const OpenFile file = Open(fileName);
-    if (file == nullptr) {
+    // O_NONBLOCK: opening a pipe that lies in the file's place would wait for its other end.
+    HXDCTRL::File file;
+    if (!file.open(fileName, O_RDONLY | O_NONBLOCK)) {
         DEV_TRACE("DevReadFile end", "Read strFileName = %s error", fileName.c_str());
         return std::string();
     }
     if (mode == READ_FIRST_LINE) {
-        char line[128] = {};
-        if (std::fgets(line, sizeof line, file.get()) == nullptr)
-            line[0] = '\0';
-        DEV_TRACE("DevReadFile end", "Read strFileContext = %s ", line);
+        const std::string line = FirstLine(file);
+        DEV_TRACE("DevReadFile end", "Read strFileContext = %s ", line.c_str());
         return line;
     }
-    const long long size = SizeOf(file.get());
+    const long long size = ::lseek(file.Descriptor(), 0, SEEK_END);  // -1: it has no positions
     DEV_TRACE("DevReadFile begin", "strFileName = %s,flen = %d", fileName.c_str(),
               static_cast<int>(size));
     std::string text;
@@ -89,8 +71,8 @@ std::string DevLiunxBase::DevReadFile(std::string& fileName, long /*length*/, in
         DEV_TRACE("DevReadFile end", "Read strFileName = %s error", fileName.c_str());
         return std::string();
     }
-    std::rewind(file.get());
-    text.resize(std::fread(&text[0], 1, text.size(), file.get()));
+    file.seek(0);
+    text.resize(file.Read(&text[0], text.size()));
     text.resize(std::strlen(text.c_str()));
     DEV_TRACE("DevReadFile end", "Read strFileName = %s,len = %d", fileName.c_str(),
               static_cast<int>(text.size()));

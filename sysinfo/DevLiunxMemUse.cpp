@@ -8,7 +8,8 @@
 #include "sysinfo/Trace.h"
 
 #include <fcntl.h>
-#include <cstdio>
+#include <sstream>
+#include <string>
 
 namespace {
 
@@ -37,15 +38,17 @@ int DevLiunxMemUse::DevOpear(OLMA_DATA& data, std::vector<std::string>& args) {
 
 int DevLiunxMemUse::DevCalcMemNoUseOld(int& freeKb) {
     freeKb = -1;
-    FILE* const file = std::fopen(MEMINFO_PATH, "re");
-    if (file == nullptr)
+    HXDCTRL::File file;
+    if (!file.open(MEMINFO_PATH, O_RDONLY))
         return -1;
+    std::istringstream lines(file.readAll());
     meminfo::OldEstimate estimate;
     auto state = meminfo::OldEstimate::MORE;
-    char line[1024] = {};
-    while (state == meminfo::OldEstimate::MORE && std::fgets(line, sizeof line, file) != nullptr)
-        state = estimate.Feed(line);
-    std::fclose(file);
+    std::string line;
+    while (state == meminfo::OldEstimate::MORE && std::getline(lines, line)) {
+        line += '\n';
+        state = estimate.Feed(&line[0]);
+    }
     freeKb = estimate.FreeKb();
     return state == meminfo::OldEstimate::COMPLETE ? 0 : -1;
 }

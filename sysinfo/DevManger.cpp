@@ -74,42 +74,40 @@ void DevManger::DevRegiter(DEVSYSOPEAR operation) {
 int DevManger::DevOpear(OLMA_DATA& data, std::string cmd) {
     DEV_TRACE("DevOpear begin", "strCmd = %s", cmd.c_str());
     int operation = NO_OPERATION;
+    std::vector<std::string> args;
     if (!cmd.empty()) {
-        m_args.clear();
-        m_strName.clear();
-        if (m_pTools->ParaCmd(m_strName, m_args, cmd) != 0) {
+        std::string name;
+        const int parsed = m_pTools->ParaCmd(name, args, cmd);
+        m_strName = name;
+        m_args = args;
+        if (parsed != 0) {
             DEV_TRACE("DevOpear end", "strCmd = %s error", cmd.c_str());
             return RESULT_BAD_ARGUMENTS;
         }
-        const int selected = SelectOperation(data, operation);
+        const int selected = SelectOperation(data, name, args, operation);
         if (selected != RESULT_DONE)
             return selected;
     }
     const auto provider = m_providers.find(static_cast<DEVSYSOPEAR>(operation));
-    int result = RESULT_DONE;
-    if (provider != m_providers.end()) {
-        // A copy: the host may send another command from within a parameter write.
-        std::vector<std::string> args = m_args;
-        result = provider->second->DevOpear(data, args);
-    }
+    const int result =
+        provider != m_providers.end() ? provider->second->DevOpear(data, args) : RESULT_DONE;
     DEV_TRACE("DevOpear end", "strCmd = %s", cmd.c_str());
     return result;
 }
 
-int DevManger::SelectOperation(OLMA_DATA& data, int& operation) {
+int DevManger::SelectOperation(OLMA_DATA& data, const std::string& name,
+                               const std::vector<std::string>& args, int& operation) {
     for (const OperationRow& row : OPERATIONS) {
-        if (m_strName != CommandOf(row.command).name)
+        if (name != CommandOf(row.command).name)
             continue;
-        if (row.modes > 0)
-            return SelectLog(data, row.operation, row.modes, operation);
         operation = row.operation;
-        break;
+        return row.modes > 0 ? SelectLog(data, args, row.modes, operation) : RESULT_DONE;
     }
     return RESULT_DONE;
 }
 
-int DevManger::SelectLog(OLMA_DATA& data, int firstOperation, int modes, int& operation) {
-    const std::vector<std::string> args = m_args;
+int DevManger::SelectLog(OLMA_DATA& data, const std::vector<std::string>& args, int modes,
+                         int& operation) {
     int mode = 0;
     const int result = GetOpearMode(data, mode, args);
     if (result != RESULT_DONE)
@@ -118,7 +116,7 @@ int DevManger::SelectLog(OLMA_DATA& data, int firstOperation, int modes, int& op
         m_pOpearDb->DevSetParaValue(data, args[3], STATUS_FAILED);
         return RESULT_REFUSED;
     }
-    operation = firstOperation + mode;
+    operation += mode;
     return RESULT_DONE;
 }
 

@@ -43,13 +43,16 @@ public:
     int GetOpearMode(OLMA_DATA& data, int& mode, const std::vector<std::string>& args);
 
 private:
-    int SelectOperation(OLMA_DATA& data, int& operation);
-    int SelectLog(OLMA_DATA& data, int firstOperation, int modes, int& operation);
+    int SelectOperation(OLMA_DATA& data, const std::string& name,
+                        const std::vector<std::string>& args, int& operation);
+    int SelectLog(OLMA_DATA& data, const std::vector<std::string>& args, int modes, int& operation);
 
     std::unique_ptr<ToolsBase> m_pTools;
     std::unique_ptr<DevLinuxOpearDb> m_pOpearDb;
-    std::string m_strName;            // of the last command
-    std::vector<std::string> m_args;  // of the last command
+    // Of the last command; a command works on copies of its own, because the host may send another
+    // one from within a parameter call.
+    std::string m_strName;
+    std::vector<std::string> m_args;
     std::map<DEVSYSOPEAR, std::unique_ptr<DevLiunxBase>> m_providers;
 };
 

@@ -1,5 +1,8 @@
 #include "sysinfo/DoCmd.h"
 
+#include "common/Retry.h"
+
+#include <unistd.h>
 #include <cstdio>
 #include <memory>
 
@@ -26,10 +29,12 @@ bool DoCmd::doCmdSync(const std::string& cmd, std::string& output) {
     output.clear();
     char buffer[1024];
     for (;;) {
-        const std::size_t count = std::fread(buffer, 1, sizeof buffer - 1, pipe.get());
+        // Not fread, which ends at a signal as at the end.
+        const ssize_t count = hxd::RetryInterrupted(
+            [&] { return ::read(::fileno(pipe.get()), buffer, sizeof buffer - 1); });
         if (count < 1)
             return true;
-        output.append(buffer, count);
+        output.append(buffer, static_cast<std::size_t>(count));
     }
 }
 

@@ -1,9 +1,8 @@
 #include "sysinfo/LogReaders.h"
 
-#include "common/File.h"
+#include "common/PublicFolder.h"
 #include "common/ResultCodes.h"
 
-#include <fcntl.h>
 #include <unistd.h>
 #include <cstdlib>
 
@@ -18,12 +17,11 @@ int DeliverFile(DevLiunxBase& reader, const char* path, OLMA_DATA& data,
 
 constexpr const char* SCRATCH_PATH = "/tmp/dmesg.log";
 
-// Anybody may create files in /tmp: what is there under our name goes, so that the shell writes
-// into a file of ours and not through somebody's link.
+// So that the shell writes into a file of ours and not through somebody's link. The kernel's log is
+// not for everybody's eyes.
 bool MakeScratchFile() {
-    ::unlink(SCRATCH_PATH);
     HXDCTRL::File scratch;
-    return scratch.open(SCRATCH_PATH, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW);
+    return hxd::MakeAnew(SCRATCH_PATH, 0600, scratch);
 }
 
 }  // namespace

@@ -343,8 +343,13 @@ class QFile : public QIODevice {
 public:
     enum Permission { ReadOwner = 0x4000, WriteOwner = 0x2000 };
     typedef int Permissions;
+    enum FileError { NoError };
+    QFile();
     explicit QFile(const QString& name);
     bool open(OpenMode mode);
+    bool open(int descriptor, OpenMode mode);
+    bool flush();
+    FileError error() const;
     bool exists() const;
     bool remove();
     static bool exists(const QString& name);
@@ -372,6 +377,7 @@ public:
     QString path() const;
     QString fileName() const;
     QString filePath() const;
+    QString suffix() const;
     QString absolutePath() const;
     QString absoluteFilePath() const;
     QString canonicalFilePath() const;
@@ -381,8 +387,10 @@ public:
 
 class QDir {
 public:
-    enum Filter { Dirs = 1, Files = 2 };
+    enum Filter { Dirs = 1, Files = 2, AllEntries = 7, Hidden = 0x100 };
+    typedef int Filters;
     QDir(const QString& path = QString());
+    QStringList entryList(Filters filters) const;
     bool exists() const;
     bool mkpath(const QString& path) const;
 };
@@ -510,6 +518,7 @@ public:
     QImage copy(const QRect& area = QRect()) const;
     bool load(const QString& file, const char* format = 0);
     bool save(const QString& file, const char* format = 0, int quality = -1) const;
+    bool save(QIODevice* device, const char* format = 0, int quality = -1) const;
 };
 
 #endif

@@ -16,10 +16,6 @@ bool Enabled();
 // ...".
 std::vector<std::string> Calls();
 
-// True for the shell commands that guarded mode runs: find and mkdir -p with plain or single-quoted
-// words. A list of what is allowed, so that a command nobody has thought of is refused.
-bool IsHarmless(const std::string& command);
-
 }  // namespace guard
 
 #endif

@@ -24,6 +24,11 @@ enum HOST_STATUS : int {
 
 // The host's data objects, by name (parameters) and by 0-based index (channels). Every operation
 // returns 0 when done. The host owns the object and keeps it alive as long as the device exists.
+//
+// A driver calls them inside an operation of IDeviceCtrl, on the host's thread. They may throw (the
+// operation then gives HOST_BAD_ARGUMENT), be cancelled, end the thread, and call operations of any
+// device; see IDeviceCtrl for a release from within. They must not wait for another thread that is
+// inside the driver: commands and writes of all devices wait for each other.
 class IRtdb {
 public:
     virtual int GetParamType(const char* name, DATATYPE* type) = 0;
@@ -72,7 +77,12 @@ protected:
 };
 
 // One device of a driver. Made by CreateDeviceCtrl, released by DestroyDeviceCtrl. One object must
-// not be entered from two threads at once; no operation throws.
+// not be entered from two threads at once; no operation throws. A thread that is cancelled inside
+// an operation, but not in a callback, ends only when the operation has returned.
+//
+// From within a callback every operation may be called on the same object again, except that
+// CleanupDevice and DestroyDeviceCtrl are only noted (0) and done when the outermost operation of
+// the object returns; until then InitDevice gives HOST_BAD_ARGUMENT.
 class IDeviceCtrl {
 public:
     // Reads the device's configuration and starts the services. A second call changes nothing.

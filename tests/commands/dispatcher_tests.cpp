@@ -1,3 +1,4 @@
+#include "Adversity.h"
 #include "Record.h"
 #include "TestFiles.h"
 #include "commands/ChannelWrite.h"
@@ -9,6 +10,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <QDir>
 #include <QImage>
 #include <QImageWriter>
 #include <thread>
@@ -262,11 +264,10 @@ TEST_F(ChannelWrites, PauseBeforeTheTestTone) {
 
 TEST_F(ChannelWrites, AreDroppedWithoutTheLockFile) {
     ::unlink("/tmp/olma_app_conf.lck");
-    ASSERT_EQ(::symlink("/nowhere", "/tmp/olma_app_conf.lck"), 0);
+    const FrozenTmp frozen;
     EXPECT_EQ(Write(1, "not an address"), 0.0);
     EXPECT_EQ(Write(21, "40"), 0.0);
     EXPECT_EQ(Panel().brightness, 80);
-    ::unlink("/tmp/olma_app_conf.lck");
 }
 
 TEST_F(ChannelWrites, SetAddressesOfTheInterfaceTheyMean) {
@@ -316,10 +317,16 @@ TEST(ScreenshotPath, ChoosesTheRoot) {
         {"", true, "/media/usb0/", "", ""},
         {"$OLMA_DIR_USER/a.png", false, "", "", ""},
         {"x$/a.png", false, "", "", ""},
+        {"..", false, "", "", ""},
+        {"shots/../../etc/a.bmp", false, "", "", ""},
+        {"$OLMA_DIR_USR/../log/a.bmp", false, "", "", ""},
+        {"..a/b..c/a..png", true, "/media/usb0/", "..a/b..c/", "a..png"},
     };
     for (const auto& c : cases) {
         panel_actions::ScreenshotTarget target;
         ASSERT_EQ(panel_actions::ParseScreenshotPath(c.path, target), c.known) << c.path;
+        if (!c.known)
+            continue;
         EXPECT_EQ(target.root, c.root) << c.path;
         EXPECT_EQ(target.subDirectory, c.directory) << c.path;
         EXPECT_EQ(target.fileName, c.file) << c.path;
@@ -384,9 +391,33 @@ TEST_F(Screenshots, AreSavedUpToALimit) {
             << c.region;
     }
     Names asked;
-    host.onAccess = [&](const std::string& name) { asked.push_back(name); };
+    host.onParameter = [&] { asked.push_back(host.asked); };
     Save("a.png", ",1,2,3,4");
     EXPECT_EQ(asked, (Names{"path", "1", "2", "3", "4"}));
+}
+
+TEST_F(Screenshots, GoNowhereElseThanToTheStick) {
+    ASSERT_EQ(::mkdir("/tmp/target", 0755), 0);
+    writeFile("/tmp/target/a.bmp", "precious");
+    ASSERT_EQ(::symlink("/tmp/target", "/media/usb0/link"), 0);
+    ASSERT_EQ(::symlink("/tmp/target/a.bmp", "/media/usb0/a.bmp"), 0);
+    for (const char* path : {"link/a.bmp", "link/new/a.bmp", "./link//new/a.bmp", "a.bmp"})
+        EXPECT_EQ(Save(path), 0.0);
+    EXPECT_EQ(readFile("/tmp/target/a.bmp"), "precious");
+    EXPECT_FALSE(Exists("/tmp/target/new"));
+    EXPECT_EQ(Saved("/media/usb0/a.bmp").size(), QSize(800, 480));  // in the link's place
+
+    // Links on the panel's own storage are its owner's; files there are replaced as a whole, too.
+    ASSERT_EQ(::symlink("/tmp/target", "/storage/user_dir/link"), 0);
+    Save("$OLMA_DIR_USR/link/b.png");
+    EXPECT_FALSE(Saved("/tmp/target/b.png").isNull());
+    const std::string before = readFile("/tmp/target/b.png");
+    Save("$OLMA_DIR_USR/link/b.png", ",5");  // nothing to save
+    EXPECT_EQ(readFile("/tmp/target/b.png"), before);
+    Save("$OLMA_DIR_USR/link/b.unknown");
+    EXPECT_EQ(QDir(QLatin1String("/tmp/target")).entryList(QDir::AllEntries | QDir::Hidden).size(),
+              2 + 2)
+        << "a.bmp and b.png, and nothing half-written";
 }
 
 TEST_F(Screenshots, NeverRunWhatAPathHolds) {

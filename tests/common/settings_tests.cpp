@@ -1,3 +1,4 @@
+#include "Adversity.h"
 #include "SimPanel.h"
 #include "WaitStatus.h"
 #include "common/AppSettings.h"
@@ -13,6 +14,7 @@
 #include <unistd.h>
 #include <QFile>
 #include <fstream>
+#include <functional>
 
 namespace {
 
@@ -111,12 +113,33 @@ TEST(LockFile, IsExclusiveBetweenOpeners) {
     EXPECT_EQ(status.st_mode & 0777, 0755u);  // 0777 less the umask
 }
 
-TEST(LockFile, IsNotOpenedThroughALinkNorWaitedForAtAPipe) {
-    ASSERT_EQ(::symlink("/etc/hosts", "/tmp/link.lck"), 0);
-    ASSERT_EQ(::mkfifo("/tmp/pipe.lck", 0600), 0);
+TEST(LockFile, TakesItsPlaceBackFromWhateverWasPlantedThere) {
+    const char* const path = "/tmp/planted.lck";
+    const std::function<int()> plants[] = {
+        [&] { return ::symlink("/tmp/victim", path); },
+        [&] { return ::mkfifo(path, 0600); },
+        [&] { return ::mkdir(path, 0755); },
+        [&] { return ::mkdir(path, 0755) + ::mkdir("/tmp/planted.lck/full", 0755); },
+    };
     HXDCTRL::FileLock lock;
-    EXPECT_FALSE(lock.open("/tmp/link.lck"));
-    EXPECT_TRUE(lock.open("/tmp/pipe.lck"));
+    for (const auto& plant : plants) {
+        ASSERT_EQ(plant(), 0);
+        {
+            const FrozenTmp frozen;
+            EXPECT_FALSE(lock.open(path));
+            EXPECT_EQ(lock.Descriptor(), -1);
+        }
+        EXPECT_TRUE(lock.open(path));
+        struct stat status = {};
+        ASSERT_EQ(::lstat(path, &status), 0);
+        EXPECT_TRUE(S_ISREG(status.st_mode));
+        const ino_t inode = status.st_ino;
+        EXPECT_TRUE(lock.open(path));
+        ::lstat(path, &status);
+        EXPECT_EQ(status.st_ino, inode);  // a lock file is never removed
+        ::unlink(path);
+    }
+    EXPECT_NE(::access("/tmp/victim", F_OK), 0);
     EXPECT_FALSE(lock.open("/tmp/missing/x.lck"));
 }
 

@@ -1,4 +1,5 @@
 // The built library, driven as a host drives it: through dlopen and the abstract classes.
+#include "Adversity.h"
 #include "FakeHost.h"
 #include "FakeLink.h"
 #include "SimPanel.h"
@@ -8,8 +9,10 @@
 
 #include <dirent.h>
 #include <dlfcn.h>
+#include <pthread.h>
 #include <sched.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 #include <algorithm>
@@ -17,6 +20,7 @@
 #include <fstream>
 #include <functional>
 #include <stdexcept>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -78,6 +82,16 @@ Resources Used() {
         ++used.descriptors;
     ::closedir(directory);
     return used;
+}
+
+void RunInAThread(std::function<void()> body) {
+    pthread_t thread = {};
+    const auto run = [](void* work) -> void* {
+        (*static_cast<std::function<void()>*>(work))();
+        return nullptr;
+    };
+    ASSERT_EQ(::pthread_create(&thread, nullptr, run, &body), 0);
+    ::pthread_join(thread, nullptr);
 }
 
 }  // namespace
@@ -256,6 +270,113 @@ TEST_F(Device, AnswersAnyCommandText) {
     for (const std::string& command : commands)
         device->DevIOCtrl(command.c_str());
     EXPECT_EQ(device->DevIOCtrl("REFLESH()"), 0);
+}
+
+// What the host does from within a callback, for each way that leads to one.
+class FromWithin : public Device {
+protected:
+    FromWithin() { host.ints = {{"n", 1}, {"r", 0}}; }
+    ~FromWithin() override { device->UpdataCommunication(&silent); }
+
+    void OfEach(const std::function<void()>& callback,
+                const std::function<void(const std::function<int()>& call)>& make) {
+        const auto command = [&](const char* text) {
+            return [this, text] { return device->DevIOCtrl(text); };
+        };
+        const std::pair<std::function<void()>*, std::function<int()>> ways[] = {
+            {&host.onParameter, command("SetNetworkMode(n,n,r)")},
+            {&host.onParameter, command("EnableNTP(n,r)")},
+            {&host.onParameter, command("ReadAppLog(n,n,t,s)")},
+            {&host.onDelivery, [this] { return Collect(); }},
+            {&link.onCall, command("STRSHA256(t,r)")},
+            {&link.onCall, [this] { return device->UpdataCommunication(&link); }},
+        };
+        for (const auto& way : ways) {
+            ASSERT_EQ(Init(), 0);
+            device->UpdataCommunication(&link);
+            *way.first = callback;
+            make(way.second);
+            *way.first = [] {};
+        }
+    }
+
+    FakeLink link;
+    FakeLink silent;
+};
+
+TEST_F(FromWithin, AReleaseWaitsForTheEndOfTheOperation) {
+    const auto release = [&] {
+        EXPECT_EQ(device->CleanupDevice(), 0);
+        EXPECT_EQ(Init(), HOST_BAD_ARGUMENT);  // not before it has been released
+    };
+    OfEach(release, [&](const std::function<int()>& call) {
+        call();
+        host.onDelivery = [] { ADD_FAILURE() << "it was to be released"; };
+        Collect();
+    });
+    OfEach([&] { EXPECT_EQ(destroy(device), 0); },
+           [&](const std::function<int()>& call) {
+               const long threads = Used().threads;
+               call();
+               EXPECT_LT(Used().threads, threads);
+               device = create("next", &host);
+           });
+}
+
+// What ends the thread leaves neither a lock held nor the process dead.
+TEST_F(FromWithin, TheHostsThreadMayEnd) {
+    const auto cancelled = [] {
+        ::pthread_cancel(::pthread_self());
+        ::pthread_testcancel();
+    };
+    for (const std::function<void()>& end :
+         {std::function<void()>(cancelled), std::function<void()>([] { ::pthread_exit(nullptr); })})
+        OfEach(end, [&](const std::function<int()>& call) {
+            bool returned = false;
+            RunInAThread([&] {
+                call();
+                returned = true;
+            });
+            EXPECT_FALSE(returned);
+        });
+    EXPECT_EQ(device->DevIOCtrl("REFLESH()"), 0);
+}
+
+// Outside the host's code the operation comes to its end first.
+TEST_F(Device, FinishesTheOperationOfACancelledThread) {
+    int result = -1;
+    bool ended = true;
+    ASSERT_EQ(Init(), 0);
+    RunInAThread([&] {
+        ::pthread_cancel(::pthread_self());
+        result = device->DevIOCtrl("GetMemUse(11)");  // opens and reads
+        ::pthread_testcancel();
+        ended = false;
+    });
+    EXPECT_EQ(result, 0);
+    EXPECT_TRUE(ended);
+}
+
+// Everything that a device reads, beside a timer of the host that interrupts it.
+TEST_F(Device, ReadsTheSameUnderATimerThatRestartsNothing) {
+    ASSERT_EQ(Init(), 0);
+    host.texts["t"] = "";
+    host.doubles["s"] = -1;
+    host.channelType = [](int channel) { return channel == 0 || channel == 19 ? 3 : 2; };
+    ::mkdir("/run/shims", 0755);
+    std::ofstream("/run/shims/dmesg") << "sleep 0.03; echo one; sleep 0.03; echo two\n";
+    const InterruptingTimer timer;
+    for (int round = 0; round < 5; ++round) {
+        device->DevIOCtrl("REFLESH()");
+        EXPECT_EQ(Collect(), 0);
+        EXPECT_EQ(host.textChannels[0], "192.168.1.20");
+        EXPECT_NE(host.textChannels[19], "");
+        EXPECT_EQ(host.numberChannels[20], 80.0);
+        EXPECT_GT(host.numberChannels[9], 0.0);
+        EXPECT_GT(host.numberChannels[10], 1.0);
+        EXPECT_EQ(device->DevIOCtrl("ReadSysLog(0,1,t,s)"), 0);
+        EXPECT_EQ(host.texts["t"], "one\ntwo\n");
+    }
 }
 
 TEST_F(Device, RebootsThroughTheKernel) {

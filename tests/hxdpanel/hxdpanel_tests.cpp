@@ -4,16 +4,19 @@
 
 #include "common/File.h"
 #include "common/QtProcess.h"
+#include "hxdpanel/sandbox/HarmlessCommand.h"
 #include "ntp/SntpPacket.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <QDir>
 #include <QRegExp>
 #include <QStringList>
 
 #include <arpa/inet.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -184,8 +187,21 @@ TEST(Hxdpanel, WatchWritesALinePerReadingUntilInterrupted) {
 TEST(Hxdpanel, RefusesDangerousCallsWithoutTheSandbox) {
     ASSERT_EQ(::unlink("/run/hxd-panel"), 0);  // what tells it that it is inside
     const QByteArray path = qgetenv("PATH");
-    qputenv("PATH", "/nowhere");  // so that there is no bubblewrap
+    // No bubblewrap in there, and commands that leave a trace.
+    ASSERT_TRUE(QDir().mkpath(QLatin1String("/tmp/bin")));
+    for (const std::string name : {"dmesg", "find", "mount"}) {
+        writeFile("/tmp/bin/" + name, "#!/bin/sh\n: >/tmp/ran-" + name + "\n");
+        ASSERT_EQ(::chmod(("/tmp/bin/" + name).c_str(), 0755), 0);
+    }
+    qputenv("PATH", "/tmp/bin");
     const Outcome run = Hxdpanel({"--fresh", "exec", "REBOOT()", "ReadSysLog(0,1,a,b)", "panel"});
+    EXPECT_EQ(::access("/tmp/ran-find", F_OK), 0) << "what is harmless runs";
+    writeFile("/dev/mtd0", "");
+    ASSERT_TRUE(QDir().mkpath(QLatin1String("/sys/class/ubi/ubi0")));
+    writeFile("/sys/class/ubi/ubi0/total_eraseblocks", "256\n");
+    const Outcome nand = Hxdpanel({"--fresh", "panel"});
+    for (const char* trace : {"/tmp/ran-dmesg", "/tmp/ran-mount", "/tmp/dmesg.log"})
+        EXPECT_NE(::access(trace, F_OK), 0) << trace;
     const Outcome timeServer = Hxdpanel({"--fresh", "--time-server", "ntp"});
     qputenv("PATH", path);
     writeFile("/run/hxd-panel", "");
@@ -193,9 +209,48 @@ TEST(Hxdpanel, RefusesDangerousCallsWithoutTheSandbox) {
     EXPECT_TRUE(Contains(run.errors, "going on without the sandbox")) << run.errors;
     EXPECT_TRUE(Contains(run.out, "refused: reboot\n")) << run.out;
     EXPECT_TRUE(Contains(run.out, "refused: dmesg > /tmp/dmesg.log\n")) << run.out;
+    EXPECT_TRUE(Contains(nand.out, "refused: mount -t debugfs none /sys/kernel/debug\n"))
+        << nand.out;
     EXPECT_EQ(timeServer.exitCode, 4);
     EXPECT_TRUE(Contains(timeServer.errors, "--time-server needs the sandbox\n"));
     EXPECT_FALSE(Contains(timeServer.errors, "going on")) << timeServer.errors;
+}
+
+TEST(HarmlessCommand, IsOneThatNeitherRunsNorRemovesAnything) {
+    for (const char* command :
+         {"find /sys/devices/platform -name life_time", "find / /sys -maxdepth 2 -type f",
+          "mkdir -p /storage/user_dir/shots/", "mkdir -p '/media/usb0/it'\\''s; reboot'"})
+        EXPECT_TRUE(guard::IsHarmless(command)) << command;
+    for (const char* command : {"",
+                                "find",
+                                "find -delete",
+                                "find /sys -delete",
+                                "find /sys -name x -delete",
+                                "find /sys -name -delete",
+                                "find /sys -exec reboot",
+                                "find /sys -exec reboot ;",
+                                "find /sys -delete x",
+                                "find /sys -execdir sh {} +",
+                                "find /sys -ok reboot ;",
+                                "find /sys -fprint /etc/passwd",
+                                "find /sys -fls /etc/x",
+                                "find /sys -name x; reboot",
+                                "find /sys -name $(reboot)",
+                                "find /sys\nreboot",
+                                "find /sys -files0-from /x",
+                                "mkdir /x",
+                                "mkdir -p",
+                                "mkdir -p -m 0777 /x",
+                                "mkdir -p /x && reboot",
+                                "mkdir -p 'x",
+                                "mkdir -p 'x'y; reboot'",
+                                "mkdir -p `reboot`",
+                                "mkdir -p /x > /etc/passwd",
+                                "mkdir -p '/x' --mode=0777",
+                                "date -s 2020-01-01",
+                                "dmesg > /tmp/dmesg.log",
+                                "rm /tmp/dmesg.log"})
+        EXPECT_FALSE(guard::IsHarmless(command)) << command;
 }
 
 TEST(Hxdpanel, SynchronisesWithItsOwnTimeServer) {

@@ -282,8 +282,8 @@ TEST_F(NetworkMode, IsNotQueuedBehindARequestThatBeginsWhileItReadsItsArguments)
     std::atomic<bool> waiting{false}, done{false};
     std::thread holder, other;
     int otherResult = -99;
-    host.onAccess = [&](const std::string& name) {
-        if (name != "m")
+    host.onParameter = [&] {
+        if (host.asked != "m")
             return;
         holder = std::thread([&] {
             ChangePanel([&](sim::PanelState&) {

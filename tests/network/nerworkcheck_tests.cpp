@@ -1,3 +1,4 @@
+#include "Adversity.h"
 #include "network/NerworkCheck.h"
 #include "network/ResolverText.h"
 #include "tests/ntp/TimePanel.h"
@@ -118,16 +119,21 @@ TEST_F(ReachCheck, WritesAndRunsOnlyItsOwnFiles) {
 
     ::unlink("/tmp/ping.sh");
     ASSERT_EQ(::mkdir("/tmp/ping.sh", 0755), 0);
-    EXPECT_FALSE(pingNetWork(true));
-    ::rmdir("/tmp/ping.sh");
+    writeFile("/tmp/ping.sh/full", "");
+    EXPECT_TRUE(pingNetWork(true));
 
     for (const char* lock : {NerworkCheck::pingLckPath, HXDCTRL::dnsFileLockPath}) {
+        const int pings = Runs("ping");
         ::unlink(lock);
         ASSERT_EQ(::symlink("/tmp/victim", lock), 0);
-        EXPECT_FALSE(pingNetWork(false)) << lock;
-        ::unlink(lock);
+        {
+            const FrozenTmp frozen;
+            EXPECT_FALSE(pingNetWork(false)) << lock;
+        }
+        EXPECT_EQ(Runs("ping"), pings);
+        EXPECT_TRUE(pingNetWork(false)) << lock;
     }
-    EXPECT_EQ(Runs("ping"), 1);
+    EXPECT_EQ(readFile("/tmp/victim"), "precious");
 }
 
 TEST_F(ReachCheck, EndsAPingThatHangs) {

@@ -10,6 +10,8 @@
 #include <QFile>
 #include <QImage>
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <fstream>
@@ -41,6 +43,12 @@ bool Load(const std::string& content, std::string& error) {
 }
 
 }  // namespace
+
+TEST_F(StandIn, TheGuiDoesNotWaitAtAPipeInTheLocksPlace) {
+    ASSERT_EQ(mkfifo("/tmp/olma_app_conf.lck", 0600), 0);
+    std::ofstream("/usr/olma_app/config/olma_app_conf.ini") << "[DEVICE]\nbuzz_duration=70\n";
+    EXPECT_EQ(__gui_get_buzzing_time(1), 70);
+}
 
 TEST(CStringText, PositionsOutsideTheTextAreDrawnToItsEnds) {
     const int most = std::numeric_limits<int>::max();

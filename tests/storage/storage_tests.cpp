@@ -1,15 +1,18 @@
 // The arithmetic of flash wear, and the two managers at work. The cases of EmmcHealth run on the
 // panel "emmc" of tests/panels/, those of NandHealth on "nand", and change its files.
+#include "Adversity.h"
 #include "Record.h"
 #include "TestFiles.h"
 #include "storage/DiskCommon.h"
 #include "storage/DiskManager.h"
 #include "storage/Wear.h"
+#include "sysinfo/DoCmd.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
 #include <QStringList>
 #include <limits>
+#include <thread>
 
 namespace {
 
@@ -215,6 +218,26 @@ TEST_F(EmmcHealth, IsMeasuredOnRequestInTheFirstHourAndHourlyAfterwards) {
     Advance(TICK_MS);
     EXPECT_EQ(disk->getDiskIO(), 2);
     EXPECT_EQ(disk->getDiskLifeTime(), 100);  // from the spare blocks now
+}
+
+// Whatever takes longer than the timer's interval is interrupted: the commands do each time, a
+// pipe's reader twice.
+TEST_F(EmmcHealth, IsReadUnderATimerThatRestartsNothing) {
+    ASSERT_EQ(::mkfifo("/tmp/slow", 0600), 0);
+    std::thread writer(
+        [] { DoCmd::doCmdOnly("{ sleep 0.03; echo one; sleep 0.03; echo two; } >/tmp/slow"); });
+    const InterruptingTimer timer;
+    QVector<QString> lines;
+    EXPECT_TRUE(DiskCommon::readFileOfLine(QLatin1String("/tmp/slow"), lines));
+    writer.join();
+    EXPECT_EQ(lines.size(), 2);
+    for (int round = 0; round < 10; ++round) {
+        ASSERT_TRUE(Init());
+        EXPECT_EQ(disk->getDiskLifeTime(), 80);
+        EXPECT_EQ(GearNow(), 1);
+        Stop();
+        disk = MakeDiskManager();
+    }
 }
 
 TEST_F(EmmcHealth, IsUnknownWhileAnAttributeIsMissingOrAmbiguous) {

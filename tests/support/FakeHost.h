@@ -18,11 +18,13 @@ public:
     std::map<int, std::string> textChannels;
     std::function<int(int)> channelType = [](int) { return DATATYPE_DOUBLE; };
     std::function<void()> onDelivery = [] {};
-    std::function<void(const std::string&)> onAccess = [](const std::string&) {};  // its name
-    int status = 0;                                                                // of every call
+    std::function<void()> onParameter = [] {};  // when a parameter's type is asked
+    std::string asked;                          // its name
+    int status = 0;                             // of every call
 
     int GetParamType(const char* name, DATATYPE* type) override {
-        onAccess(name);
+        asked = name;
+        onParameter();
         if (ints.count(name) != 0)
             *type = DATATYPE_INTEGER;
         else if (doubles.count(name) != 0)

@@ -5,18 +5,24 @@
 #include "host.h"
 #include "hxdpanel/host/HostLink.h"
 
+#include <functional>
 #include <string>
 
 class FakeLink final : public HostLink {
 public:
     int kind = 1;
     std::string deviceName;  // all names that were announced, one behind the other
+    std::function<void()> onCall = [] {};
 
     int SetDeviceName(char* name) override {
         deviceName += name;
+        onCall();
         return 0;
     }
-    int GetLinkType() override { return kind; }
+    int GetLinkType() override {
+        onCall();
+        return kind;
+    }
 };
 
 class ForeignDevice final : public IDeviceCtrl {

@@ -1,4 +1,6 @@
+#include "Adversity.h"
 #include "Record.h"
+#include "TestFiles.h"
 #include "sysinfo/CpuSample.h"
 #include "sysinfo/DevLiunxCpuUse.h"
 #include "sysinfo/DevLiunxMemUse.h"
@@ -268,17 +270,26 @@ TEST_F(Registry, ReadsOddLogFiles) {
 }
 
 TEST_F(Registry, ReadsTheKernelLogThroughAFileOfItsOwn) {
-    std::ofstream("/tmp/victim") << "keep";
-    ASSERT_EQ(::symlink("/tmp/victim", "/tmp/dmesg.log"), 0);
-    EXPECT_EQ(Run("ReadSysLog(0,64,txt,st)"), 0);
-    EXPECT_NE(host.texts["txt"], "");
-    EXPECT_NE(host.texts["txt"], "before");
-    EXPECT_NE(::access("/tmp/dmesg.log", F_OK), 0);
-    std::string kept;
-    std::ifstream("/tmp/victim") >> kept;
-    EXPECT_EQ(kept, "keep");
-
     ::mkdir("/run/shims", 0755);
+    writeFile("/run/shims/dmesg", "echo $(stat -c '%a %F' /tmp/dmesg.log)\n");
+    writeFile("/tmp/victim", "keep");
+    const std::function<int()> plants[] = {
+        [] { return ::symlink("/tmp/victim", "/tmp/dmesg.log"); },
+        [] { return ::mkfifo("/tmp/dmesg.log", 0666); },
+        [] { return ::mkdir("/tmp/dmesg.log", 0777) + ::mkdir("/tmp/dmesg.log/full", 0777); },
+    };
+    for (const auto& plant : plants) {
+        ASSERT_EQ(plant(), 0);
+        {
+            const FrozenTmp frozen;
+            EXPECT_EQ(Run("ReadSysLog(0,64,txt,st)"), -3);
+        }
+        EXPECT_EQ(Run("ReadSysLog(0,64,txt,st)"), 0);
+        EXPECT_EQ(host.texts["txt"], "600 regular empty file\n");
+        EXPECT_NE(::access("/tmp/dmesg.log", F_OK), 0);
+    }
+    EXPECT_EQ(readFile("/tmp/victim"), "keep");
+
     std::ofstream("/run/shims/dmesg") << "#!/bin/sh\nexit 1\n";
     ::chmod("/run/shims/dmesg", 0755);
     host.texts["txt"] = "before";
@@ -289,10 +300,30 @@ TEST_F(Registry, ReadsTheKernelLogThroughAFileOfItsOwn) {
     EXPECT_EQ(host.doubles["st"], -1);
 }
 
+TEST_F(Registry, KeepsACommandApartFromOneThatAParameterCallSends) {
+    writeFile("/storage/log/restart.log", "outer");
+    writeFile("/storage/log/signal_recieved.log", "inner");
+    host.texts["other"] = "";
+    host.doubles["state"] = -1;
+    bool sent = false;
+    host.onParameter = [&] {
+        if (!sent) {
+            sent = true;
+            EXPECT_EQ(Run("ReadAppLog(2,1,other,state)"), 0);
+        }
+    };
+    EXPECT_EQ(Run("ReadAppLog(0,2,txt,st)"), 0);
+    EXPECT_EQ(host.texts["txt"], "outer");
+    EXPECT_EQ(host.texts["other"], "inner");
+}
+
 TEST(ShellRunner, CollectsWhatACommandSays) {
     std::string output = "before";
     EXPECT_TRUE(DoCmd::doCmdSync("printf 'a%02000d' 7; echo no >&2; exit 3", output));
     EXPECT_EQ(output.size(), 2001u);
+    const InterruptingTimer timer;
+    EXPECT_TRUE(DoCmd::doCmdSync("for i in 1 2 3; do sleep 0.03; printf $i; done", output));
+    EXPECT_EQ(output, "123");
     EXPECT_TRUE(DoCmd::doCmdOnly("echo x > /tmp/said"));
     EXPECT_EQ(::access("/tmp/said", F_OK), 0);
 }

@@ -20,7 +20,9 @@ namespace {
 // The lock that everyone who reads or writes the shared settings file holds meanwhile.
 class SettingsFileLock {
 public:
-    SettingsFileLock() : m_nFd(open("/tmp/olma_app_conf.lck", O_RDONLY | O_CLOEXEC | O_NOFOLLOW)) {
+    // O_NONBLOCK: a pipe that somebody put in the file's place is not waited for.
+    SettingsFileLock()
+        : m_nFd(open("/tmp/olma_app_conf.lck", O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK)) {
         while (m_nFd >= 0 && flock(m_nFd, LOCK_SH) != 0 && errno == EINTR) {
         }
     }

@@ -1,0 +1,60 @@
+// What a panel does to its programs.
+#ifndef HXD_TESTS_ADVERSITY_H
+#define HXD_TESTS_ADVERSITY_H
+
+#include <linux/capability.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/time.h>
+#include <unistd.h>
+#include <cstdint>
+
+// Interrupts whatever the process does every 10 ms, with a handler that restarts nothing.
+class InterruptingTimer {
+public:
+    InterruptingTimer() {
+        struct sigaction action = {};
+        action.sa_handler = [](int) {};
+        ::sigaction(SIGALRM, &action, nullptr);
+        Every(10000);
+    }
+    ~InterruptingTimer() { Every(0); }
+    InterruptingTimer(const InterruptingTimer&) = delete;
+    InterruptingTimer& operator=(const InterruptingTimer&) = delete;
+
+private:
+    static void Every(int microseconds) {
+        const itimerval interval = {{0, microseconds}, {0, microseconds}};
+        ::setitimer(ITIMER_REAL, &interval, nullptr);
+    }
+};
+
+// Nothing in /tmp can be made or removed by this thread while it lives.
+class FrozenTmp {
+public:
+    FrozenTmp() {
+        ::chmod("/tmp", 0555);
+        OverrideModes(false);
+    }
+    ~FrozenTmp() {
+        OverrideModes(true);
+        ::chmod("/tmp", 01777);
+    }
+    FrozenTmp(const FrozenTmp&) = delete;
+    FrozenTmp& operator=(const FrozenTmp&) = delete;
+
+private:
+    // Whether root stands above permissions; where it does not anyway, nothing changes.
+    static void OverrideModes(bool on) {
+        __user_cap_header_struct header = {_LINUX_CAPABILITY_VERSION_3, 0};
+        __user_cap_data_struct sets[2] = {};
+        ::syscall(SYS_capget, &header, sets);
+        const std::uint32_t right = 1u << CAP_DAC_OVERRIDE;
+        sets[0].effective =
+            on ? sets[0].effective | (sets[0].permitted & right) : sets[0].effective & ~right;
+        ::syscall(SYS_capset, &header, sets);
+    }
+};
+
+#endif
