@@ -2,23 +2,20 @@
 
 #include "common/AppSettings.h"
 #include "common/File.h"
-#include "common/IniOperator.h"
 #include "common/QtText.h"
 #include "common/ResultCodes.h"
+#include "common/SettingsFile.h"
 #include "driver/record/CDevServer.h"
 
 #include <QFile>
-#include <QSettings>
 #include <QString>
-
-#include <unistd.h>
 
 #include <vector>
 
 namespace {
 
 QString PasswordKey() {
-    return QLatin1String("/VNCCONFIG/passwd");
+    return QLatin1String("VNCCONFIG/passwd");
 }
 
 bool Exists(const QString& file) {
@@ -36,36 +33,31 @@ QString PasswordFile() {
     return QString();
 }
 
-// No codec is set for this file, here or by the plug-in: a text beyond ASCII is written escaped.
-QString StoredPassword(QSettings& settings) {
-    return settings.value(PasswordKey()).toString();
-}
+// No codec for this file, here or in the plug-in: a text beyond ASCII is written escaped.
+constexpr const char* NO_CODEC = nullptr;
 
 }  // namespace
 
 CString ReadVncPwd() {
-    const QString file = PasswordFile();
-    if (file.isEmpty())
+    const QString path = PasswordFile();
+    if (path.isEmpty())
         return CString();
-    QSettings settings(file, QSettings::IniFormat);
-    return hxd::ToHost(StoredPassword(settings));
+    hxd::SettingsFile file(path, NO_CODEC);
+    file.Load();
+    return hxd::ToHost(file.Value(PasswordKey()));
 }
 
 namespace CDevBas {
 
 int writeVncPwd(const CString& password) {
-    const QString file = PasswordFile();
-    if (file.isEmpty())
+    const QString path = PasswordFile();
+    if (path.isEmpty())
         return RESULT_DONE;
-    QSettings settings(file, QSettings::IniFormat);
+    hxd::SettingsFile file(path, NO_CODEC);
+    file.Load();
     const QString wanted = hxd::FromHost(password);
-    if (StoredPassword(settings) == wanted)
-        return RESULT_DONE;
-    const hxd::ModificationMark mark(file);
-    settings.setValue(PasswordKey(), wanted);
-    settings.sync();
-    mark.Settle();
-    ::sync();  // a power cut must not bring the old password back
+    if (file.Value(PasswordKey()) != wanted)
+        file.Store({{PasswordKey(), wanted}});
     return RESULT_DONE;
 }
 

@@ -1,6 +1,5 @@
 #include "common/AppSettings.h"
 
-#include "common/IniOperator.h"
 #include "olma_host.h"
 
 #include <QFile>
@@ -16,8 +15,8 @@ const char* const KEY_BACKLIGHT_BRIGHTNESS = "backlight_brightness";
 
 namespace {
 
-QString DeviceSection() {
-    return QLatin1String("DEVICE");
+QString KeyPath(const char* key) {
+    return QLatin1String("DEVICE/") + QLatin1String(key);
 }
 
 }  // namespace
@@ -29,17 +28,19 @@ QString AppConfigDirectory() {
 
 AppSettings::AppSettings()
     : m_bOpen(m_lock.open(appCfgLckPath)),
-      m_strFile(AppConfigDirectory() + QLatin1String("/olma_app_conf.ini")) {}
+      m_file(AppConfigDirectory() + QLatin1String("/olma_app_conf.ini"), CODEC_UTF8) {}
 
 int AppSettings::Read(const char* key, QString& value) {
     HXDCTRL::FileLocker locker(m_lock);
-    return IniOperator::FileIniReadValue(m_strFile, DeviceSection(), QLatin1String(key), value,
-                                         QString());
+    m_file.Load();
+    value = m_file.Value(KeyPath(key));
+    return 1;
 }
 
 int AppSettings::Write(const char* key, const QString& value) {
     HXDCTRL::FileLocker locker(m_lock);
-    return IniOperator::FileIniWriteValue(m_strFile, DeviceSection(), QLatin1String(key), value);
+    m_file.Store({{KeyPath(key), value}});
+    return 0;
 }
 
 }  // namespace hxd

@@ -3,6 +3,7 @@
 #define HXD_APPSETTINGS_H
 
 #include "common/FileLock.h"
+#include "common/SettingsFile.h"
 
 #include <QString>
 
@@ -20,7 +21,8 @@ extern const char* const KEY_BACKLIGHT_DURATION;  // ms
 extern const char* const KEY_BACKLIGHT_BRIGHTNESS;  // per cent
 
 // Access to the settings file for the time the object lives. Each read and write holds the lock
-// shared with the GUI only for itself; the lock file stays open in between.
+// shared with the GUI only for itself and sees what the file holds at that moment; the lock file
+// stays open in between.
 class AppSettings {
 public:
     AppSettings();
@@ -28,14 +30,14 @@ public:
     // False when the lock file cannot be opened; nothing may be read or written then.
     bool IsOpen() const { return m_bOpen; }
 
-    // Results as IniOperator; an absent key reads as the empty text.
+    // 1 and 0; an absent key reads as the empty text, and a write that fails is not reported.
     int Read(const char* key, QString& value);
     int Write(const char* key, const QString& value);
 
 private:
     HXDCTRL::FileLock m_lock;
     bool m_bOpen;
-    QString m_strFile;
+    SettingsFile m_file;
 };
 
 }  // namespace hxd

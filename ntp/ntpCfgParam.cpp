@@ -1,17 +1,11 @@
 #include "ntp/ntpCfgParam.h"
 
-#include "common/File.h"
-#include "common/IniOperator.h"
+#include "common/SettingsFile.h"
 #include "olma_host.h"
 
-#include <fcntl.h>
-#include <unistd.h>
 #include <QDir>
 #include <QFile>
-#include <QFileInfo>
-#include <QSettings>
 
-#include <cstdio>
 #include <mutex>
 
 const char* const ntp_cfg_name = "/ntp_param_cfg.ini";
@@ -36,7 +30,7 @@ QString SettingsDirectory() {
 }
 
 // With two slashes before the name, which the system takes as one.
-QString SettingsFile() {
+QString SettingsPath() {
     return SettingsDirectory() + QLatin1String(ntp_cfg_name);
 }
 
@@ -44,44 +38,8 @@ QString KeyPath(int setting) {
     return QLatin1String(ntpCfgSection) + QLatin1Char('/') + QLatin1String(ntpCfgNode[setting]);
 }
 
-QString ReadText(const QSettings& file, int setting) {
-    return file.value(KeyPath(setting), QLatin1String(ntpDefCfg[setting])).toString();
-}
-
-void SetAll(QSettings& file, const ntpCfgParam& settings) {
-    const std::int32_t numbers[FIRST_SERVER] = {settings.ntpSwitch, settings.mode, settings.freq};
-    for (int i = 0; i < FIRST_SERVER; ++i)
-        file.setValue(KeyPath(i), QString::number(numbers[i]));
-    for (int i = 0; i < NTP_SERVER_COUNT; ++i) {
-        const QString server = i < settings.servers.size() ? settings.servers.at(i) : QString();
-        file.setValue(KeyPath(FIRST_SERVER + i), server.isNull() ? QLatin1String("") : server);
-    }
-}
-
-// Keys that are not ours survive.
-void CopyAll(QSettings& to, const QString& from) {
-    QSettings file(from, QSettings::IniFormat);
-    file.setIniCodec("UTF-8");
-    const QStringList keys = file.allKeys();
-    for (int i = 0; i < keys.size(); ++i)
-        to.setValue(keys.at(i), file.value(keys.at(i)));
-}
-
-bool WriteFile(const QString& path, const QString& previous, const ntpCfgParam& settings) {
-    {
-        QSettings file(path, QSettings::IniFormat);
-        file.setIniCodec("UTF-8");
-        CopyAll(file, previous);
-        SetAll(file, settings);
-        file.sync();
-        if (file.status() != QSettings::NoError)
-            return false;
-    }
-    if (QFile::exists(previous))
-        QFile::setPermissions(path, QFile::permissions(previous));
-    HXDCTRL::File written;
-    return written.open(QFile::encodeName(path).constData(), O_RDONLY) &&
-           ::fsync(written.Descriptor()) == 0;
+QString Text(const hxd::SettingsFile& file, int setting) {
+    return file.Value(KeyPath(setting), QLatin1String(ntpDefCfg[setting]));
 }
 
 }  // namespace
@@ -101,36 +59,24 @@ bool operator!=(const ntpCfgParam& a, const ntpCfgParam& b) {
 }
 
 void ntpCfgParam::ReadCfg() {
-    QSettings file(SettingsFile(), QSettings::IniFormat);
-    file.setIniCodec("UTF-8");
-    ntpSwitch = ReadText(file, 0).toInt();
-    mode = ReadText(file, 1).toInt();
-    freq = ReadText(file, 2).toInt();
+    hxd::SettingsFile file(SettingsPath(), hxd::CODEC_UTF8);
+    file.Load();
+    ntpSwitch = Text(file, 0).toInt();
+    mode = Text(file, 1).toInt();
+    freq = Text(file, 2).toInt();
     for (int i = 0; i < NTP_SERVER_COUNT; ++i)
-        servers[i] = ReadText(file, FIRST_SERVER + i);
+        servers[i] = Text(file, FIRST_SERVER + i);
 }
 
-// QSettings writes in place with Qt 4, so it gets a file of its own that then replaces the real
-// one.
 void ntpCfgParam::writeCfg() const {
     if (!QDir().mkpath(SettingsDirectory()))
         return;
+    hxd::SettingsValues values;
+    const std::int32_t numbers[FIRST_SERVER] = {ntpSwitch, mode, freq};
+    for (int i = 0; i < FIRST_SERVER; ++i)
+        values[KeyPath(i)] = QString::number(numbers[i]);
+    for (int i = 0; i < NTP_SERVER_COUNT; ++i)
+        values[KeyPath(FIRST_SERVER + i)] = i < servers.size() ? servers.at(i) : QString();
     const std::lock_guard<std::mutex> locker(g_fileLock);
-    QString path = SettingsFile();
-    if (QFile::exists(path))
-        path = QFileInfo(path).canonicalFilePath();  // a link stays a link
-    const QString replacement = path + QLatin1String(".new");
-    // What a process that was killed here has left. For Qt's lock file a later process that happens
-    // to have the same number would wait half a minute.
-    QFile::remove(replacement);
-    QFile::remove(replacement + QLatin1String(".lock"));
-
-    const hxd::ModificationMark mark(path);
-    if (WriteFile(replacement, path, *this) &&
-        std::rename(QFile::encodeName(replacement).constData(),
-                    QFile::encodeName(path).constData()) == 0)
-        mark.Settle();
-    else
-        QFile::remove(replacement);
-    ::sync();
+    hxd::SettingsFile(SettingsPath(), hxd::CODEC_UTF8).Store(values);
 }

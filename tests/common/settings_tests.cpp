@@ -1,102 +1,318 @@
 #include "Adversity.h"
 #include "SimPanel.h"
+#include "TestFiles.h"
 #include "WaitStatus.h"
 #include "common/AppSettings.h"
 #include "common/File.h"
 #include "common/FileLock.h"
 #include "common/IniOperator.h"
+#include "common/ScratchFolder.h"
 
 #include <gtest/gtest.h>
 
+#include <dirent.h>
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/file.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <QFile>
+#include <QSettings>
+
+#include <atomic>
+#include <chrono>
 #include <fstream>
 #include <functional>
+#include <random>
 
 namespace {
 
-const QString INI = QLatin1String("/tmp/shared.ini");
+const char* const FOLDER = "/usr/olma_app/config";
+const char* const FILE_NAME = "/usr/olma_app/config/olma_app_conf.ini";
+const QString INI = QLatin1String(FILE_NAME);
 const QString SECTION = QLatin1String("DEVICE");
-const QString OWN_KEY[] = {QLatin1String("first"), QLatin1String("second")};
-
-std::string FileText(const char* path) {
-    HXDCTRL::File file;
-    return file.open(path, O_RDONLY) ? file.readAll() : "<none>";
-}
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+const char* const OWN_KEY[] = {hxd::KEY_BACKLIGHT_DURATION, hxd::KEY_BUZZ_DURATION};
 constexpr int ROUNDS = 1000;
-#else
-constexpr int ROUNDS = 5000;
-#endif
 
-// Counts its own key up under the lock; the exit code tells what went wrong.
-int CountUp(const QString& key) {
-    HXDCTRL::FileLock lock;
-    if (!lock.open("/tmp/shared.lck"))
-        return 1;
-    for (int round = 1; round <= ROUNDS; ++round) {
-        QString value;
-        {
-            HXDCTRL::FileLocker locker(lock);
-            IniOperator::FileIniReadValue(INI, SECTION, key, value, QLatin1String("0"));
-        }
-        if (value.toInt() != round - 1)
-            return 2;  // stale, or lost to the other process
-        HXDCTRL::FileLocker locker(lock);
-        IniOperator::FileIniWriteValue(INI, SECTION, key, QString::number(round));
-    }
-    return 0;
+void Write(const char* key, const QString& value, const QString& file = INI) {
+    EXPECT_EQ(IniOperator::FileIniWriteValue(file, SECTION, QLatin1String(key), value), 0);
 }
+
+QString Read(const char* key, const QString& file = INI) {
+    QString value;
+    EXPECT_EQ(
+        IniOperator::FileIniReadValue(file, SECTION, QLatin1String(key), value, QLatin1String("-")),
+        1);
+    return value;
+}
+
+// Of one length, so that the file's size tells nothing.
+QString Number(int number) {
+    return QString::number(100000 + number);
+}
+
+struct stat StatusOf(const char* path) {
+    struct stat status = {};
+    EXPECT_EQ(::lstat(path, &status), 0) << path;
+    return status;
+}
+
+// As the GUI has it, under the lock.
+QVariant Plainly(const char* key, const QString& written = QString()) {
+    QSettings settings(INI, QSettings::IniFormat);
+    settings.setIniCodec("UTF-8");
+    const QString path = SECTION + QLatin1Char('/') + QLatin1String(key);
+    if (!written.isNull())
+        settings.setValue(path, written);
+    return settings.value(path);
+}
+
+// Count their own key up. False if it is stale or lost to the other process.
+bool CountUpAsDriver(const char* key) {
+    hxd::AppSettings settings;
+    QString value;
+    for (int round = 1; round <= ROUNDS; ++round) {
+        settings.Read(key, value);
+        if (value != Number(round - 1))
+            return false;
+        settings.Write(key, Number(round));
+    }
+    return true;
+}
+bool CountUpAsGui(const char* key) {
+    HXDCTRL::FileLock lock;
+    lock.open(hxd::appCfgLckPath);
+    for (int round = 1; round <= ROUNDS; ++round) {
+        HXDCTRL::FileLocker locker(lock);
+        if (Plainly(key).toString() != Number(round - 1))
+            return false;
+        Plainly(key, Number(round));
+    }
+    return true;
+}
+
+// Puts another text of the same length into the file and its time back, as a write within the same
+// tick of the clock does.
+void WriteUnseen(const std::string& from, const std::string& to) {
+    std::string text = readFile(FILE_NAME);
+    const std::size_t at = text.find(from);
+    ASSERT_NE(at, std::string::npos) << text;
+    const struct stat before = StatusOf(FILE_NAME);
+    writeFile(FILE_NAME, text.replace(at, from.size(), to));
+    const struct timespec times[] = {before.st_atim, before.st_mtim};
+    ASSERT_EQ(::utimensat(AT_FDCWD, FILE_NAME, times, 0), 0);
+}
+
+std::size_t EntriesOf(const char* folder) {
+    std::size_t count = 0;
+    DIR* const listing = ::opendir(folder);
+    while (::readdir(listing) != nullptr)
+        ++count;
+    ::closedir(listing);
+    return count - 2;  // "." and ".."
+}
+
+// What two processes that are killed have certainly written.
+struct Progress {
+    std::atomic<int> written[2];
+};
+
+[[noreturn]] void WriteUntilKilled(int writer, Progress& progress) {
+    hxd::AppSettings settings;
+    for (int number = progress.written[writer] + 1;; ++number) {
+        settings.Write(OWN_KEY[writer], Number(number));
+        progress.written[writer] = number;
+    }
+}
+
+class Settings : public testing::Test {
+protected:
+    ~Settings() override {
+        ::unlink(FILE_NAME);
+        sim::SimPanel::instance().reset();
+    }
+};
 
 }  // namespace
 
-TEST(Settings, OfTwoProcessesAreNeverLostNorStale) {
+TEST_F(Settings, OfDriverAndGuiAreNeverLostNorStale) {
+    for (const char* key : OWN_KEY)
+        Write(key, Number(0));
     pid_t writers[2];
     for (int i = 0; i < 2; ++i) {
         writers[i] = ::fork();
         if (writers[i] == 0)
-            ::_exit(CountUp(OWN_KEY[i]));
+            ::_exit((i == 0 ? CountUpAsDriver : CountUpAsGui)(OWN_KEY[i]) ? 0 : 1);
     }
     for (const pid_t writer : writers) {
         const int status = WaitStatus(writer);
         EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
     }
-    for (const QString& key : OWN_KEY) {
+    for (const char* key : OWN_KEY)
+        EXPECT_EQ(Read(key), Number(ROUNDS));
+}
+
+TEST_F(Settings, OfOthersAreSeenAndKeptHoweverTheyCame) {
+    Write(OWN_KEY[0], QLatin1String("aaa"));
+    Write(OWN_KEY[1], QLatin1String("bbb"));
+    WriteUnseen("bbb", "ccc");  // behind our write
+    Write(OWN_KEY[0], QLatin1String("ddd"));
+    EXPECT_EQ(readFile(FILE_NAME), "[DEVICE]\nbacklight_duration=ddd\nbuzz_duration=ccc\n");
+    EXPECT_EQ(Read(OWN_KEY[1]), QLatin1String("ccc"));
+    WriteUnseen("ccc", "eee");  // behind our reading
+    EXPECT_EQ(Read(OWN_KEY[1]), QLatin1String("eee"));
+    Write(OWN_KEY[0], QLatin1String("fff"));
+    EXPECT_EQ(readFile(FILE_NAME), "[DEVICE]\nbacklight_duration=fff\nbuzz_duration=eee\n");
+
+    EXPECT_EQ(Plainly(OWN_KEY[0]).toString(), QLatin1String("fff"));
+    Write(OWN_KEY[0], QLatin1String("ggg"));  // at once: others see it by the file's time alone
+    EXPECT_EQ(Plainly(OWN_KEY[0]).toString(), QLatin1String("ggg"));
+}
+
+TEST_F(Settings, SurviveTheEndOfProcessesInAWrite) {
+    constexpr int KILL_ROUNDS = 150;
+    void* const shared = ::mmap(nullptr, sizeof(Progress), PROT_READ | PROT_WRITE,
+                                MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    ASSERT_NE(shared, MAP_FAILED);
+    Progress& progress = *new (shared) Progress();
+    hxd::AppSettings settings;
+    writeFile(FILE_NAME, "[GUI]\nlanguage=" + std::string(5000, 'x') + "\n");
+    for (const char* key : OWN_KEY)
+        Write(key, Number(0));
+    std::minstd_rand random(static_cast<unsigned>(testing::UnitTest::GetInstance()->random_seed()));
+    std::chrono::steady_clock::duration slowest{};
+    for (int round = 0; round < KILL_ROUNDS; ++round) {
+        pid_t writers[2];
+        for (int i = 0; i < 2; ++i) {
+            writers[i] = ::fork();
+            if (writers[i] == 0)
+                WriteUntilKilled(i, progress);
+        }
+        for (const pid_t writer : writers) {
+            ::usleep(static_cast<useconds_t>(random() % 5000));
+            ASSERT_EQ(::kill(writer, SIGKILL), 0);
+            ASSERT_TRUE(WIFSIGNALED(WaitStatus(writer)));
+        }
+        const auto start = std::chrono::steady_clock::now();
+        settings.Write(hxd::KEY_BACKLIGHT_STATUS, Number(round));
+        slowest = std::max(slowest, std::chrono::steady_clock::now() - start);
+        for (int i = 0; i < 2; ++i) {
+            const int number = Read(OWN_KEY[i]).toInt() - Number(0).toInt();
+            const int written = progress.written[i];
+            ASSERT_TRUE(number == written || number == written + 1) << number << ", " << written;
+            progress.written[i] = number;
+        }
+        ASSERT_NE(readFile(FILE_NAME).find(std::string(5000, 'x') + "\n"), std::string::npos);
+        ASSERT_EQ(EntriesOf(FOLDER), 1u);
+    }
+    const auto slowestMs = std::chrono::duration_cast<std::chrono::milliseconds>(slowest).count();
+    RecordProperty("slowest_write_ms", static_cast<int>(slowestMs));
+    EXPECT_LT(slowestMs, 10000) << "for the lock of a dead process Qt would wait 30 s";
+    ::munmap(shared, sizeof(Progress));
+}
+
+// On a disk with room for ever more of the new file's pages.
+TEST_F(Settings, ThatTheDiskRefusesLeaveNoTrace) {
+    sim::SimPanel::instance().change(
+        [](sim::PanelState& state) { state.directories[1] = "/storage"; });
+    const char* const file = "/storage/olma_app_conf.ini";
+    const char* const filler = "/storage/filler";
+    const std::string foreign = "[GUI]\nkey=" + std::string(20000, 'x') + "\n";
+    const std::string before = "[DEVICE]\nbuzz_duration=1\n\n" + foreign;
+    int refused = 0;
+    int stored = 0;
+    for (off_t freePages = 0; freePages < 16; ++freePages) {
+        writeFile(file, before);
+        const HXDCTRL::File disk(::open(filler, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
+        const std::string block(1 << 16, 'x');
+        while (::write(disk.Descriptor(), block.data(), block.size()) > 0) {
+        }
+        ASSERT_EQ(::ftruncate(disk.Descriptor(), StatusOf(filler).st_size - freePages * 4096), 0);
+        EXPECT_EQ(hxd::AppSettings().Write(hxd::KEY_BUZZ_DURATION, QLatin1String("2")), 0);
+        const std::string after = readFile(file);
+        ASSERT_TRUE(after == before || after == "[DEVICE]\nbuzz_duration=2\n\n" + foreign) << after;
+        ++(after == before ? refused : stored);
+        ASSERT_EQ(EntriesOf("/storage"), 4u) << "log, user_dir, the filler and the file";
+
+        ::unlink(filler);
+        writeFile(file, "[DEVICE]\nbuzz_duration=3\n");
         QString value;
-        IniOperator::FileIniReadValue(INI, SECTION, key, value, QString());
-        EXPECT_EQ(value.toInt(), ROUNDS);
+        hxd::AppSettings().Read(hxd::KEY_BUZZ_DURATION, value);
+        EXPECT_EQ(value, QLatin1String("3"));
+        hxd::AppSettings().Write(hxd::KEY_BACKLIGHT_STATUS, QLatin1String("1"));
+        EXPECT_EQ(readFile(file), "[DEVICE]\nbacklight_status=1\nbuzz_duration=3\n");
+    }
+    EXPECT_GT(refused, 0);
+    EXPECT_GT(stored, 0);
+}
+
+TEST_F(Settings, KeepModeTimeLinksAndForeignKeys) {
+    const std::string foreign =
+        "[%General]\na=1\n\n[Z]\nbytes=@ByteArray(\\0\\xff)\nlist=a, b\npoint=@Point(1 2)\n"
+        "sub\\key=\"x;y\"\n";
+    writeFile(FILE_NAME, "; comment\n" + foreign);
+    ::chmod(FILE_NAME, 0640);
+    const struct timespec future[] = {{2000000000, 0}, {2000000000, 0}};
+    ASSERT_EQ(::utimensat(AT_FDCWD, FILE_NAME, future, 0), 0);
+    Write(OWN_KEY[0], QLatin1String("1"));
+    EXPECT_EQ(StatusOf(FILE_NAME).st_mode & 07777, 0640u);
+    EXPECT_TRUE(StatusOf(FILE_NAME).st_mtim.tv_sec > future[1].tv_sec ||
+                StatusOf(FILE_NAME).st_mtim.tv_nsec > 0);
+    EXPECT_EQ(readFile(FILE_NAME), "[DEVICE]\nbacklight_duration=1\n\n" + foreign);
+
+    const mode_t umask = ::umask(0);
+    ::mkdir("/tmp/links", 0755);
+    ASSERT_EQ(::symlink("links/two", "/tmp/one"), 0);
+    ASSERT_EQ(::symlink("../links/three", "/tmp/links/two"), 0);
+    Write(OWN_KEY[0], QLatin1String("2"), QLatin1String("/tmp/one"));
+    ::umask(umask);
+    EXPECT_EQ(StatusOf("/tmp/links/three").st_mode, S_IFREG | 0644u);
+    EXPECT_TRUE(S_ISLNK(StatusOf("/tmp/one").st_mode) &&
+                S_ISLNK(StatusOf("/tmp/links/two").st_mode));
+}
+
+TEST_F(Settings, AreNeitherReadFromNorWrittenToWhatIsNoFile) {
+    writeFile("/tmp/huge", "");
+    ASSERT_TRUE(::mkfifo("/tmp/pipe", 0600) == 0 && ::symlink("loop", "/tmp/loop") == 0 &&
+                ::truncate("/tmp/huge", 1LL << 40) == 0);
+    for (const char* path : {"/tmp/loop", "/tmp/pipe", "/tmp/huge", "/etc", "/tmp/none/file"}) {
+        Write(OWN_KEY[0], QLatin1String("1"), QLatin1String(path));
+        EXPECT_EQ(Read(OWN_KEY[0], QLatin1String(path)), QLatin1String("-")) << path;
     }
 }
 
-TEST(Settings, AreReadWithDefaultsAndRefuseEmptyNames) {
-    const QString ini = QLatin1String("/tmp/single.ini");
-    QString value = QLatin1String("before");
-    EXPECT_EQ(IniOperator::FileIniReadValue(ini, QString(), OWN_KEY[0], value, QString()), 0);
-    EXPECT_EQ(value, QLatin1String("before"));
-    EXPECT_EQ(IniOperator::FileIniWriteValue(ini, QString(), OWN_KEY[0], value), -1);
-    EXPECT_EQ(IniOperator::FileIniWriteValue(QString(), SECTION, OWN_KEY[0], value), -1);
-    EXPECT_EQ(IniOperator::FileIniReadValue(ini, SECTION, OWN_KEY[0], value, OWN_KEY[1]), 1);
-    EXPECT_EQ(value, OWN_KEY[1]);
-    EXPECT_FALSE(QFile::exists(ini));
-    const QString text = QString::fromUtf8("grün, 1%=\";\n");
-    EXPECT_EQ(IniOperator::FileIniWriteValue(ini, SECTION, OWN_KEY[0], text), 0);
-    IniOperator::FileIniReadValue(ini, SECTION, OWN_KEY[0], value, QString());
-    EXPECT_EQ(value, text);
-    EXPECT_NE(FileText("/tmp/single.ini").find("[DEVICE]"), std::string::npos);
+TEST(ScratchFolder, IsRemovedByOthersOnlyWhenItsOwnerIsDead) {
+    ASSERT_EQ(::mkdir("/tmp/.x.hxd-DEAD00", 0700), 0);
+    writeFile("/tmp/.x.hxd-DEAD00/1.lock", "");
+    ASSERT_EQ(::symlink("/etc", "/tmp/.x.hxd-LINK00"), 0);
+    const hxd::ScratchFolder first("/tmp/x");
+    const hxd::ScratchFolder second("/tmp/x");
+    EXPECT_EQ(::access(first.Path().c_str(), F_OK), 0);
+    EXPECT_EQ(StatusOf(second.Path().c_str()).st_mode, S_IFDIR | 0700u);
+    EXPECT_EQ(::access("/tmp/.x.hxd-DEAD00", F_OK), -1);
+    EXPECT_EQ(::access("/etc/iot_cfg", F_OK), 0);
 }
 
-TEST(Settings, OfTheGuiLieWhereTheHostSays) {
-    hxd::AppSettings settings;
-    ASSERT_TRUE(settings.IsOpen());
-    EXPECT_EQ(settings.Write(hxd::KEY_BUZZ_DURATION, QLatin1String("30")), 0);
-    EXPECT_EQ(FileText("/usr/olma_app/config/olma_app_conf.ini"), "[DEVICE]\nbuzz_duration=30\n");
+TEST_F(Settings, AreReadWithDefaultsAndRefuseEmptyNames) {
+    const QString key = QLatin1String("key");
+    QString value = QLatin1String("before");
+    EXPECT_EQ(IniOperator::FileIniReadValue(INI, QString(), key, value, QString()), 0);
+    EXPECT_EQ(value, QLatin1String("before"));
+    EXPECT_EQ(IniOperator::FileIniWriteValue(INI, QString(), key, value), -1);
+    EXPECT_EQ(IniOperator::FileIniWriteValue(QString(), SECTION, key, value), -1);
+    EXPECT_EQ(Read(OWN_KEY[0]), QLatin1String("-"));
+    EXPECT_FALSE(QFile::exists(INI));
+    const QString text = QString::fromUtf8("grün, 1%=\";\n");
+    Write(OWN_KEY[0], text);
+    EXPECT_EQ(Read(OWN_KEY[0]), text);
+    EXPECT_NE(readFile(FILE_NAME).find("[DEVICE]"), std::string::npos);
+}
+
+TEST_F(Settings, LieInThePanelsFolderWhereTheHostNamesNone) {
     sim::SimPanel::instance().change([](sim::PanelState& state) { state.directories.clear(); });
-    EXPECT_EQ(hxd::AppConfigDirectory(), QLatin1String("/usr/olma_app/config"));
-    sim::SimPanel::instance().reset();
+    EXPECT_EQ(hxd::AppSettings().Write(hxd::KEY_BUZZ_DURATION, QLatin1String("30")), 0);
+    EXPECT_EQ(readFile(FILE_NAME), "[DEVICE]\nbuzz_duration=30\n");
 }
 
 TEST(LockFile, IsExclusiveBetweenOpeners) {
@@ -144,7 +360,7 @@ TEST(LockFile, TakesItsPlaceBackFromWhateverWasPlantedThere) {
 }
 
 TEST(File, ReadsWholeFilesOfEveryKind) {
-    std::ofstream("/tmp/content") << std::string(5000, 'x');
+    writeFile("/tmp/content", std::string(5000, 'x'));
     HXDCTRL::File file;
     ASSERT_TRUE(file.open("/tmp/content", O_RDONLY));
     EXPECT_TRUE(file.seek(4000));
