@@ -1,7 +1,7 @@
 // The password of the remote view, kept as plain text in the plug-in's settings file:
 // "/etc/iot_cfg/vncConfig.ini" or, when that is missing, vncConfig.ini in the host's settings
-// directory. Called under the dispatcher's mutex or by the collection. The plug-in knows no lock for
-// the file: of two that write it in the same moment, the later one wins.
+// directory. Called under the dispatcher's mutex or by the collection. The plug-in knows no lock
+// for the file: of two that write it in the same moment, the later one wins.
 #ifndef HXD_VNCPASSWORD_H
 #define HXD_VNCPASSWORD_H
 
