@@ -17,10 +17,8 @@
 
 namespace {
 
-constexpr unsigned MAX_BUZZER_MS = 6500;
 constexpr unsigned SHORT_PAUSE_MS = 30;
 constexpr unsigned TEST_TONE_HZ = 900;
-constexpr int NO_BRIGHTNESS_CONTROL = -19;
 
 // One write on its way to its channel's handler.
 struct Write {
@@ -30,11 +28,8 @@ struct Write {
     CString text;  // what follows the "="
     hxd::AppSettings& settings;
 
-    // Unsigned, so a negative value is refused like one that is too large.
-    bool InRange() const {
-        return static_cast<unsigned>(value) - static_cast<unsigned>(channel.minimum) <=
-               static_cast<unsigned>(channel.maximum) - static_cast<unsigned>(channel.minimum);
-    }
+    // A negative value is refused like one that is too large.
+    bool InRange() const { return channel.InRange(value); }
     int Store(const char* key, int number) { return settings.Write(key, QString::number(number)); }
 };
 
@@ -80,12 +75,13 @@ int WriteBacklightDelay(Write& write) {
 // The pause comes first, so that the tone does not run into the one of the key that was pressed,
 // and takes its length from the settings; the written value is the length of the tone.
 int TestBuzzer(Write& write) {
-    if (write.value < 0)
+    if (!write.InRange())
         return RESULT_REFUSED;
     QString text;
     const bool known = write.settings.Read(hxd::KEY_BUZZ_DURATION, text) == 1;
-    const unsigned pauseMs = static_cast<unsigned>(text.toInt());
-    Olma_Sleep(known && pauseMs <= MAX_BUZZER_MS ? pauseMs : SHORT_PAUSE_MS);
+    const int pauseMs = text.toInt();
+    const bool usable = known && FindChannel(CHANNEL_BUZZER_DURATION)->InRange(pauseMs);
+    Olma_Sleep(usable ? static_cast<unsigned>(pauseMs) : SHORT_PAUSE_MS);
     Olma_Beep(TEST_TONE_HZ, static_cast<unsigned>(write.value));
     return RESULT_DONE;
 }
@@ -142,7 +138,7 @@ int WritePassword(Write& write) {
 
 int WriteBrightness(Write& write) {
     // Whether there is a control at all comes before the range.
-    if (hal_display_get_backlight_brightness() == NO_BRIGHTNESS_CONTROL)
+    if (hal_display_get_backlight_brightness() == HAL_NO_SUCH_DEVICE)
         return RESULT_NO_BRIGHTNESS;
     if (!write.InRange())
         return RESULT_BAD_ARGUMENTS;

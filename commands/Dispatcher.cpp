@@ -2,6 +2,7 @@
 
 #include "commands/ChannelWrite.h"
 #include "commands/PanelActions.h"
+#include "commands/Screenshot.h"
 #include "commands/StringHash.h"
 #include "commands/VncPassword.h"
 #include "common/Numbers.h"

@@ -1,11 +1,9 @@
-// Commands that act on the panel: light, restart, screenshot. Called by the dispatcher under
-// g_halMutex; each returns a ResultCode.
+// Commands that act on the panel: light and restart. Called by the dispatcher under g_halMutex;
+// each returns a ResultCode.
 #ifndef HXD_PANELACTIONS_H
 #define HXD_PANELACTIONS_H
 
 #include "driver/record/OlmaData.h"
-
-#include <string>
 
 namespace panel_actions {
 
@@ -15,25 +13,6 @@ int BacklightOff(OLMA_DATA& data, const CString& args);
 
 // Restarts the machine at once: nothing is flushed, nobody is asked. Returns only on failure.
 int Reboot(OLMA_DATA& data, const CString& args);
-
-// Saves a picture of the screen, or of a rectangle of it. args: name of the text that holds the
-// path, then optionally x1, y1, x2, y2. Always 0: what went wrong shows only in the missing file.
-// On the USB stick no link is followed. A file of that name is replaced as a whole.
-int SaveScreen(OLMA_DATA& data, const CString& args);
-
-// Where a screenshot goes. The path's first component is the macro "$OLMA_DIR_USR" for the user
-// data area; paths without a macro go to the USB stick.
-struct ScreenshotTarget {
-    std::string root;          // ends with "/"
-    std::string subDirectory;  // empty or ends with "/"
-    std::string fileName;
-};
-// False for a macro that nobody knows, and for a path with "..", which could lead anywhere.
-bool ParseScreenshotPath(const std::string& path, ScreenshotTarget& target);
-
-// A directory name for a shell command: as it stands while it is harmless, otherwise in single
-// quotes, so that nothing of it ever runs.
-std::string ShellWord(const std::string& text);
 
 }  // namespace panel_actions
 

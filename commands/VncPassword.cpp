@@ -5,12 +5,10 @@
 #include "common/QtText.h"
 #include "common/ResultCodes.h"
 #include "common/SettingsFile.h"
-#include "driver/record/CDevServer.h"
+#include "driver/record/Call.h"
 
 #include <QFile>
 #include <QString>
-
-#include <vector>
 
 namespace {
 
@@ -62,15 +60,11 @@ int writeVncPwd(const CString& password) {
 }
 
 int ModVncPwd(OLMA_DATA& data, const CString& args) {
-    std::vector<FF::utils::String> names;
-    if (CDevBas::splitString(args, ',', names) != 1 || names.empty() || names.size() > 2)
-        return RESULT_BAD_ARGUMENTS;
-    CString password;
-    const bool read = CDevServer::SvrGetParaValue(data, names[0].c_str(), password) == 1;
-    int result = read ? writeVncPwd(password) : RESULT_REFUSED;
-    const bool reported =
-        names.size() < 2 || CDevServer::SvrSetParaValue(data, names[1].c_str(), -result) == 1;
-    return reported ? result : RESULT_REFUSED;
+    return RunCall(data, COMMAND_MOD_VNC_PWD, args, [](const Call& call) {
+        CString password;
+        const int result = call.Read(0, password) ? writeVncPwd(password) : RESULT_REFUSED;
+        return call.WriteResult(-result) ? result : RESULT_REFUSED;
+    });
 }
 
 }  // namespace CDevBas

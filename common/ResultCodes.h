@@ -21,6 +21,10 @@ enum ResultCode : int {
     RESULT_HARDWARE_FAILED = -17,    // the hardware layer failed
 };
 
+// What the hardware layer answers for a device that the panel does not have; brightness control, as
+// far as the driver looks at it.
+constexpr int HAL_NO_SUCH_DEVICE = -19;
+
 // What a status number that the host sees (0, 4, 0x80000001, ...) means, in a few words; never
 // null.
 const char* StatusMeaning(int status);

@@ -3,7 +3,9 @@
 #include "commands/VncPassword.h"
 #include "common/AppSettings.h"
 #include "common/QtText.h"
+#include "common/ResultCodes.h"
 #include "driver/record/ChannelTable.h"
+#include "driver/record/CommandTable.h"
 #include "driver/record/DevContext.h"
 #include "network/InterfaceSettings.h"
 #include "ntp/NtpCtrl.h"
@@ -18,7 +20,6 @@
 
 namespace {
 
-constexpr int NO_BRIGHTNESS_CONTROL = -19;
 constexpr double FULL_BRIGHTNESS = 100.0;
 constexpr unsigned STORAGE_POLL_MS = 200;
 
@@ -71,18 +72,20 @@ void ReadSettings(hxd::AppSettings& settings, Channels& channels) {
     }
 }
 
-void RunOperation(OLMA_DATA& data, const char* name, int channel) {
-    CString command;
-    command.Format("%s(%d)", name, channel);
-    data.m_pContext->m_pDevManger->DevOpear(data, static_cast<const char*>(command));
+// As a script would ask for it: the registry's log lines and its choice of provider belong to every
+// reading, so this is no detour around calling the provider.
+void RunOperation(OLMA_DATA& data, Command command, int channel) {
+    CString text;
+    text.Format("%s(%d)", CommandOf(command).name, channel);
+    data.m_pContext->m_pDevManger->DevOpear(data, static_cast<const char*>(text));
 }
 
 void ReadSystemUse(OLMA_DATA& data, Channels& channels) {
     if (data.m_pContext->m_pDevManger == nullptr)
         return;
-    RunOperation(data, "GetCpuUse", CHANNEL_CPU_USE);
+    RunOperation(data, COMMAND_GET_CPU_USE, CHANNEL_CPU_USE);
     channels.Set(CHANNEL_CPU_USE, data.m_pContext->m_dCpuUse);
-    RunOperation(data, "GetMemUse", CHANNEL_MEMORY_AVAILABLE);
+    RunOperation(data, COMMAND_GET_MEM_USE, CHANNEL_MEMORY_AVAILABLE);
     channels.Set(CHANNEL_MEMORY_AVAILABLE, data.m_pContext->m_dMemAvail);
 }
 
@@ -106,7 +109,7 @@ void ReadSerialNumber(Channels& channels) {
 
 void ReadBrightness(Channels& channels) {
     const int percent = hal_display_get_backlight_brightness();
-    channels.Set(CHANNEL_BRIGHTNESS, percent == NO_BRIGHTNESS_CONTROL ? FULL_BRIGHTNESS : percent);
+    channels.Set(CHANNEL_BRIGHTNESS, percent == HAL_NO_SUCH_DEVICE ? FULL_BRIGHTNESS : percent);
 }
 
 void ReadMacAddresses(Channels& channels) {

@@ -1,16 +1,9 @@
 #include "sysinfo/DevLinuxOpearDb.h"
 
 #include "common/Numbers.h"
+#include "driver/record/CDevServer.h"
 
 namespace {
-
-constexpr DATATYPE TYPE_UNKNOWN = static_cast<DATATYPE>(-2);
-
-DATATYPE TypeOf(OLMA_DATA& data, const CString& name) {
-    DATATYPE type = TYPE_UNKNOWN;
-    data.m_pfnGetParamType(data, name, type);
-    return type;
-}
 
 void Set(OLMA_DATA& data, const CString& name, DATATYPE type, void* value) {
     if (data.m_pfnSetParamValue != nullptr)
@@ -25,7 +18,7 @@ CString HostText(const std::string& text) {
 
 int DevLinuxOpearDb::DevGetParaValue(OLMA_DATA& data, const std::string& name, int& value) const {
     const CString hostName = HostText(name);
-    const DATATYPE type = data.m_pfnGetParamType != nullptr ? TypeOf(data, hostName) : TYPE_UNKNOWN;
+    const DATATYPE type = ParameterType(data, hostName);
     if (type == DATATYPE_DOUBLE || type == DATATYPE_TEXT)
         return -1;
     if (type != DATATYPE_INTEGER)
@@ -36,10 +29,8 @@ int DevLinuxOpearDb::DevGetParaValue(OLMA_DATA& data, const std::string& name, i
 }
 
 int DevLinuxOpearDb::DevSetParaValue(OLMA_DATA& data, const std::string& name, double value) const {
-    if (data.m_pfnGetParamType == nullptr)
-        return -1;
     const CString hostName = HostText(name);
-    const DATATYPE type = TypeOf(data, hostName);
+    const DATATYPE type = ParameterType(data, hostName);
     if (type == DATATYPE_INTEGER) {
         int rounded = hxd::RoundToInt(value);
         Set(data, hostName, type, &rounded);
@@ -54,10 +45,8 @@ int DevLinuxOpearDb::DevSetParaValue(OLMA_DATA& data, const std::string& name, d
 
 int DevLinuxOpearDb::DevSetParaValue(OLMA_DATA& data, const std::string& name,
                                      const std::string& value) const {
-    if (data.m_pfnGetParamType == nullptr)
-        return -1;
     const CString hostName = HostText(name);
-    if (TypeOf(data, hostName) != DATATYPE_TEXT)
+    if (ParameterType(data, hostName) != DATATYPE_TEXT)
         return -1;
     CString text = HostText(value);
     Set(data, hostName, DATATYPE_TEXT, &text);

@@ -16,9 +16,6 @@ namespace {
 // Lengths of this many KiB and more do not fit the 32-bit byte count.
 constexpr int LENGTH_LIMIT_KIB = 2097152;
 
-constexpr double STATUS_DELIVERED = 0.0;
-constexpr double STATUS_FAILED = 4.0;
-
 // One line with its end, or what fits.
 std::string FirstLine(HXDCTRL::File& file) {
     char line[128] = {};

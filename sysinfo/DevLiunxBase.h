@@ -2,12 +2,17 @@
 #ifndef HXD_DEVLIUNXBASE_H
 #define HXD_DEVLIUNXBASE_H
 
+#include "common/ResultCodes.h"
 #include "driver/record/OlmaData.h"
 #include "sysinfo/DevLinuxOpearDb.h"
 
 #include <memory>
 #include <string>
 #include <vector>
+
+// What the status variable of a log command receives.
+constexpr double STATUS_DELIVERED = 0.0;
+constexpr double STATUS_FAILED = -RESULT_REFUSED;
 
 // One operation. Not for two threads at once: the callers of the registry take turns.
 class DevLiunxBase {

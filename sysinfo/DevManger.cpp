@@ -53,7 +53,6 @@ static_assert(sizeof OPERATIONS / sizeof *OPERATIONS == COMMAND_COUNT - FIRST_RE
               "a command of the registry has no operation here");
 
 constexpr int NO_OPERATION = -1;
-constexpr double STATUS_FAILED = 4.0;
 
 }  // namespace
 

@@ -4,16 +4,6 @@
 
 namespace {
 
-// No parameter has this type; the host leaves it there when it does not know the name.
-constexpr DATATYPE TYPE_UNKNOWN = static_cast<DATATYPE>(-2);
-
-DATATYPE TypeOf(OLMA_DATA& record, const CString& name) {
-    DATATYPE type = TYPE_UNKNOWN;
-    if (record.m_pfnGetParamType != nullptr)
-        record.m_pfnGetParamType(record, name, type);
-    return type;
-}
-
 // The value of a parameter of a known type; the preset value when it cannot be read.
 template <class VALUE>
 VALUE Read(OLMA_DATA& record, const CString& name, DATATYPE type) {
@@ -32,9 +22,17 @@ int Write(OLMA_DATA& record, const CString& name, DATATYPE type, VALUE value) {
 
 }  // namespace
 
+// The host leaves the preset there when it does not know the name.
+DATATYPE ParameterType(OLMA_DATA& record, const CString& name) {
+    DATATYPE type = PARAMETER_UNKNOWN;
+    if (record.m_pfnGetParamType != nullptr)
+        record.m_pfnGetParamType(record, name, type);
+    return type;
+}
+
 int CDevServer::SvrGetParaValue(OLMA_DATA& record, CString name, int& out) {
     out = 0;
-    switch (TypeOf(record, name)) {
+    switch (ParameterType(record, name)) {
         case DATATYPE_DOUBLE:
             out = hxd::RoundToInt(Read<double>(record, name, DATATYPE_DOUBLE));
             return 1;
@@ -51,7 +49,7 @@ int CDevServer::SvrGetParaValue(OLMA_DATA& record, CString name, int& out) {
 
 int CDevServer::SvrGetParaValue(OLMA_DATA& record, CString name, double& out) {
     out = 0.0;
-    switch (TypeOf(record, name)) {
+    switch (ParameterType(record, name)) {
         case DATATYPE_DOUBLE:
             out = Read<double>(record, name, DATATYPE_DOUBLE);
             return 1;
@@ -71,7 +69,7 @@ int CDevServer::SvrGetParaValue(OLMA_DATA& record, CString name, double& out) {
 
 int CDevServer::SvrGetParaValue(OLMA_DATA& record, CString name, CString& out) {
     out = CString();
-    switch (TypeOf(record, name)) {
+    switch (ParameterType(record, name)) {
         case DATATYPE_INTEGER:
         case DATATYPE_DOUBLE:
             return 0;
@@ -85,7 +83,7 @@ int CDevServer::SvrGetParaValue(OLMA_DATA& record, CString name, CString& out) {
 }
 
 int CDevServer::SvrSetParaValue(OLMA_DATA& record, CString name, int value) {
-    switch (TypeOf(record, name)) {
+    switch (ParameterType(record, name)) {
         case DATATYPE_INTEGER:
             return Write(record, name, DATATYPE_INTEGER, value);
         case DATATYPE_DOUBLE:
@@ -96,7 +94,7 @@ int CDevServer::SvrSetParaValue(OLMA_DATA& record, CString name, int value) {
 }
 
 int CDevServer::SvrSetParaValue(OLMA_DATA& record, CString name, CString value) {
-    if (TypeOf(record, name) != DATATYPE_TEXT)
+    if (ParameterType(record, name) != DATATYPE_TEXT)
         return 0;
     return Write(record, name, DATATYPE_TEXT, value);
 }

@@ -7,6 +7,12 @@
 
 #include <vector>
 
+// The type of a parameter that the host does not know.
+constexpr DATATYPE PARAMETER_UNKNOWN = static_cast<DATATYPE>(-2);
+
+// The type that the host gives the parameter; the record's function pointer may be null.
+DATATYPE ParameterType(OLMA_DATA& record, const CString& name);
+
 // Command arguments are names of host parameters; a name that the host does not know stands for
 // itself as a literal when it is read, and cannot be written. All functions work through the
 // record's function pointers, which may be null; the host's status of a single access is not looked

@@ -3,7 +3,7 @@
 #include "TestFiles.h"
 #include "commands/ChannelWrite.h"
 #include "commands/Dispatcher.h"
-#include "commands/PanelActions.h"
+#include "commands/Screenshot.h"
 #include "common/AppSettings.h"
 #include "common/IniOperator.h"
 
