@@ -1,7 +1,5 @@
 # What goes on a panel: the stripped library and the documentation; the debug symbols are a package
-# of their own. The host's folder for drivers differs between panels.
-set(HXD_PLUGIN_DIR lib/hxdcontrol CACHE STRING "Where the host looks for drivers, below the prefix")
-
+# of their own.
 set(packaged ${CMAKE_BINARY_DIR}/package)
 set(library libhxdcontrol_armv7.so.1)
 add_custom_command(

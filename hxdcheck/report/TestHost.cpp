@@ -1,0 +1,236 @@
+#include "hxdcheck/report/TestHost.h"
+
+#include "hxdcheck/report/Wire.h"
+
+#include "common/File.h"
+#include "common/Retry.h"
+#include "hxdpanel/base/Text.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <memory>
+#include <sstream>
+
+namespace {
+
+constexpr int START_LIMIT_SECONDS = 30;
+constexpr int NOT_STARTED = 127;
+
+struct Pipe {
+    Pipe() {
+        int ends[2] = {-1, -1};
+        if (::pipe2(ends, O_CLOEXEC) != 0)
+            return;
+        reading = std::unique_ptr<HXDCTRL::File>(new HXDCTRL::File(ends[0]));
+        writing = std::unique_ptr<HXDCTRL::File>(new HXDCTRL::File(ends[1]));
+    }
+    std::unique_ptr<HXDCTRL::File> reading;
+    std::unique_ptr<HXDCTRL::File> writing;
+};
+
+// Splits what comes through a pipe into lines.
+class Lines {
+public:
+    explicit Lines(int descriptor) : m_nFd(descriptor) {}
+
+    template <class Take>
+    bool Read(Take take) {  // false at the end
+        char buffer[4096];
+        const ssize_t got =
+            hxd::RetryInterrupted([&] { return ::read(m_nFd, buffer, sizeof buffer); });
+        if (got <= 0)
+            return false;
+        m_strRest.append(buffer, static_cast<std::size_t>(got));
+        for (std::size_t end = 0; (end = m_strRest.find('\n')) != std::string::npos;) {
+            const std::string line = m_strRest.substr(0, end);
+            m_strRest.erase(0, end + 1);
+            take(line);
+        }
+        return true;
+    }
+
+private:
+    int m_nFd;
+    std::string m_strRest;
+};
+
+std::vector<std::string> Fields(const std::string& line) {
+    std::vector<std::string> fields;
+    std::istringstream stream(line);
+    for (std::string field; std::getline(stream, field, wire::SEPARATOR);)
+        fields.push_back(field);
+    fields.resize(6);  // an empty last field leaves none
+    return fields;
+}
+
+double Now() {
+    timespec now = {};
+    ::clock_gettime(CLOCK_MONOTONIC, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / 1e9;
+}
+
+// Standard error: standard output may be a file.
+char Ask(const std::string& question) {
+    char answer[16] = "";
+    std::fprintf(stderr, "%s [y/N] ", question.c_str());
+    if (std::fgets(answer, sizeof answer, stdin) == nullptr)
+        std::fputs("\n", stderr);
+    return answer[0] == 'Y' ? 'y' : answer[0];
+}
+
+class TestHost {
+public:
+    explicit TestHost(Report& report) : m_report(report) {}
+
+    void Run(const std::vector<std::string>& command) {
+        if (!Start(command)) {
+            m_report.Run("start",
+                         [&] { return Wrong("no pipe or process to be had", "free some memory"); });
+            return;
+        }
+        Listen();
+        int status = 0;
+        hxd::RetryInterrupted([&] { return ::waitpid(m_nProcess, &status, 0); });
+        if (!m_bDone)
+            ReportDeath(status);
+    }
+
+private:
+    bool Start(const std::vector<std::string>& command);
+    void Listen();
+    void Take(const std::string& line);
+    void ReportDeath(int status);
+    int MillisecondsLeft() const;
+
+    Report& m_report;
+    Pipe m_findings;
+    Pipe m_output;
+    Pipe m_answers;
+    pid_t m_nProcess = -1;
+    bool m_bDone = false;
+    bool m_bLate = false;
+    bool m_bInCheck = false;
+    double m_dDeadline = 0.0;  // 0: none
+    std::string m_strIfItDies;
+};
+
+bool TestHost::Start(const std::vector<std::string>& command) {
+    if (!m_findings.writing || !m_output.writing || !m_answers.writing)
+        return false;
+    std::vector<char*> words;
+    for (const std::string& word : command)
+        words.push_back(const_cast<char*>(word.c_str()));
+    words.push_back(nullptr);
+    m_dDeadline = Now() + START_LIMIT_SECONDS;
+    std::fflush(stdout);
+    m_nProcess = ::fork();
+    if (m_nProcess == 0) {
+        ::dup2(m_answers.reading->Descriptor(), STDIN_FILENO);
+        ::dup2(m_output.writing->Descriptor(), STDOUT_FILENO);
+        ::dup2(m_output.writing->Descriptor(), STDERR_FILENO);
+        std::signal(SIGPIPE, SIG_DFL);
+        const int findings = ::dup(m_findings.writing->Descriptor());
+        ::dup2(findings, wire::DESCRIPTOR);
+        ::execv(words[0], words.data());
+        std::perror(words[0]);
+        ::_exit(NOT_STARTED);
+    }
+    m_findings.writing->close();
+    m_output.writing->close();
+    m_answers.reading->close();
+    return m_nProcess > 0;
+}
+
+int TestHost::MillisecondsLeft() const {
+    if (m_dDeadline <= 0.0)
+        return -1;
+    const double left = (m_dDeadline - Now()) * 1000.0;
+    return left > 0.0 ? static_cast<int>(left) + 1 : 0;
+}
+
+// Until both pipes are closed. The output comes first, so that it stands above the finding that it
+// belongs to.
+void TestHost::Listen() {
+    Lines findings(m_findings.reading->Descriptor());
+    Lines output(m_output.reading->Descriptor());
+    pollfd wanted[] = {{m_output.reading->Descriptor(), POLLIN, 0},
+                       {m_findings.reading->Descriptor(), POLLIN, 0}};
+    while (wanted[1].fd >= 0) {
+        const int ready = ::poll(wanted, 2, MillisecondsLeft());
+        if (ready == 0) {
+            m_bLate = true;
+            m_dDeadline = 0.0;
+            ::kill(m_nProcess, SIGKILL);
+        }
+        if (ready <= 0)
+            continue;
+        if (wanted[0].revents != 0 &&
+            !output.Read([this](const std::string& line) { m_report.Output(line); }))
+            wanted[0].fd = -1;
+        if (wanted[1].revents != 0 &&
+            !findings.Read([this](const std::string& line) { Take(line); }))
+            wanted[1].fd = -1;
+    }
+    const auto show = [this](const std::string& line) { m_report.Output(line); };
+    while (wanted[0].fd >= 0 && ::poll(wanted, 1, 0) > 0 && output.Read(show)) {
+    }
+}
+
+void TestHost::Take(const std::string& line) {
+    const std::vector<std::string> field = Fields(line);
+    switch (field[0][0]) {
+        case wire::GROUP:
+            return m_report.Group(field[1]);
+        case wire::BEGIN: {
+            const int limit = std::atoi(field[2].c_str());
+            m_bInCheck = true;
+            m_dDeadline = limit > 0 ? Now() + limit : 0.0;
+            m_strIfItDies = field[3];
+            return m_report.Begin(field[1], limit, field[3]);
+        }
+        case wire::END:
+            m_bInCheck = false;
+            m_dDeadline = Now() + START_LIMIT_SECONDS;
+            return m_report.End({static_cast<Finding::Status>(std::atoi(field[1].c_str()) % 3),
+                                 field[2], field[3], std::atof(field[4].c_str())});
+        case wire::CHANNEL:
+            return m_report.Channel({field[1], field[2], field[3], field[4], field[5]});
+        case wire::QUESTION: {
+            const char answer = Ask(field[1]);
+            if (::write(m_answers.writing->Descriptor(), &answer, 1) != 1)
+                m_dDeadline = Now();
+            return;
+        }
+        case wire::DONE:
+            m_bDone = true;
+            return;
+        default:
+            return;
+    }
+}
+
+void TestHost::ReportDeath(int status) {
+    std::string text = "the test host ended with exit code " + std::to_string(WEXITSTATUS(status));
+    if (m_bLate)
+        text = "did not come to an end in time, so the test host was ended";
+    else if (WIFSIGNALED(status))
+        text = std::string("the test host crashed: ") + ::strsignal(WTERMSIG(status));
+    if (!m_bInCheck)
+        m_report.Begin("test host", 0, "");
+    m_report.End(
+        Wrong(text, m_strIfItDies.empty() ? "what was printed above may tell why" : m_strIfItDies));
+}
+
+}  // namespace
+
+void RunTestHost(Report& report, const std::vector<std::string>& command) {
+    TestHost(report).Run(command);
+}
