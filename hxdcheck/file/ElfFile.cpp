@@ -86,6 +86,9 @@ struct Types64 {
 
 template <class Types>
 class Parser {
+    using Section = typename Types::Section;
+    using Offset = unsigned long long;
+
 public:
     Parser(const MappedFile& content, ElfFile& file)
         : m_content(content), m_file(file), m_header(At<typename Types::Header>(0)) {}
@@ -101,13 +104,11 @@ public:
         }
         for (unsigned i = 0; i < m_header.e_shnum; ++i)
             ReadSection(SectionAt(i));
-        return m_header.e_shnum > 0;
+        const Offset end = m_header.e_shoff + Offset(m_header.e_shnum) * sizeof(Section);
+        return m_header.e_shnum > 0 && end <= m_content.Size();
     }
 
 private:
-    using Section = typename Types::Section;
-    using Offset = unsigned long long;
-
     // Zeros where the file is too short.
     template <class T>
     T At(Offset offset) const {

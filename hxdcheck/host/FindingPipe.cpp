@@ -6,14 +6,17 @@
 
 #include <unistd.h>
 
+#include <cstdio>
+
 void FindingPipe::Send(char kind, const std::vector<std::string>& fields) {
-    std::string line(1, kind);
+    std::fflush(stdout);  // what the driver has printed before
+    std::string line = {wire::MARK, kind};
     for (const std::string& field : fields)
         line += wire::SEPARATOR + Visible(field);
     line += '\n';
     for (std::size_t sent = 0; sent < line.size();) {
         const ssize_t written = hxd::RetryInterrupted(
-            [&] { return ::write(wire::DESCRIPTOR, line.data() + sent, line.size() - sent); });
+            [&] { return ::write(STDOUT_FILENO, line.data() + sent, line.size() - sent); });
         if (written <= 0)
             ::_exit(1);  // nobody listens any more
         sent += static_cast<std::size_t>(written);

@@ -1,12 +1,9 @@
 // hxdcheck-host: a host in miniature, which hxdcheck starts with the driver's file as its argument.
 #include "hxdcheck/host/HostChecks.h"
 
-#include "hxdcheck/report/Wire.h"
 #include "hxdpanel/host/DriverLibrary.h"
 
 #include <QCoreApplication>
-
-#include <fcntl.h>
 
 #include <clocale>
 #include <cstdio>
@@ -31,7 +28,7 @@ std::unique_ptr<DriverLibrary> LoadDriver(Findings& findings, const char* file) 
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc < 2 || ::fcntl(wire::DESCRIPTOR, F_SETFD, FD_CLOEXEC) != 0) {
+    if (argc < 2) {
         std::fputs("hxdcheck-host is started by hxdcheck\n", stderr);
         return 3;
     }

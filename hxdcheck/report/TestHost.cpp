@@ -36,32 +36,6 @@ struct Pipe {
     std::unique_ptr<HXDCTRL::File> writing;
 };
 
-// Splits what comes through a pipe into lines.
-class Lines {
-public:
-    explicit Lines(int descriptor) : m_nFd(descriptor) {}
-
-    template <class Take>
-    bool Read(Take take) {  // false at the end
-        char buffer[4096];
-        const ssize_t got =
-            hxd::RetryInterrupted([&] { return ::read(m_nFd, buffer, sizeof buffer); });
-        if (got <= 0)
-            return false;
-        m_strRest.append(buffer, static_cast<std::size_t>(got));
-        for (std::size_t end = 0; (end = m_strRest.find('\n')) != std::string::npos;) {
-            const std::string line = m_strRest.substr(0, end);
-            m_strRest.erase(0, end + 1);
-            take(line);
-        }
-        return true;
-    }
-
-private:
-    int m_nFd;
-    std::string m_strRest;
-};
-
 std::vector<std::string> Fields(const std::string& line) {
     std::vector<std::string> fields;
     std::istringstream stream(line);
@@ -96,24 +70,24 @@ public:
                          [&] { return Wrong("no pipe or process to be had", "free some memory"); });
             return;
         }
-        Listen();
-        int status = 0;
-        hxd::RetryInterrupted([&] { return ::waitpid(m_nProcess, &status, 0); });
+        const int status = Listen();
+        TakeLine(m_strPartLine);
         if (!m_bDone)
             ReportDeath(status);
     }
 
 private:
     bool Start(const std::vector<std::string>& command);
-    void Listen();
+    int Listen();
+    bool ReadSome();
+    void TakeLine(const std::string& line);
     void Take(const std::string& line);
     void ReportDeath(int status);
-    int MillisecondsLeft() const;
 
     Report& m_report;
-    Pipe m_findings;
     Pipe m_output;
     Pipe m_answers;
+    std::string m_strPartLine;
     pid_t m_nProcess = -1;
     bool m_bDone = false;
     bool m_bLate = false;
@@ -123,7 +97,7 @@ private:
 };
 
 bool TestHost::Start(const std::vector<std::string>& command) {
-    if (!m_findings.writing || !m_output.writing || !m_answers.writing)
+    if (!m_output.writing || !m_answers.writing)
         return false;
     std::vector<char*> words;
     for (const std::string& word : command)
@@ -137,51 +111,55 @@ bool TestHost::Start(const std::vector<std::string>& command) {
         ::dup2(m_output.writing->Descriptor(), STDOUT_FILENO);
         ::dup2(m_output.writing->Descriptor(), STDERR_FILENO);
         std::signal(SIGPIPE, SIG_DFL);
-        const int findings = ::dup(m_findings.writing->Descriptor());
-        ::dup2(findings, wire::DESCRIPTOR);
         ::execv(words[0], words.data());
         std::perror(words[0]);
         ::_exit(NOT_STARTED);
     }
-    m_findings.writing->close();
     m_output.writing->close();
     m_answers.reading->close();
     return m_nProcess > 0;
 }
 
-int TestHost::MillisecondsLeft() const {
-    if (m_dDeadline <= 0.0)
-        return -1;
-    const double left = (m_dDeadline - Now()) * 1000.0;
-    return left > 0.0 ? static_cast<int>(left) + 1 : 0;
+bool TestHost::ReadSome() {
+    char buffer[4096];
+    const ssize_t got = hxd::RetryInterrupted(
+        [&] { return ::read(m_output.reading->Descriptor(), buffer, sizeof buffer); });
+    if (got <= 0)
+        return false;
+    m_strPartLine.append(buffer, static_cast<std::size_t>(got));
+    for (std::size_t end = 0; (end = m_strPartLine.find('\n')) != std::string::npos;) {
+        const std::string line = m_strPartLine.substr(0, end);
+        m_strPartLine.erase(0, end + 1);
+        TakeLine(line);
+    }
+    return true;
 }
 
-// Until both pipes are closed. The output comes first, so that it stands above the finding that it
-// belongs to.
-void TestHost::Listen() {
-    Lines findings(m_findings.reading->Descriptor());
-    Lines output(m_output.reading->Descriptor());
-    pollfd wanted[] = {{m_output.reading->Descriptor(), POLLIN, 0},
-                       {m_findings.reading->Descriptor(), POLLIN, 0}};
-    while (wanted[1].fd >= 0) {
-        const int ready = ::poll(wanted, 2, MillisecondsLeft());
-        if (ready == 0) {
+// Until the test host has ended; its status as of waitpid(). The end of the pipe would not do:
+// commands that the driver has started may hold it open.
+int TestHost::Listen() {
+    constexpr int LOOK_AGAIN_MS = 100;
+    pollfd wanted = {m_output.reading->Descriptor(), POLLIN, 0};
+    int status = 0;
+    for (bool ended = false; !ended;) {
+        ended = ::waitpid(m_nProcess, &status, WNOHANG) != 0;
+        while (::poll(&wanted, 1, ended ? 0 : LOOK_AGAIN_MS) > 0 && ReadSome()) {
+        }
+        if (!ended && m_dDeadline > 0.0 && Now() > m_dDeadline) {
             m_bLate = true;
-            m_dDeadline = 0.0;
             ::kill(m_nProcess, SIGKILL);
         }
-        if (ready <= 0)
-            continue;
-        if (wanted[0].revents != 0 &&
-            !output.Read([this](const std::string& line) { m_report.Output(line); }))
-            wanted[0].fd = -1;
-        if (wanted[1].revents != 0 &&
-            !findings.Read([this](const std::string& line) { Take(line); }))
-            wanted[1].fd = -1;
     }
-    const auto show = [this](const std::string& line) { m_report.Output(line); };
-    while (wanted[0].fd >= 0 && ::poll(wanted, 1, 0) > 0 && output.Read(show)) {
-    }
+    return status;
+}
+
+// A finding may follow a line of the driver that has no end.
+void TestHost::TakeLine(const std::string& line) {
+    const std::size_t mark = line.find(wire::MARK);
+    if (mark != 0 && !line.empty())
+        m_report.Output(line.substr(0, mark));
+    if (mark != std::string::npos)
+        Take(line.substr(mark + 1));
 }
 
 void TestHost::Take(const std::string& line) {
