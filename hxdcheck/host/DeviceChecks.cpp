@@ -123,7 +123,7 @@ public:
         : m_findings(findings), m_driver(driver) {}
 
     void Run(const Usage& before) {
-        Step("start", 2000.0, [this] {
+        Step("start", 2000.0F, [this] {
             m_device = std::make_unique<Device>(
                 m_driver, m_host,
                 std::vector<unsigned char>(std::begin(CONFIGURATION), std::end(CONFIGURATION)),
@@ -136,7 +136,7 @@ public:
             Collections();
         }
         const Usage running = CurrentUsage();
-        Step("end", 3000.0, [this] {
+        Step("end", 3000.0F, [this] {
             m_device.reset();
             return Ok("ended");
         });
@@ -147,7 +147,7 @@ public:
 
 private:
     template <class What>
-    void Step(const char* name, double slowMs, What what) {
+    void Step(const char* name, float slowMs, What what) {
         m_findings.Run(
             name, [&] { return Timed(slowMs, what); }, COLLECTION_SECONDS,
             "the line before the crash or stop tells which source; see the platform's functions");
@@ -155,10 +155,10 @@ private:
 
     void Collections() {
         const auto collect = [this] { return Judge(m_device->Collect(), "done"); };
-        Step("first collection", 5000.0, collect);
-        Step("cached collection", 20.0, collect);
+        Step("first collection", 5000.0F, collect);
+        Step("cached collection", 100.0F, collect);
         m_device->Command("REFLESH()");
-        Step("full collection", 5000.0, collect);
+        Step("full collection", 5000.0F, collect);
     }
 
     static Finding JudgeMemory(const Usage& before, const Usage& running) {

@@ -24,10 +24,10 @@ private:
 
 // Runs a check that tells how long it took; longer than limitMs is something to look at.
 template <class Check>
-Finding Timed(double limitMs, Check check) {
+Finding Timed(float limitMs, Check check) {
     const auto start = std::chrono::steady_clock::now();
     Finding finding = check();
-    const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - start;
+    const std::chrono::duration<float, std::milli> took = std::chrono::steady_clock::now() - start;
     finding.milliseconds = took.count();
     if (finding.status == Finding::OK && finding.milliseconds > limitMs)
         return {Finding::LOOK, finding.text + ", but slow",

@@ -81,6 +81,6 @@ void CheckNames(Findings& findings) {
     findings.Group("Name server and time servers");
     findings.Run("name server", CheckNameServer);
     findings.Run(
-        "time servers", [] { return Timed(5000.0, CheckTimeServers); }, LOOKUP_SECONDS,
+        "time servers", [] { return Timed(5000.0F, CheckTimeServers); }, LOOKUP_SECONDS,
         "the name server does not answer");
 }

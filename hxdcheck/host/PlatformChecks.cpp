@@ -16,7 +16,7 @@
 
 namespace {
 
-constexpr double SLOW_MS = 200.0;
+constexpr float SLOW_MS = 200.0F;
 
 // A record that the platform fills, with bytes behind it that it must leave alone.
 template <class Record>

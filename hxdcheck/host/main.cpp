@@ -16,7 +16,7 @@ std::unique_ptr<DriverLibrary> LoadDriver(Findings& findings, const char* file) 
     findings.Group("The driver");
     findings.Run("load", [&] {
         std::string error;
-        return Timed(2000.0, [&] {
+        return Timed(2000.0F, [&] {
             driver = DriverLibrary::Load(file, error);
             return driver != nullptr ? Ok("loaded")
                                      : Wrong(error, "what is wrong with its file above tells more");

@@ -10,7 +10,7 @@ struct Finding {
     Status status;
     std::string text;
     std::string remedy;          // what to do about it; "" when it is ok
-    double milliseconds = -1.0;  // how long the check took; negative: of no interest
+    float milliseconds = -1.0F;  // how long the check took; negative: of no interest
 };
 
 inline Finding Ok(const std::string& text) {

@@ -28,9 +28,10 @@ void PrintWrapped(const std::string& first, std::size_t indent, const std::strin
     std::printf("%s\n", line.c_str());
 }
 
-std::string Milliseconds(double milliseconds) {
+std::string Milliseconds(float milliseconds) {
     char text[32];
-    std::snprintf(text, sizeof text, milliseconds < 10.0 ? "%.2f" : "%.0f", milliseconds);
+    std::snprintf(text, sizeof text, milliseconds < 10.0F ? "%.2f" : "%.0f",
+                  static_cast<double>(milliseconds));
     return text;
 }
 
@@ -78,7 +79,7 @@ void Report::End(const Finding& finding) {
         return;
     PrintTitle();
     std::string text = Visible(finding.text);
-    if (finding.milliseconds >= 0.0)
+    if (finding.milliseconds >= 0.0F)
         text += " (" + Milliseconds(finding.milliseconds) + "\u00a0ms)";
     const std::string status = "  " + PadRight(STATUS_TEXTS[finding.status], 14);
     PrintWrapped(status + Visible(m_strName) + ": ", status.size() + 2, text);

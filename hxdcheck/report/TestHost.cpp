@@ -111,7 +111,7 @@ bool TestHost::Start(const std::vector<std::string>& command) {
         ::dup2(m_output.writing->Descriptor(), STDOUT_FILENO);
         ::dup2(m_output.writing->Descriptor(), STDERR_FILENO);
         std::signal(SIGPIPE, SIG_DFL);
-        ::execv(words[0], words.data());
+        ::execvp(words[0], words.data());
         std::perror(words[0]);
         ::_exit(NOT_STARTED);
     }
@@ -178,7 +178,7 @@ void TestHost::Take(const std::string& line) {
             m_bInCheck = false;
             m_dDeadline = Now() + START_LIMIT_SECONDS;
             return m_report.End({static_cast<Finding::Status>(std::atoi(field[1].c_str()) % 3),
-                                 field[2], field[3], std::atof(field[4].c_str())});
+                                 field[2], field[3], std::strtof(field[4].c_str(), nullptr)});
         case wire::CHANNEL:
             return m_report.Channel({field[1], field[2], field[3], field[4], field[5]});
         case wire::QUESTION: {
@@ -196,13 +196,15 @@ void TestHost::Take(const std::string& line) {
 }
 
 void TestHost::ReportDeath(int status) {
-    std::string text = "the test host ended with exit code " + std::to_string(WEXITSTATUS(status));
+    std::string text = "ended with exit code " + std::to_string(WEXITSTATUS(status));
     if (m_bLate)
-        text = "did not come to an end in time, so the test host was ended";
+        text = "did not come to an end in time";
     else if (WIFSIGNALED(status))
-        text = std::string("the test host crashed: ") + ::strsignal(WTERMSIG(status));
-    if (!m_bInCheck)
-        m_report.Begin("test host", 0, "");
+        text = std::string("crashed: ") + ::strsignal(WTERMSIG(status));
+    if (!m_bInCheck) {
+        m_report.Group("The test host");
+        m_report.Begin("hxdcheck-host", 0, "");
+    }
     m_report.End(
         Wrong(text, m_strIfItDies.empty() ? "what was printed above may tell why" : m_strIfItDies));
 }
