@@ -9,6 +9,8 @@
 #include <cstddef>
 
 #define QT_VERSION 0x040800
+#define QT_VERSION_STR "4.8.0"
+const char* qVersion();
 
 #define Q_OBJECT                            \
 public:                                     \
@@ -226,6 +228,7 @@ public:
     iterator end();
     const_iterator constBegin() const;
     const_iterator constEnd() const;
+    bool contains(const T& value) const;
     bool operator==(const QList& other) const;
     bool operator!=(const QList& other) const;
 };
@@ -510,6 +513,15 @@ public:
     QImage copy(const QRect& area = QRect()) const;
     bool load(const QString& file, const char* format = 0);
     bool save(const QString& file, const char* format = 0, int quality = -1) const;
+};
+
+class QImageReader {
+public:
+    static QList<QByteArray> supportedImageFormats();
+};
+class QImageWriter {
+public:
+    static QList<QByteArray> supportedImageFormats();
 };
 
 #endif

@@ -36,20 +36,14 @@ Finding Judge(int status, const char* done) {
                        "see the lines above");
 }
 
-const char* SentinelMeaning(const ChannelRow& row, double number) {
-    if (row.number >= CHANNEL_UART_1 && number == -2)
-        return "port cannot be queried";
-    if ((row.number == CHANNEL_STORAGE_LIFE || row.number == CHANNEL_STORAGE_GEAR) && number < 0)
-        return "storage not readable";
-    return nullptr;
-}
-
 ChannelLine MakeLine(const ChannelRow& row, const HostDatabase::Received& received) {
     ChannelLine line = {std::to_string(row.number), row.name, row.unit, "", ""};
     if (line.unit.find("..") != std::string::npos)  // a range in place of a unit
         line.unit = "(" + line.unit + ")";
     line.value = received.delivered ? ValueText(received.value) : "(not delivered)";
-    const char* const meaning = SentinelMeaning(row, received.value.number);
+    const char* const meaning = row.kind == ChannelRow::TEXT
+                                    ? row.SentinelMeaning(received.value.text.c_str())
+                                    : row.SentinelMeaning(received.value.number);
     if (received.delivered && meaning != nullptr)
         line.meaning = meaning;
     return line;
