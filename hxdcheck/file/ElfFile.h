@@ -15,7 +15,7 @@ struct ElfFile {
 
     // False, with the reason in error, when the file is not there or is no ELF file of this byte
     // order with a section table. Whatever the file holds is read within its bounds.
-    bool Read(const std::string& path, std::string& error);
+    bool Read(const std::string& file, std::string& error);
 
     bool SameProcessor(const ElfFile& other) const;
     std::string Processor() const;  // in words

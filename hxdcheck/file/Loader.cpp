@@ -83,15 +83,17 @@ void LoadedSet::Add(const ElfFile& file) {
 }
 
 void LoadedSet::Follow(std::size_t index) {
-    const ElfFile file = m_files[index];  // a copy: the list grows
-    for (const std::string& name : file.needed) {
+    const std::vector<std::string> needed = m_files[index].needed;  // copies: the list grows
+    const std::string searchPath = m_files[index].searchPath;
+    const std::string neededBy = BaseName(m_files[index].path);
+    for (const std::string& name : needed) {
         std::string unfit;
-        if (m_byName.count(name) != 0 || Load(name, file.searchPath, unfit))
+        if (m_byName.count(name) != 0 || Load(name, searchPath, unfit))
             continue;
         const bool told = std::any_of(m_missing.begin(), m_missing.end(),
                                       [&](const Missing& other) { return other.name == name; });
         if (!told)
-            m_missing.push_back({name, BaseName(file.path), unfit});
+            m_missing.push_back({name, neededBy, unfit});
     }
 }
 
@@ -107,7 +109,9 @@ bool LoadedSet::Load(const std::string& name, const std::string& searchPath, std
             return true;
         }
         if (unfit.empty())
-            unfit = path + (file.machine != 0 ? " is for " + file.Processor() : " " + error);
+            unfit.append(path)
+                .append(file.machine != 0 ? " is for " : " ")
+                .append(file.machine != 0 ? file.Processor() : error);
     }
     return false;
 }

@@ -4,6 +4,7 @@
 #include "olma_host.h"
 
 #include <algorithm>
+#include <csignal>
 
 namespace {
 
@@ -56,6 +57,7 @@ Finding Try(FindingPipe& findings, const Act& act) {
 }  // namespace
 
 void ActVisibly(FindingPipe& findings) {
+    std::signal(SIGINT, SIG_IGN);  // light and brightness are put back in any case
     findings.Group("Visible acts");
     for (const Act& act : ACTS)
         findings.Run(

@@ -55,7 +55,7 @@ private:
     struct {
         Record record;
         unsigned char guard[256];
-    } m_space;
+    } m_space = {};
     std::size_t m_nBeyond = 0;
 };
 
@@ -117,7 +117,7 @@ Finding CheckNetwork() {
         Guarded<hal_network_t> record;
         const int result =
             record.Call([i](hal_network_t* filled) { return hal_get_network(i, filled); });
-        const Finding finding = JudgeNetwork(result, record);
+        Finding finding = JudgeNetwork(result, record);
         if (finding.status != Finding::OK)
             return finding;
         text += (i > 0 ? "; " : "") + finding.text;
@@ -133,7 +133,7 @@ Finding CheckNetworkByName() {
     Guarded<hal_network_t> record;
     const int result = record.Call(
         [&](hal_network_t* filled) { return hal_get_network_byname(first->name, filled); });
-    const Finding finding = JudgeNetwork(result, record);
+    Finding finding = JudgeNetwork(result, record);
     if (finding.status == Finding::OK && record.Get().address != first->address)
         return Wrong(finding.text + ", but hal_get_network says " + AddressText(first->address),
                      "one of the two is not what olma_hal.h describes");
@@ -173,7 +173,7 @@ Finding CheckUarts() {
         Guarded<hal_uart_info_t> info;
         const int result =
             info.Call([port](hal_uart_info_t* filled) { return hal_uart_info(port, filled); });
-        const Finding overrun = info.Or(Ok(""), "hal_uart_info_t");
+        Finding overrun = info.Or(Ok(""), "hal_uart_info_t");
         if (overrun.status != Finding::OK)
             return overrun;
         const hal_uart_info_t& counters = info.Get();

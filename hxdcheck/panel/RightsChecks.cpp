@@ -30,9 +30,9 @@ std::string FindProgram(const std::string& name) {
     const char* const path = std::getenv("PATH");
     std::istringstream folders(path != nullptr ? path : "/usr/sbin:/usr/bin:/sbin:/bin");
     for (std::string folder; std::getline(folders, folder, ':');) {
-        const std::string file = folder + "/" + name;
-        if (::access(file.c_str(), X_OK) == 0)
-            return file;
+        folder.append("/").append(name);
+        if (::access(folder.c_str(), X_OK) == 0)
+            return folder;
     }
     return "";
 }

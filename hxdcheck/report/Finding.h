@@ -47,7 +47,7 @@ public:
     Finding Run(const std::string& name, Check check, int limitSeconds = 10,
                 const std::string& ifItDies = "") {
         Begin(name, limitSeconds, ifItDies);
-        const Finding finding = check();
+        Finding finding = check();
         End(finding);
         return finding;
     }

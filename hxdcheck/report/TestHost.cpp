@@ -29,8 +29,8 @@ struct Pipe {
         int ends[2] = {-1, -1};
         if (::pipe2(ends, O_CLOEXEC) != 0)
             return;
-        reading = std::unique_ptr<HXDCTRL::File>(new HXDCTRL::File(ends[0]));
-        writing = std::unique_ptr<HXDCTRL::File>(new HXDCTRL::File(ends[1]));
+        reading = std::make_unique<HXDCTRL::File>(ends[0]);
+        writing = std::make_unique<HXDCTRL::File>(ends[1]);
     }
     std::unique_ptr<HXDCTRL::File> reading;
     std::unique_ptr<HXDCTRL::File> writing;
@@ -100,6 +100,7 @@ bool TestHost::Start(const std::vector<std::string>& command) {
     if (!m_output.writing || !m_answers.writing)
         return false;
     std::vector<char*> words;
+    words.reserve(command.size() + 1);
     for (const std::string& word : command)
         words.push_back(const_cast<char*>(word.c_str()));
     words.push_back(nullptr);

@@ -85,7 +85,7 @@ record|2|hal_get_network: the library writes at least 4 bytes beyond hal_network
 mac|2|hal_get_mac_address eth0: the library writes at least 7 bytes beyond the text of 20 bytes
 crash|2|hal_uart_info: crashed: Aborted
 hang|2|__gui_get_serial_number: did not come to an end in time
-tick|2|Olma_GetTickCount: is up to 1000 ms away
+tick|2|Olma_GetTickCount: is up to 10
 END
 fault=''
 
