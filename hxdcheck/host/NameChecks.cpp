@@ -65,8 +65,9 @@ Finding CheckTimeServers() {
         const std::string name = QFile::encodeName(settings.servers[i]).constData();
         std::string answer = "none";
         allFound = (name.empty() || LookUp(name, answer)) && allFound;
-        text +=
-            (i > 0 ? "; " : "") + (name.empty() || name == answer ? answer : name + ": " + answer);
+        if (!name.empty() && name != answer)
+            answer.insert(0, ": ").insert(0, name);
+        text.append(i > 0 ? "; " : "").append(answer);
     }
     if (allFound || settings.ntpSwitch != 1)
         return Ok(text);
