@@ -471,7 +471,9 @@ public:
 
 class QSize {
 public:
+    QSize();
     QSize(int width, int height);
+    bool isEmpty() const;
 };
 bool operator==(const QSize& a, const QSize& b);
 
