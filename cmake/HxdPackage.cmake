@@ -1,7 +1,5 @@
-# What goes on a panel: the stripped library and the documentation; the debug symbols are a package
-# of their own. The host's folder for drivers differs between panels.
-set(HXD_PLUGIN_DIR lib/hxdcontrol CACHE STRING "Where the host looks for drivers, below the prefix")
-
+# What goes on a panel: the stripped library, the programs that check the panel, and the documentation;
+# the library's debug symbols are a package of their own.
 set(packaged ${CMAKE_BINARY_DIR}/package)
 set(library libhxdcontrol_armv7.so.1)
 add_custom_command(
@@ -13,11 +11,21 @@ add_custom_command(
     COMMAND ${CMAKE_STRIP} --strip-unneeded -o ${packaged}/${library} $<TARGET_FILE:hxdcontrol>
     COMMAND ${CMAKE_OBJCOPY} --add-gnu-debuglink=${packaged}/${library}.debug ${packaged}/${library}
     VERBATIM)
-add_custom_target(hxdcontrol_stripped DEPENDS ${packaged}/${library})
+set(programs)
+foreach(program hxdcheck hxdcheck-host)
+    add_custom_command(
+        OUTPUT ${packaged}/${program}
+        DEPENDS ${program}
+        COMMAND ${CMAKE_STRIP} -o ${packaged}/${program} $<TARGET_FILE:${program}>
+        VERBATIM)
+    list(APPEND programs ${packaged}/${program})
+endforeach()
+add_custom_target(hxdcontrol_stripped DEPENDS ${packaged}/${library} ${programs})
 file(CONFIGURE OUTPUT ${packaged}/VERSION CONTENT "${PROJECT_VERSION}\n")
 
 set(documents share/doc/hxdcontrol)
 install(FILES ${packaged}/${library} DESTINATION ${HXD_PLUGIN_DIR} COMPONENT driver)
+install(PROGRAMS ${programs} DESTINATION bin COMPONENT driver)
 install(FILES ${packaged}/${library}.debug DESTINATION lib/debug/usr/${HXD_PLUGIN_DIR}
     COMPONENT debug)
 install(FILES README.md CHANGELOG.md cmake/copyright ${packaged}/VERSION DESTINATION ${documents}

@@ -9,6 +9,8 @@
 #include <cstddef>
 
 #define QT_VERSION 0x040800
+#define QT_VERSION_STR "4.8.0"
+const char* qVersion();
 
 #define Q_OBJECT                            \
 public:                                     \
@@ -226,6 +228,7 @@ public:
     iterator end();
     const_iterator constBegin() const;
     const_iterator constEnd() const;
+    bool contains(const T& value) const;
     bool operator==(const QList& other) const;
     bool operator!=(const QList& other) const;
 };
@@ -476,7 +479,9 @@ public:
 
 class QSize {
 public:
+    QSize();
     QSize(int width, int height);
+    bool isEmpty() const;
 };
 bool operator==(const QSize& a, const QSize& b);
 
@@ -519,6 +524,15 @@ public:
     bool load(const QString& file, const char* format = 0);
     bool save(const QString& file, const char* format = 0, int quality = -1) const;
     bool save(QIODevice* device, const char* format = 0, int quality = -1) const;
+};
+
+class QImageReader {
+public:
+    static QList<QByteArray> supportedImageFormats();
+};
+class QImageWriter {
+public:
+    static QList<QByteArray> supportedImageFormats();
 };
 
 #endif

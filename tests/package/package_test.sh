@@ -1,7 +1,8 @@
 #!/bin/bash
 # package_test.sh DIR: holds the packages in DIR against what a panel needs of them, and installs and
-# removes them in a Debian root. DIR/expected/packages.status lists what that root has already, and
-# DIR/expected/platform.names the platform's libraries.
+# removes them in a Debian root. DIR/expected/packages.status lists what that root has already,
+# platform.names the platform's libraries; where the platform is the stand-ins, standins is their folder
+# and emulator the words that start a panel's program.
 set -euo pipefail
 packages=$(realpath -- "$1")
 work=$(mktemp -d)
@@ -35,6 +36,20 @@ for file in README.md CHANGELOG.md copyright VERSION docs/commands.md; do
 done
 version=$(dpkg-deb --field "${deb[0]}" Version)
 check "the version" "$version" "$(cat "$documents/VERSION")"
+
+# What checks a panel starts without any of its libraries, and starts the rest with all of them.
+programs=$work/deb/usr/bin
+none "a library that hxdcheck needs" "$(readelf -dW "$programs/hxdcheck" | grep NEEDED || :)"
+check "hxdcheck-host's platform" "$(xargs <"$packages/expected/platform.names")" \
+    "$(readelf -dW "$programs/hxdcheck-host" | grep -oFf "$packages/expected/platform.names" | xargs)"
+none "a path of the build machine" "$(strings "$programs"/* | grep -E '^/(work|home|root|builds)/|/build/' || :)"
+if [[ -e $packages/expected/emulator ]]; then
+    emulator=$(<"$packages/expected/emulator")
+    # shellcheck disable=SC2086  # the emulator is words
+    report=$(LD_LIBRARY_PATH=$(<"$packages/expected/standins") HXD_EMULATOR=$emulator \
+        $emulator "$programs/hxdcheck" 2>&1) || [[ $? -eq 1 ]] || check "the report" "nothing wrong" "$report"
+    check "the report's end" "0 wrong." "$(tail -n 1 <<<"$report" | grep -o '[0-9]* wrong\.')"
+fi
 
 dynamic=$(readelf -dW "$library")
 tagged() { sed -n "s/.*($1).*\[\(.*\)\].*/\1/p" <<<"$dynamic"; }
