@@ -24,7 +24,7 @@ check() {  # IN-PANEL-OPTION... -- HXDCHECK-ARGUMENT...
     # shellcheck disable=SC2086  # the emulator is words
     said=$(ASAN_OPTIONS="${ASAN_OPTIONS:-}:verify_asan_link_order=0" \
         "$in_panel" --panel "$panel" --ro "$work" "$work" "${options[@]}" -- env \
-        LD_LIBRARY_PATH="$libraries" LD_PRELOAD="$faults" HXD_FAULT="$fault" HXD_EMULATOR="$emulator" \
+        LD_LIBRARY_PATH="$libraries${HXD_QT4_DIR:+:$HXD_QT4_DIR/lib}" LD_PRELOAD="$faults" HXD_FAULT="$fault" HXD_EMULATOR="$emulator" \
         $emulator "$build/bin/hxdcheck" "$@" <"$input" 2>&1)
     code=$?
     said=$(tr -s ' \n' ' ' <<<"$said")
