@@ -68,7 +68,8 @@ constexpr bool TypesFollowRows(int number) {
             DEV_LONG_CHLTYPE[number] == (CHANNELS[number - 1].kind == Row::TEXT ? T : N) &&
             TypesFollowRows(number + 1));
 }
-static_assert(TypesFollowRows(1), "a channel's row is out of place or of another kind");
+static_assert(TypesFollowRows(1),
+              "a channel's row or type code is missing, out of place or of another kind");
 
 }  // namespace
 
