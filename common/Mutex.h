@@ -37,7 +37,7 @@ public:
         : m_lock(mutex.m_mutex) {}
     MutexLock(const MutexLock&) = delete;
     MutexLock& operator=(const MutexLock&) = delete;
-    ~MutexLock() HXD_THREAD_ANNOTATION(unlock_function()) {}
+    ~MutexLock() HXD_THREAD_ANNOTATION(unlock_function()) = default;
 
     void Wait(std::condition_variable& changed) { changed.wait(m_lock); }
     template <class DURATION>
