@@ -131,10 +131,11 @@ CLI::App* AddSubcommand(CLI::App& app, Options& options, Options::Mode mode, con
     return subcommand;
 }
 
-CLI::Option* AddChannels(CLI::App& subcommand, Options& options) {
-    return subcommand
-        .add_option("CHANNEL", options.chosen, "Number, range like 26-28, or name like brightness")
-        ->type_name("");
+const char* const ONE_CHANNEL = "Number, 1 to 32, or name like brightness or com1";
+
+void AddChannels(CLI::App& subcommand, Options& options) {
+    subcommand.add_option("CHANNEL", options.chosen,
+                          "Number, range like 26-28, or name like brightness or com1");
 }
 
 void AddSubcommands(CLI::App& app, Options& options) {
@@ -143,7 +144,7 @@ void AddSubcommands(CLI::App& app, Options& options) {
     AddChannels(*channels, options);
     CLI::App* const read = AddSubcommand(app, options, Options::READ, "read",
                                          "Print the value of a channel and nothing else");
-    AddChannels(*read, options)->required()->expected(1)->type_name("");
+    read->add_option("CHANNEL", options.channel, ONE_CHANNEL)->required();
 
     CLI::App* const exec = AddSubcommand(app, options, Options::EXEC, "exec",
                                          "Run commands of the driver, or of the console, in order");
@@ -164,7 +165,7 @@ void AddSubcommands(CLI::App& app, Options& options) {
 
     CLI::App* const write =
         AddSubcommand(app, options, Options::WRITE, "write", "Write a value to a channel");
-    AddChannels(*write, options)->required()->expected(1)->type_name("");
+    write->add_option("CHANNEL", options.channel, ONE_CHANNEL)->required();
     write->add_option("VALUE", options.value, "What to write")->required();
 
     CLI::App* const watch = AddSubcommand(app, options, Options::WATCH, "watch",

@@ -21,7 +21,8 @@ struct Options : sandbox::Setup {
     bool json = false;
     std::vector<Definition> variables;
     std::vector<std::string> commands;
-    std::vector<std::string> chosen;  // channels as typed; read and write have one
+    std::vector<std::string> chosen;  // channels as typed
+    std::string channel;              // of read and write
     std::string value;
     double interval = 1.0;  // seconds
     int count = 0;          // 0: until interrupted

@@ -32,19 +32,15 @@
 
 namespace {
 
+// As docs/platform.md has it, in short.
 const char* const GUARDED_NOTICE =
-    "hxdpanel: going on without the sandbox, guarded: reboot, clock, mount and kernel-log calls "
-    "of\n"
-    "the driver are refused. The driver may write to this machine's /storage/user_dir, "
-    "/media/usb0,\n"
-    "/tmp/*.lck, /tmp/*.lock, /tmp/ping.sh, /etc/iot_cfg/vncConfig.ini and /etc/resolv.conf "
-    "(where\n"
-    "this user may), all else goes below the panel's folder (hxdpanel panel names it). To have "
-    "the\n"
-    "sandbox: install bubblewrap and allow user namespaces, as root: sysctl -w\n"
-    "kernel.unprivileged_userns_clone=1 user.max_user_namespaces=10000, and where it exists\n"
-    "kernel.apparmor_restrict_unprivileged_userns=0; in a container: --privileged, or a seccomp\n"
-    "profile that allows them.\n";
+    "hxdpanel: going on without the sandbox; reboot, clock, mount and kernel-log calls of the "
+    "driver\n"
+    "are refused. It may write to the panel's folder (panel names it) and, where you may, to\n"
+    "/storage/user_dir, /media/usb0, /etc/iot_cfg/vncConfig.ini, /etc/resolv.conf, /tmp/*.lck,\n"
+    "/tmp/ping.lock and /tmp/ping.sh. To have the sandbox, install bubblewrap and allow user\n"
+    "namespaces: sysctl -w kernel.unprivileged_userns_clone=1 user.max_user_namespaces=10000, and\n"
+    "kernel.apparmor_restrict_unprivileged_userns=0 where it exists; docs/platform.md has more.\n";
 
 struct FileCloser {
     void operator()(std::FILE* file) const { std::fclose(file); }
@@ -112,11 +108,11 @@ int RunMode(Session& session, const Options& options, DriverOutput& output) {
         case Options::CHANNELS:
             return session.ShowChannels(options.chosen);
         case Options::READ:
-            return session.Read(options.chosen.front());
+            return session.Read(options.channel);
         case Options::EXEC:
             return RunCommands(session, options.commands);
         case Options::WRITE:
-            return session.Write(options.chosen.front(), options.value);
+            return session.Write(options.channel, options.value);
         case Options::WATCH:
             return RunWatch(session, options, output.Results());
         case Options::PANEL:
@@ -181,8 +177,12 @@ int RunPanel(const Options& options, int argc, char** argv) {
     if (options.logLevel > 0)
         output.ShowAll();
     std::string error;
-    const auto library = DriverLibrary::Load(sandbox::DriverFile(options), error);
+    const std::string driver = sandbox::DriverFile(options);
+    const auto library = DriverLibrary::Load(driver, error);
     if (library == nullptr) {
+        const std::size_t place = options.driver.empty() ? std::string::npos : error.find(driver);
+        if (place != std::string::npos)  // the user knows it by another name than the sandbox
+            error.replace(place, driver.size(), options.driver);
         std::fprintf(stderr, "hxdpanel: %s\n", error.c_str());
         return EXIT_NO_DRIVER;
     }

@@ -131,7 +131,8 @@ void Editor::LoadHistory() {
         ::history(m_history, &event, H_SAVE, m_historyFile.c_str());
 }
 
-// Appended, so that runs beside each other keep each other's lines.
+// Appended, so that runs beside each other keep each other's lines: a history of this line alone is
+// saved behind the others.
 void Editor::Remember(const std::string& line) {
     HistEvent event;
     if (Trimmed(line).empty())
@@ -141,8 +142,12 @@ void Editor::Remember(const std::string& line) {
     std::FILE* const stream = lock.HasFile() ? std::fopen(m_historyFile.c_str(), "ae") : nullptr;
     if (stream == nullptr)
         return;
+    History* const alone = ::history_init();
+    ::history(alone, &event, H_SETSIZE, 1);
+    ::history(alone, &event, H_ENTER, line.c_str());
     std::fseek(stream, 0, SEEK_END);
-    ::history(m_history, &event, H_NSAVE_FP, std::size_t{1}, stream);
+    ::history(alone, &event, H_SAVE_FP, stream);
+    ::history_end(alone);
     std::fclose(stream);
 }
 

@@ -11,6 +11,8 @@ namespace {
 constexpr std::size_t LONGEST_SPARK = 16;
 constexpr std::size_t SHORTEST_SPARK = 3;
 constexpr std::size_t NARROWEST_CELL = 24;
+constexpr std::size_t SHORTEST_NAME = 7;
+constexpr std::size_t WIDEST_CELL = 60;
 constexpr std::size_t GAP = 2;
 constexpr std::size_t NUMBER_WIDTH = 9;  // "23332 MiB": sparks end in one column
 
@@ -24,7 +26,7 @@ struct Grid {
 };
 
 std::size_t CellWidth(std::size_t width, std::size_t columns) {
-    return (width - std::min(width, GAP * (columns - 1))) / columns;
+    return std::min((width - std::min(width, GAP * (columns - 1))) / columns, WIDEST_CELL);
 }
 
 Grid Fit(std::size_t count, std::size_t rows, std::size_t width) {
@@ -35,14 +37,16 @@ Grid Fit(std::size_t count, std::size_t rows, std::size_t width) {
     return {std::min(rows, (count + columns - 1) / columns), columns, CellWidth(width, columns)};
 }
 
-std::string ValueWithin(const ShownChannel& channel, std::size_t columns) {
+// With what explains it where that takes no column from the name.
+std::string ValueWithin(const ShownChannel& channel, std::size_t columns, std::size_t room) {
     const char* const meaning = channel.Meaning();
     const std::string value = channel.Value();
     const std::string longer =
         meaning != nullptr
             ? value + " (" + meaning + ")"
             : value + (channel.unit.find("..") == std::string::npos ? channel.UnitSuffix() : "");
-    return Shortened(Columns(longer) <= columns ? longer : value, columns);
+    const bool fits = Columns(channel.name) + 1 + Columns(longer) <= room;
+    return Shortened(fits ? longer : value, columns);
 }
 
 }  // namespace
@@ -85,9 +89,9 @@ std::string WatchScreen::Cell(std::FILE* out, const ShownChannel& channel,
                               std::size_t width) const {
     const std::string number = (channel.number < 10 ? " " : "") + std::to_string(channel.number);
     const std::size_t room = width - std::min(width, number.size() + 2);  // a blank and the mark
-    const std::size_t shortestName = std::min<std::size_t>(Columns(channel.name), room / 3);
-    const std::string value = ValueWithin(channel, room - shortestName - 1);
-    const std::string name = Shortened(channel.name, room - Columns(value) - 1);
+    const std::size_t shortestName = std::min(Columns(channel.name), SHORTEST_NAME);
+    const std::string value = ValueWithin(channel, room - std::min(room, shortestName + 1), room);
+    const std::string name = Shortened(channel.name, room - std::min(room, Columns(value) + 1));
     const bool isChanged = m_changed.count(channel.number) != 0;
     std::string middle(room - Columns(name) - Columns(value), ' ');
     const std::size_t field = std::max(Columns(value), NUMBER_WIDTH);
