@@ -11,14 +11,11 @@
 #include "hxdpanel/report/ChannelReport.h"
 #include "hxdpanel/report/CommandHints.h"
 #include "hxdpanel/report/CommandReference.h"
+#include "hxdpanel/report/Outcome.h"
 #include "hxdpanel/report/PanelReport.h"
 #include "hxdpanel/report/TimeReport.h"
 
-#include <unistd.h>
-
 #include <algorithm>
-#include <array>
-#include <sstream>
 
 namespace {
 
@@ -34,15 +31,6 @@ Words Split(const std::string& text) {
     return {trimmed.substr(0, end), Trimmed(trimmed.substr(end))};
 }
 
-// "0 (done)"; the host interface's own codes in hexadecimal, as they are documented.
-std::string StatusText(int status, const char* meaning) {
-    std::array<char, 16> number = {};
-    const bool isFlag = status < -0x40000000;
-    std::snprintf(number.data(), number.size(), isFlag ? "0x%X" : "%d",
-                  static_cast<unsigned>(status));
-    return std::string(number.data()) + " (" + meaning + ")";
-}
-
 int ExitFor(int status) {
     return status == HOST_OK ? EXIT_DONE : EXIT_STATUS;
 }
@@ -50,11 +38,6 @@ int ExitFor(int status) {
 int Complain(const std::string& message) {
     std::fprintf(stderr, "%s\n", terminal::Styled(stderr, terminal::BAD, message).c_str());
     return EXIT_USAGE;
-}
-
-void Note(const std::string& text) {
-    std::fprintf(stderr, "%s\n",
-                 terminal::Styled(stderr, terminal::SPECIAL, "note: " + text).c_str());
 }
 
 std::vector<std::string> AllWords(std::string rest) {
@@ -209,71 +192,24 @@ int Session::RunDriverCommand(const std::string& text) {
     m_output.Settle();
     const HostDatabase::Trace trace = m_database.TakeTrace();
     outcome.variables = trace.written;
-    outcome.files = m_savedFiles.TakeChanges();
+    for (const std::string& file : m_savedFiles.TakeChanges())
+        outcome.files.push_back((m_files.isPrivate ? m_files.outside : "") + file);
+    outcome.filesVanish = m_files.isPrivate && m_files.outside.empty();
     if (info != nullptr && info->row.command == COMMAND_EXEC_NTP)
         m_strLastSync = SyncText(m_database, trace);
     if (info != nullptr && info->savesFile && outcome.files.empty())
         outcome.notes.push_back("no file was saved; see help " + std::string(info->name));
     for (const std::string& hint : CommandHints(parsed, info, outcome.status, m_database, trace))
         outcome.notes.push_back(hint);
+    return Report(outcome);
+}
+
+int Session::Report(const Outcome& outcome) {
     if (m_json)
-        PrintJson(m_out, m_layout, "command", OutcomeJson(outcome));
+        PrintJson(m_out, m_layout, outcome.Kind(), OutcomeJson(m_database, outcome));
     else
-        PrintOutcome(outcome);
+        PrintOutcome(m_out, m_database, outcome);
     return ExitFor(outcome.status);
-}
-
-void Session::PrintOutcome(const Outcome& outcome) const {
-    const std::string status = StatusText(outcome.status, outcome.meaning);
-    std::fprintf(
-        m_out, "%s: status %s\n", Visible(outcome.command).c_str(),
-        terminal::Styled(m_out, outcome.status == HOST_OK ? terminal::GOOD : terminal::BAD, status)
-            .c_str());
-    for (const std::string& name : outcome.variables)
-        PrintVariable(name);
-    const bool isGone = m_files.isPrivate && m_files.outside.empty();
-    for (const std::string& file : outcome.files)
-        std::fprintf(m_out, "saved %s%s\n", Visible(OutsidePath(file)).c_str(),
-                     isGone ? " (gone when this run ends; --root DIR keeps it)" : "");
-    std::fflush(m_out);
-    for (const std::string& note : outcome.notes)
-        Note(note);
-}
-
-Json Session::OutcomeJson(const Outcome& outcome) const {
-    Json variables = Json::array();
-    for (const std::string& name : outcome.variables) {
-        HostValue value;
-        m_database.FindVariable(name, value);
-        variables.push_back(JsonVariable(name, value));
-    }
-    Json files = Json::array();
-    for (const std::string& file : outcome.files)
-        files.push_back(OutsidePath(file));
-    return {{"command", outcome.command},
-            {"status", JsonStatus(outcome.status, outcome.meaning)},
-            {"variables", variables},
-            {"saved", files},
-            {"notes", outcome.notes}};
-}
-
-// One line for programs; people see the lines of a longer text as such.
-void Session::PrintVariable(const std::string& name) const {
-    HostValue value;
-    m_database.FindVariable(name, value);
-    const bool isLong = value.type == DATATYPE_TEXT && value.text.find('\n') != std::string::npos;
-    if (!isLong || ::isatty(::fileno(m_out)) == 0) {
-        std::fprintf(m_out, "%s = %s\n", Visible(name).c_str(), ValueText(value).c_str());
-        return;
-    }
-    std::fprintf(m_out, "%s =\n", Visible(name).c_str());
-    std::istringstream lines(value.text);
-    for (std::string line; std::getline(lines, line);)
-        std::fprintf(m_out, "  %s\n", Visible(line).c_str());
-}
-
-std::string Session::OutsidePath(const std::string& file) const {
-    return (m_files.isPrivate ? m_files.outside : "") + file;
 }
 
 int Session::Collect() {
@@ -337,6 +273,7 @@ int Session::Write(const std::string& channel, const std::string& text) {
         return Complain("Channel " + std::to_string(number) + " takes a number, not " +
                         Quoted(text));
     Outcome outcome;
+    outcome.channel = number;
     {
         const WorkingDriver working(m_output, "write " + std::to_string(number));
         outcome.status = m_device.Write(number, value);
@@ -354,27 +291,7 @@ int Session::Write(const std::string& channel, const std::string& text) {
     HostValue whole;
     if (row.input == ChannelRow::WHOLE_NUMBER && !ConvertValue(text, DATATYPE_INTEGER, whole))
         outcome.notes.push_back("the driver reads " + Quoted(text) + " as 0: write a whole number");
-    ReportWrite(outcome, number);
-    return ExitFor(outcome.status);
-}
-
-void Session::ReportWrite(const Outcome& outcome, int number) const {
-    const ShownChannel shown = ShowChannel(m_database, number);
-    if (m_json) {
-        PrintJson(m_out, m_layout, "write",
-                  {{"status", JsonStatus(outcome.status, outcome.meaning)},
-                   {"channel", ChannelJson(shown)},
-                   {"notes", outcome.notes}});
-        return;
-    }
-    const std::string status = StatusText(outcome.status, outcome.meaning);
-    const bool isDone = outcome.status == HOST_OK;
-    std::fprintf(m_out, "status %s\n%s\n",
-                 terminal::Styled(m_out, isDone ? terminal::GOOD : terminal::BAD, status).c_str(),
-                 ChannelText(shown).c_str());
-    std::fflush(m_out);
-    for (const std::string& note : outcome.notes)
-        Note(note);
+    return Report(outcome);
 }
 
 int Session::WatchChannels(WatchOptions options, const std::vector<std::string>& channels,

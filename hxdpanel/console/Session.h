@@ -16,6 +16,7 @@
 #include <vector>
 
 class HardwareMemory;
+struct Outcome;
 
 // Operations return an ExitCode.
 class Session {
@@ -73,20 +74,7 @@ private:
 
     int Refresh();
     const JsonLayout* AsJson() const { return m_json ? &m_layout : nullptr; }
-    // What a line of the console or a command of the driver has led to.
-    struct Outcome {
-        std::string command;
-        int status;
-        const char* meaning;
-        std::vector<std::string> variables;  // written
-        std::vector<std::string> files;      // saved
-        std::vector<std::string> notes;
-    };
-    void PrintOutcome(const Outcome& outcome) const;
-    Json OutcomeJson(const Outcome& outcome) const;
-    void ReportWrite(const Outcome& outcome, int number) const;
-    void PrintVariable(const std::string& name) const;
-    std::string OutsidePath(const std::string& file) const;
+    int Report(const Outcome& outcome);
 
     HostDatabase& m_database;
     Device& m_device;
