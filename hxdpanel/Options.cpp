@@ -195,13 +195,16 @@ void AddSubcommands(CLI::App& app, Options& options) {
     help->add_option("TOPIC", options.helpTopic, "Name of the command, or a channel");
 }
 
-// Each line at the window's width; what follows a column of names stays in its column.
+// Each line at the window's width; what goes on after a gap goes on below it.
 void PrintUsage(const CLI::App& app) {
-    constexpr std::size_t DESCRIPTIONS = 30;
     std::istringstream lines(app.help());
     for (std::string line; std::getline(lines, line);) {
-        const bool isTable = line.compare(0, 2, "  ") == 0;
-        std::printf("%s\n", terminal::Wrapped(stdout, line, isTable ? DESCRIPTIONS : 0).c_str());
+        const std::size_t gap = line.find("  ", line.find_first_not_of(' '));
+        const std::size_t column = line.find_first_not_of(' ', gap);
+        const std::size_t indent = line.compare(0, 2, "  ") == 0 ? 4 : 0;
+        std::printf(
+            "%s\n",
+            terminal::Wrapped(stdout, line, gap == std::string::npos ? indent : column).c_str());
     }
 }
 

@@ -17,6 +17,8 @@ namespace terminal {
 
 namespace {
 
+constexpr std::size_t NARROWEST_TEXT = 16;  // beside what is indented
+
 int g_sizeEvent = -1;
 
 void OnSize(int) {
@@ -94,8 +96,8 @@ std::string Wrapped(std::FILE* file, const std::string& text, std::size_t indent
 }
 
 std::string WrappedTo(std::size_t columns, const std::string& text, std::size_t indent) {
-    if (indent > columns / 2)
-        indent = 4;
+    if (indent + NARROWEST_TEXT > columns)
+        indent = std::min({indent, std::size_t{4}, columns / 2});
     std::string wrapped;
     std::string rest = text;
     std::size_t used = 0;

@@ -23,9 +23,9 @@
 
 namespace {
 
-const char* const GREETING =
-    "hxdpanel: a simulated touch panel with the real driver in it.\n"
-    "Type channels to see the panel's values, help for all commands, quit to leave.\n";
+const char* const GREETING[] = {
+    "hxdpanel: a simulated touch panel with the real driver in it.",
+    "Type channels to see the panel's values, help for all commands, quit to leave."};
 constexpr int HISTORY_SIZE = 1000;
 const char* const PROMPT = "panel> ";
 
@@ -157,6 +157,11 @@ int Editor::ReadCharacter(EditLine* edit, wchar_t* character) {
 
 // However many lines of the window it takes.
 void Editor::EraseLine() {
+    if (!terminal::CanRedraw(m_output.Results())) {
+        std::fputs("\n", m_output.Results());
+        std::fflush(m_output.Results());
+        return;
+    }
     const LineInfo* const info = ::el_line(m_edit);
     const std::size_t width =
         static_cast<std::size_t>(terminal::SizeOf(m_output.Results()).columns);
@@ -251,7 +256,9 @@ void Editor::ListCandidates(const std::vector<std::string>& candidates) {
 }
 
 int RunTerminal(Session& session, DriverOutput& output, const std::string& historyFolder) {
-    std::fputs(GREETING, output.Results());
+    for (const char* line : GREETING)
+        std::fprintf(output.Results(), "%s\n",
+                     terminal::Wrapped(output.Results(), line, 0).c_str());
     std::fflush(output.Results());
     Editor editor(session, output, historyFolder);
     std::string line;

@@ -36,7 +36,9 @@ int ExitFor(int status) {
 }
 
 int Complain(const std::string& message) {
-    std::fprintf(stderr, "%s\n", terminal::Styled(stderr, terminal::BAD, message).c_str());
+    std::fprintf(
+        stderr, "%s\n",
+        terminal::Styled(stderr, terminal::BAD, terminal::Wrapped(stderr, message, 2)).c_str());
     return EXIT_USAGE;
 }
 

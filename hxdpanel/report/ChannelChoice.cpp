@@ -79,11 +79,14 @@ bool ChooseChannel(const std::string& word, int highest, int& number, std::strin
         number = rows[0]->number;
         return true;
     }
-    error = Quoted(word) + " is no channel; say a number, 1 to " + std::to_string(highest) +
-            ", or a name, for example Brightness";
-    for (std::size_t i = 0; i < rows.size(); ++i)
-        error = (i == 0 ? Quoted(word) + " may be " : error + ", ") +
-                std::to_string(rows[i]->number) + " " + rows[i]->name;
+    error = Quoted(word);
+    error += rows.empty() ? " is no channel; say a number, 1 to " + std::to_string(highest) +
+                                ", or a name, for example Brightness"
+                          : " may be ";
+    for (const ChannelRow* row : rows) {
+        error += row != rows.front() ? ", " : "";
+        error.append(std::to_string(row->number)).append(" ").append(row->name);
+    }
     return false;
 }
 

@@ -20,6 +20,10 @@ std::string Explained(const ShownChannel& channel) {
     return channel.Value() + (meaning != nullptr ? " (" + std::string(meaning) + ")" : "");
 }
 
+std::string TrimmedRight(const std::string& text) {
+    return text.substr(0, text.find_last_not_of(' ') + 1);
+}
+
 struct Column {
     const char* title;
     std::string (*cell)(const ShownChannel&);
@@ -91,26 +95,27 @@ int HighestChannel(const HostDatabase& database) {
 }
 
 void PrintChannelTable(std::FILE* out, const ShownChannels& channels) {
-    std::vector<std::string> rows(channels.size() + 1);
+    std::string title;
+    std::vector<std::string> rows(channels.size());
     for (const Column& column : COLUMNS) {
-        const bool last = &column == &COLUMNS[sizeof COLUMNS / sizeof *COLUMNS - 1];
         std::size_t width = Columns(column.title);
         for (const ShownChannel& channel : channels)
             width = std::max(width, Columns(column.cell(channel)));
-        rows[0] += last ? column.title : PadRight(column.title, width + 2);
-        for (std::size_t i = 0; i < channels.size(); ++i) {
-            const std::string cell = column.cell(channels[i]);
-            if (!last)
-                rows[i + 1] += PadRight(cell, width + 2);
-            else
-                rows[i + 1] += channels[i].Meaning() != nullptr
-                                   ? terminal::Styled(out, terminal::SPECIAL, cell)
-                                   : cell;
-        }
+        title += PadRight(column.title, width + 2);
+        for (std::size_t i = 0; i < channels.size(); ++i)
+            rows[i] += PadRight(column.cell(channels[i]), width + 2);
     }
-    rows[0] = terminal::Styled(out, terminal::TITLE, rows[0]);
-    for (const std::string& row : rows)
-        std::fprintf(out, "%s\n", row.c_str());
+    const std::size_t values = title.rfind(COLUMNS[sizeof COLUMNS / sizeof *COLUMNS - 1].title);
+    std::fprintf(out, "%s\n", terminal::Styled(out, terminal::TITLE, TrimmedRight(title)).c_str());
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        const std::string row = terminal::Wrapped(out, TrimmedRight(rows[i]), values);
+        const std::size_t end = std::min(values, row.size());  // shorter in a very narrow window
+        const std::string value = row.substr(end);
+        const bool isSpecial = channels[i].Meaning() != nullptr;
+        std::fprintf(
+            out, "%s%s\n", row.substr(0, end).c_str(),
+            isSpecial ? terminal::Styled(out, terminal::SPECIAL, value).c_str() : value.c_str());
+    }
 }
 
 Json ChannelJson(const ShownChannel& channel) {

@@ -21,8 +21,8 @@ std::string StatusText(int status, const char* meaning) {
 }
 
 void Note(const std::string& text) {
-    std::fprintf(stderr, "%s\n",
-                 terminal::Styled(stderr, terminal::SPECIAL, "note: " + text).c_str());
+    const std::string wrapped = terminal::Wrapped(stderr, "note: " + text, 2);
+    std::fprintf(stderr, "%s\n", terminal::Styled(stderr, terminal::SPECIAL, wrapped).c_str());
 }
 
 // One line for programs; people see the lines of a longer text as such.

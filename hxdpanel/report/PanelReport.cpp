@@ -1,6 +1,7 @@
 #include "hxdpanel/report/PanelReport.h"
 
 #include "SimPanel.h"
+#include "hxdpanel/base/Terminal.h"
 #include "hxdpanel/base/Text.h"
 #include "hxdpanel/panel/CommandsRun.h"
 
@@ -57,7 +58,9 @@ std::string LockText(const IVNCLock* plugin) {
 }
 
 void PrintItem(std::FILE* out, const char* title, const std::string& text) {
-    std::fprintf(out, "%s%s\n", PadRight(title, 17).c_str(), text.c_str());
+    constexpr std::size_t TITLES = 17;
+    const std::string line = PadRight(title, TITLES) + text;
+    std::fprintf(out, "%s\n", terminal::Wrapped(out, line, TITLES).c_str());
 }
 
 // One line with the title, the others below the first; nothing for an empty list.

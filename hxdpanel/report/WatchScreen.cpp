@@ -4,6 +4,7 @@
 #include "hxdpanel/base/Text.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 
 namespace {
@@ -79,7 +80,7 @@ std::string WatchScreen::Spark(int number, std::size_t columns) const {
     std::string spark(columns - (past.size() - first), ' ');
     for (std::size_t i = first; i < past.size(); ++i) {
         const double height = span > 0.0 ? (past[i] - least) / span : 0.0;
-        spark += (MB_CUR_MAX > 1 ? BLOCKS : LETTERS)[static_cast<std::size_t>(height * 7.0 + 0.5)];
+        spark += (MB_CUR_MAX > 1 ? BLOCKS : LETTERS)[std::lround(height * 7.0)];
     }
     return spark;
 }

@@ -244,6 +244,13 @@ TEST(Hxdpanel, ReadsLinesFromAPipe) {
               "x = \"a\\x1B[31m\\xFF\xc3\xa4\" (text)\n");
 }
 
+// The screen is drawn from what was collected: it does not grow by a later collection.
+TEST(Hxdpanel, ConsoleCollectsAtItsStart) {
+    Hxdpanel({}, "SAVESCREEN($OLMA_DIR_USR/a.png)\nchannels\nSAVESCREEN($OLMA_DIR_USR/b.png)\n");
+    const auto first = static_cast<double>(readFile("/storage/user_dir/a.png").size());
+    EXPECT_GT(first, 0.9 * static_cast<double>(readFile("/storage/user_dir/b.png").size()));
+}
+
 TEST(Hxdpanel, WatchWritesALinePerReadingUntilInterrupted) {
     QProcess process;
     Start(process, {"watch", "--interval", "0.05", "--csv", "-"});
@@ -284,7 +291,9 @@ TEST(Hxdpanel, RefusesDangerousCallsWithoutTheSandbox) {
     qputenv("PATH", path);
     writeFile("/run/hxd-panel", "");
     EXPECT_EQ(run.exitCode, 1);
-    EXPECT_TRUE(Contains(run.errors, "going on without the sandbox")) << run.errors;
+    for (const char* told : {"going on without the sandbox", "/storage/user_dir", "/tmp/ping.sh",
+                             "kernel.unprivileged_userns_clone=1"})
+        EXPECT_TRUE(Contains(run.errors, told)) << run.errors;
     EXPECT_TRUE(Contains(run.out, "refused: reboot\n")) << run.out;
     EXPECT_TRUE(Contains(run.out, "refused: dmesg > /tmp/dmesg.log\n")) << run.out;
     EXPECT_TRUE(Contains(nand.out, "refused: mount -t debugfs none /sys/kernel/debug\n"))

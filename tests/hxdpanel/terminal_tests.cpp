@@ -70,6 +70,16 @@ TEST(Terminal, WatchMarksChangesAndIsPlainOnADumbTerminal) {
     EXPECT_EQ(plain.find('\033'), std::string::npos) << plain;
 }
 
+TEST(Terminal, ColoursAreLeftOutOnRequest) {
+    for (const char* unwanted : {"", "1"}) {
+        ::setenv("NO_COLOR", unwanted, 1);
+        PseudoTerminal terminal(Hxdpanel({"channels", "31"}), "xterm", USUAL);
+        const std::string shown = terminal.ReadUntil("queried)");
+        EXPECT_EQ(shown.find("\033[33m-2") == std::string::npos, *unwanted != '\0') << shown;
+    }
+    ::unsetenv("NO_COLOR");
+}
+
 TEST(Terminal, ALineFromOutsideStandsAboveTheOneThatIsEdited) {
     PseudoTerminal terminal(Hxdpanel({}), "xterm", USUAL);
     terminal.ReadUntil("panel> ");
@@ -131,9 +141,10 @@ TEST(Terminal, WrapsBetweenWords) {
     } cases[] = {
         {10, 0, "short", "short"},
         {10, 0, "exactly 10 and", "exactly 10\nand"},
-        {10, 2, "aaa bbb ccc ddd", "aaa bbb\n  ccc ddd"},
+        {20, 2, "aaaa bbbb cccc dddd eeee", "aaaa bbbb cccc dddd\n  eeee"},
+        {24, 8, "        aaaaaaaaa bbbbbbbbb", "        aaaaaaaaa\n        bbbbbbbbb"},
         {10, 0, "averylongwordhere x", "averylongwordhere\nx"},
-        {10, 4, "    aaaaa bbbbb", "    aaaaa\n    bbbbb"},
+        {10, 4, "    aaaaa bbbbb", "    aaaaa\n    bbbbb"},  // too narrow for more
     };
     for (const auto& row : cases)
         EXPECT_EQ(terminal::WrappedTo(row.columns, row.text, row.indent), row.wrapped);
