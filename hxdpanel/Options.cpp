@@ -6,8 +6,10 @@
 
 #include <cctype>
 #include <functional>
+#include <sstream>
 
 #include "hxdpanel/base/ExitCode.h"
+#include "hxdpanel/base/Terminal.h"
 #include "hxdpanel/base/Text.h"
 
 namespace {
@@ -16,17 +18,20 @@ const char* const DESCRIPTION =
     "hxdpanel: a simulated touch panel with the real driver in it. Without a subcommand it starts\n"
     "an interactive console. The driver runs in a sandbox: nothing it does reaches this machine.";
 
-const char* const FOOTER =
-    "Exit code: 0 done; 1 the driver reported a status other than 0; 2 wrong usage, or the "
-    "results\n"
-    "cannot be written; 3 the driver cannot be loaded or initialised; 4 the panel's description "
-    "or\n"
-    "files cannot be used; 125 the sandbox could not be set up; 129 the panel was rebooted.\n\n"
+const char* const EXAMPLES =
     "Examples:\n"
     "  hxdpanel channels --json\n"
+    "  hxdpanel read brightness\n"
     "  hxdpanel write 21 40\n"
     "  hxdpanel exec --set secret=abc --set digest:text= 'STRSHA256(secret,digest)'\n"
-    "  hxdpanel watch --interval 0.5 --csv values.csv";
+    "  hxdpanel watch 10 11 26-28 --interval 0.5 --csv values.csv";
+
+std::string Footer() {
+    std::string text = "Exit code:\n";
+    for (const ExitMeaning& row : EXIT_MEANINGS)
+        text += "  " + PadRight(std::to_string(row.code), 5) + row.meaning + "\n";
+    return text + "\n" + EXAMPLES;
+}
 
 // Two parameters, each 32-bit little-endian after their number: device address 0, communication
 // wait time 200 ms.
@@ -59,23 +64,31 @@ std::string AddVariable(const std::string& text, std::vector<Definition>& variab
     return "";
 }
 
+// An empty path would silently stand for the default.
+std::string NotEmpty(const std::string& text) {
+    return text.empty() ? "needs a path, not an empty text" : "";
+}
+
+// Outside the sandbox: the paths are the user's. "" when the folder is a panel.
+std::string PanelError(const std::string& folder) {
+    const bool isPanel = ::access((folder + "/panel.ini").c_str(), F_OK) == 0 ||
+                         ::access((folder + "/root").c_str(), F_OK) == 0;
+    return folder.empty() || isPanel ? "" : "neither panel.ini nor root/ in " + Quoted(folder);
+}
+
 void AddGeneralOptions(CLI::App& app, Options& options) {
     app.add_option("--panel", options.panel,
                    "Folder of the panel: panel.ini describes its hardware, root/ its files")
-        ->check(CLI::ExistingDirectory)
-        ->check(
-            [](const std::string& folder) {
-                const bool isPanel = ::access((folder + "/panel.ini").c_str(), F_OK) == 0 ||
-                                     ::access((folder + "/root").c_str(), F_OK) == 0;
-                return isPanel ? std::string() : "neither panel.ini nor root/ in " + Quoted(folder);
-            },
-            "");
+        ->check(NotEmpty)
+        ->type_name("DIR");
     app.add_option("--root", options.root,
                    "Keep the panel's files in DIR (default: a folder among the user's data; with "
                    "--panel fresh files)")
+        ->check(NotEmpty)
         ->type_name("DIR");
     app.add_flag("--fresh", options.fresh, "Start with fresh files and keep none");
     app.add_option("--driver", options.driver, "The driver library (default: the one built here)")
+        ->check(NotEmpty)
         ->type_name("FILE");
     app.add_option("--channels", options.channels, "How many channels the host asks for")
         ->capture_default_str()
@@ -85,6 +98,7 @@ void AddGeneralOptions(CLI::App& app, Options& options) {
                    "Show the driver's log lines up to a level: 1 errors, 4 trace")
         ->check(CLI::Range(0, 9))
         ->type_name("LEVEL");
+    app.add_flag("--json", options.json, "Results as JSON objects; docs/json.md describes them");
     app.add_flag_callback(
         "--no-vnc", [&options] { options.lockPlugin = false; },
         "Run the host without the remote-view plug-in");
@@ -117,10 +131,20 @@ CLI::App* AddSubcommand(CLI::App& app, Options& options, Options::Mode mode, con
     return subcommand;
 }
 
+const char* const ONE_CHANNEL = "Number, 1 to 32, or name like brightness or com1";
+
+void AddChannels(CLI::App& subcommand, Options& options) {
+    subcommand.add_option("CHANNEL", options.chosen,
+                          "Number, range like 26-28, or name like brightness or com1");
+}
+
 void AddSubcommands(CLI::App& app, Options& options) {
     CLI::App* const channels = AddSubcommand(app, options, Options::CHANNELS, "channels",
                                              "Show the panel's channels and their values");
-    channels->add_flag("--json", options.json, "As JSON, an object for each channel");
+    AddChannels(*channels, options);
+    CLI::App* const read = AddSubcommand(app, options, Options::READ, "read",
+                                         "Print the value of a channel and nothing else");
+    read->add_option("CHANNEL", options.channel, ONE_CHANNEL)->required();
 
     CLI::App* const exec = AddSubcommand(app, options, Options::EXEC, "exec",
                                          "Run commands of the driver, or of the console, in order");
@@ -141,11 +165,12 @@ void AddSubcommands(CLI::App& app, Options& options) {
 
     CLI::App* const write =
         AddSubcommand(app, options, Options::WRITE, "write", "Write a value to a channel");
-    write->add_option("N", options.number, "Number of the channel, 1 to 32")->required();
+    write->add_option("CHANNEL", options.channel, ONE_CHANNEL)->required();
     write->add_option("VALUE", options.value, "What to write")->required();
 
     CLI::App* const watch = AddSubcommand(app, options, Options::WATCH, "watch",
                                           "Show the channels again and again, until Ctrl-C");
+    AddChannels(*watch, options);
     watch->add_option("--interval", options.interval, "Seconds between two readings")
         ->capture_default_str()
         ->check(CLI::Range(0.01, 86400.0))
@@ -153,8 +178,12 @@ void AddSubcommands(CLI::App& app, Options& options) {
     watch->add_option("--count", options.count, "Stop after so many readings")
         ->check(CLI::Range(1, 1000000000))
         ->type_name("N");
-    watch->add_option("--csv", options.csv, "Write a line for each reading; - for standard output")
-        ->type_name("FILE");
+    CLI::Option* const csv = watch->add_option(
+        "--csv", options.csv, "Write a line for each reading; - for standard output");
+    csv->check(NotEmpty)->type_name("FILE")->excludes(app.get_option("--json"));
+    watch->add_flag("--changes", options.changes,
+                    "Only what differs from the reading before: a line for each channel, or the "
+                    "line of CSV or JSON when there is something");
 
     AddSubcommand(app, options, Options::PANEL, "panel",
                   "Show the simulated hardware and what the driver did to it");
@@ -163,14 +192,27 @@ void AddSubcommands(CLI::App& app, Options& options) {
     CLI::App* const help =
         AddSubcommand(app, options, Options::HELP, "help",
                       "Explain a command of the driver or the console, or list them");
-    help->add_option("COMMAND", options.helpTopic, "Name of the command, or number of a channel");
+    help->add_option("TOPIC", options.helpTopic, "Name of the command, or a channel");
+}
+
+// Each line at the window's width; what goes on after a gap goes on below it.
+void PrintUsage(const CLI::App& app) {
+    std::istringstream lines(app.help());
+    for (std::string line; std::getline(lines, line);) {
+        const std::size_t gap = line.find("  ", line.find_first_not_of(' '));
+        const std::size_t column = line.find_first_not_of(' ', gap);
+        const std::size_t indent = line.compare(0, 2, "  ") == 0 ? 4 : 0;
+        std::printf(
+            "%s\n",
+            terminal::Wrapped(stdout, line, gap == std::string::npos ? indent : column).c_str());
+    }
 }
 
 // Words that no option or subcommand takes.
 void ExplainExtras(const std::vector<std::string>& words) {
     const std::string word = words.empty() ? "" : words.front();
     const std::string closest =
-        Closest(word, {"channels", "exec", "write", "watch", "panel", "ntp", "help"});
+        Closest(word, {"channels", "read", "exec", "write", "watch", "panel", "ntp", "help"});
     std::string advice = "see hxdpanel --help";
     if (word.find('(') != std::string::npos)
         advice = "to run a command of the driver: hxdpanel exec '" + Visible(word) + "'";
@@ -184,7 +226,7 @@ void ExplainExtras(const std::vector<std::string>& words) {
 
 bool ParseOptions(int argc, const char* const* argv, Options& options, int& exitCode) {
     CLI::App app(DESCRIPTION, "hxdpanel");
-    app.footer(FOOTER);
+    app.footer(Footer());
     app.fallthrough();
     app.require_subcommand(0, 1);
     ParseBlob(DEFAULT_BLOB, options.blob);
@@ -197,8 +239,18 @@ bool ParseOptions(int argc, const char* const* argv, Options& options, int& exit
         ExplainExtras(app.remaining(true));
         exitCode = EXIT_USAGE;
         return false;
+    } catch (const CLI::CallForHelp&) {
+        PrintUsage(app);
+        exitCode = EXIT_DONE;
+        return false;
     } catch (const CLI::ParseError& error) {
         exitCode = app.exit(error) == 0 ? EXIT_DONE : EXIT_USAGE;
+        return false;
+    }
+    const std::string error = options.inside.launched ? "" : PanelError(options.panel);
+    if (!error.empty()) {
+        std::fprintf(stderr, "hxdpanel: --panel: %s\n", error.c_str());
+        exitCode = EXIT_USAGE;
         return false;
     }
     options.history = options.mode == Options::CONSOLE;

@@ -9,7 +9,7 @@
 #include <vector>
 
 struct Options : sandbox::Setup {
-    enum Mode { CONSOLE, CHANNELS, EXEC, WRITE, WATCH, PANEL, NTP, HELP };
+    enum Mode { CONSOLE, CHANNELS, READ, EXEC, WRITE, WATCH, PANEL, NTP, HELP };
 
     Mode mode = CONSOLE;
     int channels = 32;
@@ -21,10 +21,12 @@ struct Options : sandbox::Setup {
     bool json = false;
     std::vector<Definition> variables;
     std::vector<std::string> commands;
-    int number = 0;
+    std::vector<std::string> chosen;  // channels as typed
+    std::string channel;              // of read and write
     std::string value;
     double interval = 1.0;  // seconds
     int count = 0;          // 0: until interrupted
+    bool changes = false;
     std::string helpTopic;
 };
 

@@ -3,6 +3,7 @@
 #include "hxdpanel/Options.h"
 #include "hxdpanel/base/ExitCode.h"
 #include "hxdpanel/base/Interrupt.h"
+#include "hxdpanel/base/Terminal.h"
 #include "hxdpanel/console/Console.h"
 #include "hxdpanel/console/Session.h"
 #include "hxdpanel/host/Device.h"
@@ -20,6 +21,9 @@
 
 #include <QCoreApplication>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <clocale>
@@ -27,6 +31,16 @@
 #include <memory>
 
 namespace {
+
+// As docs/platform.md has it, in short.
+const char* const GUARDED_NOTICE =
+    "hxdpanel: going on without the sandbox; reboot, clock, mount and kernel-log calls of the "
+    "driver\n"
+    "are refused. It may write to the panel's folder (panel names it) and, where you may, to\n"
+    "/storage/user_dir, /media/usb0, /etc/iot_cfg/vncConfig.ini, /etc/resolv.conf, /tmp/*.lck,\n"
+    "/tmp/ping.lock and /tmp/ping.sh. To have the sandbox, install bubblewrap and allow user\n"
+    "namespaces: sysctl -w kernel.unprivileged_userns_clone=1 user.max_user_namespaces=10000, and\n"
+    "kernel.apparmor_restrict_unprivileged_userns=0 where it exists; docs/platform.md has more.\n";
 
 struct FileCloser {
     void operator()(std::FILE* file) const { std::fclose(file); }
@@ -50,12 +64,17 @@ int RunCommands(Session& session, const std::vector<std::string>& commands) {
     return worst;
 }
 
-// What --csv names: opened by the instance outside the sandbox, or here in guarded mode.
+// What --csv names: opened by the instance outside the sandbox, or here in guarded mode. What was
+// in it goes only now, when there is something to take its place.
 std::FILE* OpenCsv(const Options& options, std::FILE* results) {
     if (options.csv == "-")
         return results;
-    return options.inside.csvDescriptor >= 0 ? ::fdopen(options.inside.csvDescriptor, "w")
-                                             : std::fopen(options.csv.c_str(), "w");
+    if (options.inside.csvDescriptor < 0)
+        return std::fopen(options.csv.c_str(), "w");
+    if (::ftruncate(options.inside.csvDescriptor, 0) != 0) {
+        // A device or a pipe, in which nothing was.
+    }
+    return ::fdopen(options.inside.csvDescriptor, "w");
 }
 
 // False, with a message, when a part of what was printed did not get out.
@@ -67,8 +86,12 @@ bool Written(std::FILE* file, const char* name) {
 }
 
 int RunWatch(Session& session, const Options& options, std::FILE* results) {
+    WatchOptions watch;
+    watch.interval = options.interval;
+    watch.count = options.count;
+    watch.changes = options.changes;
     if (options.csv.empty())
-        return session.WatchChannels(options.interval, options.count, nullptr);
+        return session.WatchChannels(watch, options.chosen, nullptr);
     std::FILE* const csv = OpenCsv(options, results);
     if (csv == nullptr) {
         std::fprintf(stderr, "hxdpanel: cannot write %s: %s\n", options.csv.c_str(),
@@ -76,18 +99,20 @@ int RunWatch(Session& session, const Options& options, std::FILE* results) {
         return EXIT_USAGE;
     }
     const std::unique_ptr<std::FILE, FileCloser> owner(csv != results ? csv : nullptr);
-    const int exitCode = session.WatchChannels(options.interval, options.count, csv);
+    const int exitCode = session.WatchChannels(watch, options.chosen, csv);
     return csv == results || Written(csv, options.csv.c_str()) ? exitCode : EXIT_USAGE;
 }
 
 int RunMode(Session& session, const Options& options, DriverOutput& output) {
     switch (options.mode) {
         case Options::CHANNELS:
-            return options.json ? session.ShowChannelsJson() : session.ShowChannels();
+            return session.ShowChannels(options.chosen);
+        case Options::READ:
+            return session.Read(options.channel);
         case Options::EXEC:
             return RunCommands(session, options.commands);
         case Options::WRITE:
-            return session.Write(options.number, options.value);
+            return session.Write(options.channel, options.value);
         case Options::WATCH:
             return RunWatch(session, options, output.Results());
         case Options::PANEL:
@@ -96,10 +121,29 @@ int RunMode(Session& session, const Options& options, DriverOutput& output) {
         case Options::NTP:
             return session.ShowTime();
         default:
+            session.Collect();  // as a host does before anybody types
             return RunConsole(
                 session, output,
                 guard::Enabled() ? sandbox::HistoryFolder() : options.inside.historyFolder);
     }
+}
+
+// A run with one result shows it as a document, others an object a line.
+JsonLayout LayoutOf(const Options& options) {
+    const bool isLines = options.mode == Options::EXEC || options.mode == Options::CONSOLE;
+    return isLines ? JsonLayout::LINE : JsonLayout::DOCUMENT;
+}
+
+// Descriptors 0 to 2 are open from here on, so that no file takes their place.
+bool HasStandardStreams() {
+    for (const int descriptor : {STDIN_FILENO, STDERR_FILENO}) {
+        if (::fcntl(descriptor, F_GETFD) < 0)
+            ::dup2(::open("/dev/null", O_RDWR), descriptor);
+    }
+    if (::fcntl(STDOUT_FILENO, F_GETFD) >= 0)
+        return true;
+    std::fputs("hxdpanel: standard output is closed: the results cannot be written\n", stderr);
+    return false;
 }
 
 // Null, after a message, when it cannot be had.
@@ -133,8 +177,12 @@ int RunPanel(const Options& options, int argc, char** argv) {
     if (options.logLevel > 0)
         output.ShowAll();
     std::string error;
-    const auto library = DriverLibrary::Load(sandbox::DriverFile(options), error);
+    const std::string driver = sandbox::DriverFile(options);
+    const auto library = DriverLibrary::Load(driver, error);
     if (library == nullptr) {
+        const std::size_t place = options.driver.empty() ? std::string::npos : error.find(driver);
+        if (place != std::string::npos)  // the user knows it by another name than the sandbox
+            error.replace(place, driver.size(), options.driver);
         std::fprintf(stderr, "hxdpanel: %s\n", error.c_str());
         return EXIT_NO_DRIVER;
     }
@@ -147,6 +195,8 @@ int RunPanel(const Options& options, int argc, char** argv) {
         return EXIT_NO_DRIVER;
     }
     Session session(database, device, output, memory, plugin, files);
+    if (options.json)
+        session.UseJson(LayoutOf(options));
     int exitCode = EXIT_DONE;
     {
         const TimeServerSetting setting(options.timeServer, files, device, database, output);
@@ -164,10 +214,14 @@ int main(int argc, char** argv) {
     std::setlocale(LC_CTYPE, "");
     Options options;
     int exitCode = EXIT_DONE;
+    if (!HasStandardStreams())
+        return EXIT_USAGE;
     if (!ParseOptions(argc, argv, options, exitCode))
         return exitCode;
-    if (options.mode == Options::HELP)
-        return Session::PrintHelp(stdout, options.helpTopic);
+    if (options.mode == Options::HELP) {
+        const JsonLayout layout = JsonLayout::DOCUMENT;
+        return Session::PrintHelp(stdout, options.helpTopic, options.json ? &layout : nullptr);
+    }
     if (!sandbox::Inside()) {
         exitCode = sandbox::RunInside(options, argc, argv);
         if (exitCode != sandbox::UNAVAILABLE)
@@ -176,13 +230,11 @@ int main(int argc, char** argv) {
             std::fputs("hxdpanel: --time-server needs the sandbox\n", stderr);
             return EXIT_NO_PANEL;
         }
-        std::fputs(
-            "hxdpanel: going on without the sandbox; reboot, clock, mount and kernel-log "
-            "calls of the driver are refused\n",
-            stderr);
+        std::fputs(GUARDED_NOTICE, stderr);
         guard::Enable();
     }
     interrupt::Install();
+    terminal::NoticeSize();
     if (options.inside.stopDescriptor >= 0)
         interrupt::EndWith(options.inside.stopDescriptor);
     return RunPanel(options, argc, argv);

@@ -69,9 +69,9 @@ void Clear() {
     g_pending = 0;
 }
 
-bool Wait(int milliseconds) {
-    pollfd event = {g_event, POLLIN, 0};
-    ::poll(&event, 1, milliseconds);
+bool Wait(int milliseconds, int descriptor) {
+    pollfd events[2] = {{g_event, POLLIN, 0}, {descriptor, POLLIN, 0}};
+    ::poll(events, 2, milliseconds);
     return Pending();
 }
 

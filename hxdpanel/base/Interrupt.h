@@ -15,8 +15,9 @@ bool Pending();       // a signal has come
 bool EndRequested();  // ... and it was not SIGINT
 void Clear();         // Ctrl-C has been answered
 
-// Waits until the time is over or a signal is pending; true if one is.
-bool Wait(int milliseconds);
+// Waits until the time is over, the descriptor (-1: none) is readable or a signal is pending; true
+// if one is.
+bool Wait(int milliseconds, int descriptor = -1);
 // A descriptor that is readable while a signal is pending, for poll().
 int Descriptor();
 

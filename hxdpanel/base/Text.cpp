@@ -7,6 +7,7 @@
 #include <array>
 #include <cctype>
 #include <cstdio>
+#include <cstdlib>
 #include <cwchar>
 #include <cwctype>
 
@@ -125,6 +126,37 @@ std::size_t Columns(const std::string& visible) {
 std::string PadRight(const std::string& visible, std::size_t columns) {
     const std::size_t used = Columns(visible);
     return used < columns ? visible + std::string(columns - used, ' ') : visible;
+}
+
+std::string Shortened(const std::string& visible, std::size_t columns) {
+    if (Columns(visible) <= columns)
+        return visible;
+    std::string shorter;
+    for (std::size_t i = 0; i < visible.size();) {
+        const std::string next = visible.substr(i, CharacterAt(visible, i).length);
+        if (Columns(shorter + next) + 1 > columns)
+            break;
+        shorter += next;
+        i += next.size();
+    }
+    return columns > 0 ? shorter + (MB_CUR_MAX > 1 ? "…" : "~") : shorter;
+}
+
+std::string TakeWord(std::string& rest) {
+    const std::string text = Trimmed(rest);
+    const bool isQuoted = !text.empty() && text[0] == '"' && text.find('"', 1) < text.size();
+    const std::size_t end = isQuoted ? text.find('"', 1) + 1 : text.find_first_of(" \t");
+    std::string word = text.substr(0, end);
+    rest = end < text.size() ? Trimmed(text.substr(end)) : "";
+    Unquote(word);
+    return word;
+}
+
+bool Unquote(std::string& text) {
+    if (text.size() < 2 || text.front() != '"' || text.back() != '"')
+        return false;
+    text = text.substr(1, text.size() - 2);
+    return true;
 }
 
 std::string Trimmed(const std::string& text) {

@@ -25,6 +25,13 @@ std::string AddressText(std::uint32_t address);
 // Columns that a visible text takes on a terminal.
 std::size_t Columns(const std::string& visible);
 std::string PadRight(const std::string& visible, std::size_t columns);
+// Cut to so many columns, with a mark at its end where something is missing.
+std::string Shortened(const std::string& visible, std::size_t columns);
+
+// The first word, or the first text between double quotes, cut off what follows it.
+std::string TakeWord(std::string& rest);
+// Takes the quotes around a text away; false when there are none.
+bool Unquote(std::string& text);
 
 std::string Trimmed(const std::string& text);
 bool EqualNames(const std::string& left, const std::string& right);  // without regard to case

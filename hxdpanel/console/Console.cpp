@@ -1,13 +1,18 @@
 #include "hxdpanel/console/Console.h"
 
+#include "common/File.h"
+#include "common/Retry.h"
 #include "hxdpanel/base/ExitCode.h"
 #include "hxdpanel/base/Interrupt.h"
+#include "hxdpanel/base/Terminal.h"
 #include "hxdpanel/base/Text.h"
 #include "hxdpanel/console/Session.h"
 #include "hxdpanel/host/DriverOutput.h"
 
+#include <fcntl.h>
 #include <histedit.h>
 #include <poll.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -18,10 +23,24 @@
 
 namespace {
 
-const char* const GREETING =
-    "hxdpanel: a simulated touch panel with the real driver in it.\n"
-    "Type channels to see the panel's values, help for all commands, quit to leave.\n";
+const char* const GREETING[] = {
+    "hxdpanel: a simulated touch panel with the real driver in it.",
+    "Type channels to see the panel's values, help for all commands, quit to leave."};
 constexpr int HISTORY_SIZE = 1000;
+const char* const PROMPT = "panel> ";
+
+// While it lives no other run reads or writes the history.
+class HistoryLock {
+public:
+    explicit HistoryLock(const std::string& file) {
+        if (!file.empty() && m_file.open(file, O_RDWR | O_CREAT))
+            hxd::RetryInterrupted([this] { return ::flock(m_file.Descriptor(), LOCK_EX); });
+    }
+    bool HasFile() const { return m_file.IsOpen(); }
+
+private:
+    HXDCTRL::File m_file;
+};
 
 // The line editor with its history, and what its callbacks need.
 class Editor {
@@ -41,7 +60,9 @@ private:
     static unsigned char Complete(EditLine* edit, int character);
     int NextCharacter(wchar_t& character);
     bool WaitForInput();
+    void LoadHistory();
     void Remember(const std::string& line);
+    void EraseLine();
     void ListCandidates(const std::vector<std::string>& candidates);
 
     Session& m_session;
@@ -61,8 +82,7 @@ Editor::Editor(Session& session, DriverOutput& output, const std::string& histor
     HistEvent event;
     ::history(m_history, &event, H_SETSIZE, HISTORY_SIZE);
     ::history(m_history, &event, H_SETUNIQUE, 1);
-    if (!m_historyFile.empty())
-        ::history(m_history, &event, H_LOAD, m_historyFile.c_str());
+    LoadHistory();
     ::el_set(m_edit, EL_CLIENTDATA, this);
     ::el_set(m_edit, EL_PROMPT, Prompt);
     ::el_set(m_edit, EL_EDITOR, "emacs");
@@ -85,8 +105,7 @@ Editor& Editor::Of(EditLine* edit) {
 }
 
 char* Editor::Prompt(EditLine*) {
-    static char prompt[] = "panel> ";
-    return prompt;
+    return const_cast<char*>(PROMPT);
 }
 
 Editor::Result Editor::Read(std::string& line) {
@@ -104,31 +123,72 @@ Editor::Result Editor::Read(std::string& line) {
     return LINE;
 }
 
+// Rewritten with what fits the history; what other runs append waits meanwhile.
+void Editor::LoadHistory() {
+    HistEvent event;
+    const HistoryLock lock(m_historyFile);
+    if (lock.HasFile() && ::history(m_history, &event, H_LOAD, m_historyFile.c_str()) >= 0)
+        ::history(m_history, &event, H_SAVE, m_historyFile.c_str());
+}
+
+// Appended, so that runs beside each other keep each other's lines: a history of this line alone is
+// saved behind the others.
 void Editor::Remember(const std::string& line) {
     HistEvent event;
     if (Trimmed(line).empty())
         return;
     ::history(m_history, &event, H_ENTER, line.c_str());
-    if (!m_historyFile.empty())
-        ::history(m_history, &event, H_SAVE, m_historyFile.c_str());
+    const HistoryLock lock(m_historyFile);
+    std::FILE* const stream = lock.HasFile() ? std::fopen(m_historyFile.c_str(), "ae") : nullptr;
+    if (stream == nullptr)
+        return;
+    History* const alone = ::history_init();
+    ::history(alone, &event, H_SETSIZE, 1);
+    ::history(alone, &event, H_ENTER, line.c_str());
+    std::fseek(stream, 0, SEEK_END);
+    ::history(alone, &event, H_SAVE_FP, stream);
+    ::history_end(alone);
+    std::fclose(stream);
 }
 
 int Editor::ReadCharacter(EditLine* edit, wchar_t* character) {
     return Of(edit).NextCharacter(*character);
 }
 
+// However many lines of the window it takes.
+void Editor::EraseLine() {
+    if (!terminal::CanRedraw(m_output.Results())) {
+        std::fputs("\n", m_output.Results());
+        std::fflush(m_output.Results());
+        return;
+    }
+    const LineInfo* const info = ::el_line(m_edit);
+    const std::size_t width =
+        static_cast<std::size_t>(terminal::SizeOf(m_output.Results()).columns);
+    const std::string before = PROMPT + std::string(info->buffer, info->cursor);
+    const std::size_t above = Columns(before) / width;
+    if (above > 0)
+        std::fprintf(m_output.Results(), "\033[%zuA", above);
+    std::fputs("\r\033[J", m_output.Results());
+    std::fflush(m_output.Results());
+}
+
 // False when the user has interrupted. Lines of the driver appear above the line that is edited.
 bool Editor::WaitForInput() {
-    pollfd events[3] = {{STDIN_FILENO, POLLIN, 0},
+    pollfd events[4] = {{STDIN_FILENO, POLLIN, 0},
                         {interrupt::Descriptor(), POLLIN, 0},
-                        {m_output.Descriptor(), POLLIN, 0}};
+                        {m_output.Descriptor(), POLLIN, 0},
+                        {terminal::SizeEvent(), POLLIN, 0}};
     for (;;) {
-        const int ready = ::poll(events, 3, -1);
+        const int ready = ::poll(events, 4, -1);
         if (interrupt::Pending())
             return false;
+        if (ready > 0 && events[3].revents != 0) {
+            terminal::ClearSizeEvent();
+            ::el_resize(m_edit);
+        }
         if (ready > 0 && events[2].revents != 0) {
-            std::fputs("\r\033[K", m_output.Results());
-            std::fflush(m_output.Results());
+            EraseLine();
             m_output.Release();
             m_output.Hold();
             ::el_set(m_edit, EL_REFRESH);
@@ -188,14 +248,17 @@ unsigned char Editor::Complete(EditLine* edit, int) {
 }
 
 void Editor::ListCandidates(const std::vector<std::string>& candidates) {
-    std::fputs("\n", m_output.Results());
+    std::string text;
     for (const std::string& candidate : candidates)
-        std::fprintf(m_output.Results(), "%s  ", Visible(candidate).c_str());
-    std::fputs("\n", m_output.Results());
+        text += (text.empty() ? "" : "  ") + Visible(candidate);
+    std::fprintf(m_output.Results(), "\n%s\n",
+                 terminal::Wrapped(m_output.Results(), text, 0).c_str());
 }
 
 int RunTerminal(Session& session, DriverOutput& output, const std::string& historyFolder) {
-    std::fputs(GREETING, output.Results());
+    for (const char* line : GREETING)
+        std::fprintf(output.Results(), "%s\n",
+                     terminal::Wrapped(output.Results(), line, 0).c_str());
     std::fflush(output.Results());
     Editor editor(session, output, historyFolder);
     std::string line;

@@ -2,15 +2,38 @@
 
 #include "driver/record/ChannelTable.h"
 #include "hxdpanel/base/ExitCode.h"
+#include "hxdpanel/base/Terminal.h"
 #include "hxdpanel/base/Text.h"
 #include "hxdpanel/host/HostValue.h"
+#include "hxdpanel/report/ChannelChoice.h"
 #include "hxdpanel/report/ChannelReport.h"
 #include "hxdpanel/report/CommandReference.h"
 
+#include <unistd.h>
+
 namespace {
 
-void PrintRow(std::FILE* out, const std::string& left, const std::string& right) {
-    std::fprintf(out, "  %s  %s\n", PadRight(left, 36).c_str(), right.c_str());
+constexpr std::size_t SIGNATURE_WIDTH = 36;
+
+void PrintWrapped(std::FILE* out, const std::string& text, std::size_t indent = 0) {
+    std::fprintf(out, "%s\n", terminal::Wrapped(out, text, indent).c_str());
+}
+
+void PrintTitle(std::FILE* out, const std::string& title) {
+    const std::string wrapped = terminal::Wrapped(out, title, 2);
+    std::fprintf(out, "%s\n", terminal::Styled(out, terminal::TITLE, wrapped).c_str());
+}
+
+// Side by side, or one below the other where the window is too narrow.
+void PrintRow(std::FILE* out, const std::string& left, const std::string& right,
+              std::size_t width = SIGNATURE_WIDTH) {
+    const auto columns = static_cast<std::size_t>(terminal::SizeOf(out).columns);
+    if (width + 4 <= columns / 2 || width < SIGNATURE_WIDTH || ::isatty(::fileno(out)) == 0) {
+        PrintWrapped(out, "  " + PadRight(left, width) + "  " + right, width + 4);
+        return;
+    }
+    PrintWrapped(out, "  " + left, 6);
+    PrintWrapped(out, "      " + right, 6);
 }
 
 std::string Usage(const ConsoleTopic& command) {
@@ -18,49 +41,149 @@ std::string Usage(const ConsoleTopic& command) {
 }
 
 void PrintList(std::FILE* out, const std::vector<ConsoleTopic>& console) {
-    std::fputs("The console:\n", out);
+    PrintTitle(out, "The console:");
     for (const ConsoleTopic& command : console)
         PrintRow(out, Usage(command), command.summary);
-    std::fputs("\nCommands of the driver, typed as they stand (help NAME tells more):\n", out);
+    std::fputs("\n", out);
+    PrintTitle(out, "Commands of the driver, typed as they stand (help NAME tells more):");
     for (const CommandInfo& command : CommandReference())
         PrintRow(out, CommandSignature(command), command.summary);
-    std::fputs(
-        "\nArguments are names of variables made with set; a name that no variable has is taken\n"
-        "as it stands, as a number or a text. Results need a variable that can hold them.\n",
-        out);
+    std::fputs("\n", out);
+    PrintWrapped(out,
+                 "Arguments are names of variables made with set; a name that no variable has is "
+                 "taken as it stands, as a number or a text. Results need a variable that can hold "
+                 "them.");
 }
 
 void PrintConsoleCommand(std::FILE* out, const ConsoleTopic& command) {
-    std::fprintf(out, "%s\n  %s\n", Usage(command).c_str(), command.summary);
+    PrintTitle(out, Usage(command));
+    PrintWrapped(out, std::string("  ") + command.summary, 2);
 }
 
 void PrintDriverCommand(std::FILE* out, const CommandInfo& command) {
-    std::fprintf(out, "%s\n  %s\n", CommandSignature(command).c_str(), command.summary);
+    PrintTitle(out, CommandSignature(command));
+    PrintWrapped(out, std::string("  ") + command.summary, 2);
     if (!command.arguments.empty())
         std::fputs("\nArguments\n", out);
     for (const DescribedArgument& argument : command.arguments) {
         const std::string direction = argument.direction == CommandArgument::OUT ? "out" : "in";
-        std::fprintf(out, "  %s%s%s%s\n", PadRight(argument.name, 14).c_str(),
-                     PadRight(direction, 5).c_str(), PadRight(KindName(argument.kind), 8).c_str(),
-                     argument.meaning);
+        PrintRow(out,
+                 PadRight(argument.name, 14) + PadRight(direction, 5) + KindName(argument.kind),
+                 argument.meaning, 25);
     }
-    std::fputs("\nStatus\n  0   done\n", out);
+    std::fputs("\nStatus\n", out);
+    PrintRow(out, "0", "done", 2);
     for (const CommandStatus& code : command.codes)
-        std::fprintf(out, "  %-3d %s\n", code.status, code.meaning);
+        PrintRow(out, std::to_string(code.status), code.meaning, 2);
     std::fputs("\nExample\n", out);
     for (const char* line : command.example)
         std::fprintf(out, "  %s\n", line);
     if (command.row.IsOfRegistry())
-        std::fputs("\nThe driver knows this name in exactly this spelling only.\n", out);
+        PrintWrapped(out, "\nThe driver knows this name in exactly this spelling only.");
     for (const char* note : command.notes)
-        std::fprintf(out, "%s%s\n", note == command.notes.front() ? "\n" : "", note);
+        PrintWrapped(out, std::string(note == command.notes.front() ? "\n" : "") + note);
+}
+
+std::vector<ChannelRow::Sentinel> Sentinels(const ChannelRow& row) {
+    std::vector<ChannelRow::Sentinel> sentinels;
+    for (const ChannelRow::Sentinel& sentinel : row.sentinels) {
+        if (sentinel.meaning != nullptr)
+            sentinels.push_back(sentinel);
+    }
+    return sentinels;
 }
 
 void PrintChannel(std::FILE* out, const ChannelRow& row) {
-    std::fprintf(out, "channel %d  %s\n  %s%s%s, host's channel index %d\n  %s\n", row.number,
-                 row.name, row.kind == ChannelRow::TEXT ? "text" : "number",
-                 *row.unit != '\0' ? ", " : "", row.unit, row.number - 1,
-                 AcceptedText(row).c_str());
+    PrintTitle(out, "channel " + std::to_string(row.number) + "  " + row.name);
+    PrintWrapped(out,
+                 std::string("  ") + (row.kind == ChannelRow::TEXT ? "text" : "number") +
+                     (*row.unit != '\0' ? ", " : "") + row.unit + ", host's channel index " +
+                     std::to_string(row.number - 1),
+                 2);
+    PrintWrapped(out, "  " + AcceptedText(row), 2);
+    for (const ChannelRow::Sentinel& sentinel : Sentinels(row))
+        PrintWrapped(out,
+                     "  " +
+                         (sentinel.text != nullptr ? sentinel.text : NumberText(sentinel.number)) +
+                         " means: " + sentinel.meaning,
+                     2);
+}
+
+Json CommandJson(const CommandInfo& command) {
+    Json arguments = Json::array();
+    for (const DescribedArgument& argument : command.arguments)
+        arguments.push_back(
+            {{"name", argument.name},
+             {"direction", argument.direction == CommandArgument::OUT ? "out" : "in"},
+             {"type", KindName(argument.kind)},
+             {"optional", argument.optional},
+             {"meaning", argument.meaning}});
+    Json statuses = {JsonStatus(0, "done")};
+    for (const CommandStatus& code : command.codes)
+        statuses.push_back(JsonStatus(code.status, code.meaning));
+    return {{"name", command.name},       {"usage", CommandSignature(command)},
+            {"summary", command.summary}, {"exactSpelling", command.row.IsOfRegistry()},
+            {"arguments", arguments},     {"statuses", statuses},
+            {"example", command.example}, {"notes", command.notes}};
+}
+
+Json RowJson(const ChannelRow& row) {
+    Json sentinels = Json::array();
+    for (const ChannelRow::Sentinel& sentinel : Sentinels(row))
+        sentinels.push_back(
+            {{"value", sentinel.text != nullptr ? Json(sentinel.text)
+                                                : JsonValue(HostValue::Double(sentinel.number))},
+             {"meaning", sentinel.meaning}});
+    return {{"number", row.number},
+            {"name", row.name},
+            {"unit", row.unit},
+            {"type", row.kind == ChannelRow::TEXT ? "text" : "number"},
+            {"writable", row.IsWritable()},
+            {"accepts", AcceptedText(row)},
+            {"sentinels", sentinels}};
+}
+
+// What the topic names; everything for no topic.
+struct Subject {
+    std::vector<ConsoleTopic> console;
+    std::vector<const CommandInfo*> commands;
+    std::vector<const ChannelRow*> channels;
+
+    bool IsEmpty() const { return console.empty() && commands.empty() && channels.empty(); }
+};
+
+Subject Find(const std::string& name, const std::vector<ConsoleTopic>& console) {
+    Subject subject;
+    for (const ConsoleTopic& command : console) {
+        if (name.empty() || EqualNames(name, command.name))
+            subject.console.push_back(command);
+    }
+    for (const CommandInfo& command : CommandReference()) {
+        if (name.empty() || EqualNames(name, command.name))
+            subject.commands.push_back(&command);
+    }
+    int chosen = 0;
+    std::string error;
+    for (int number = 1; name.empty() && number <= CHANNEL_COUNT; ++number)
+        subject.channels.push_back(FindChannel(number));
+    if (subject.IsEmpty() && ChooseChannel(name, CHANNEL_COUNT, chosen, error))
+        subject.channels.push_back(FindChannel(chosen));
+    return subject;
+}
+
+void PrintHelpJson(std::FILE* out, const Subject& subject, JsonLayout layout) {
+    Json console = Json::array();
+    for (const ConsoleTopic& command : subject.console)
+        console.push_back(
+            {{"name", command.name}, {"usage", Usage(command)}, {"summary", command.summary}});
+    Json commands = Json::array();
+    for (const CommandInfo* command : subject.commands)
+        commands.push_back(CommandJson(*command));
+    Json channels = Json::array();
+    for (const ChannelRow* row : subject.channels)
+        channels.push_back(RowJson(*row));
+    PrintJson(out, layout, "help",
+              {{"console", console}, {"commands", commands}, {"channels", channels}});
 }
 
 int PrintUnknown(const std::string& topic, const std::vector<ConsoleTopic>& console) {
@@ -71,34 +194,33 @@ int PrintUnknown(const std::string& topic, const std::vector<ConsoleTopic>& cons
     for (const CommandInfo& command : CommandReference())
         names.emplace_back(command.name);
     const std::string closest = Closest(topic, names);
-    std::fprintf(stderr, "There is no command or channel %s%s. Type help for the list.\n",
+    std::fprintf(stderr, "There is no command or channel %s%s; help without a word lists them\n",
                  Quoted(topic).c_str(),
-                 closest.empty() ? "" : ("; did you mean " + closest + "?").c_str());
+                 closest.empty() ? "" : (" (did you mean " + closest + "?)").c_str());
     return EXIT_USAGE;
 }
 
 }  // namespace
 
-int PrintHelp(std::FILE* out, const std::string& topic, const std::vector<ConsoleTopic>& console) {
+int PrintHelp(std::FILE* out, const std::string& topic, const std::vector<ConsoleTopic>& console,
+              const JsonLayout* json) {
     const std::string name = Trimmed(topic.substr(0, topic.find('(')));
-    HostValue number;
+    const Subject subject = Find(name, console);
+    if (subject.IsEmpty())
+        return PrintUnknown(name, console);
+    if (json != nullptr) {
+        PrintHelpJson(out, subject, *json);
+        return EXIT_DONE;
+    }
     if (name.empty()) {
         PrintList(out, console);
         return EXIT_DONE;
     }
-    for (const ConsoleTopic& command : console) {
-        if (EqualNames(name, command.name)) {
-            PrintConsoleCommand(out, command);
-            return EXIT_DONE;
-        }
-    }
-    if (const CommandInfo* const command = FindCommand(name)) {
+    for (const ConsoleTopic& command : subject.console)
+        PrintConsoleCommand(out, command);
+    for (const CommandInfo* command : subject.commands)
         PrintDriverCommand(out, *command);
-        return EXIT_DONE;
-    }
-    if (ConvertValue(name, DATATYPE_INTEGER, number) && FindChannel(number.integer) != nullptr) {
-        PrintChannel(out, *FindChannel(number.integer));
-        return EXIT_DONE;
-    }
-    return PrintUnknown(name, console);
+    for (const ChannelRow* row : subject.channels)
+        PrintChannel(out, *row);
+    return EXIT_DONE;
 }

@@ -2,6 +2,8 @@
 #ifndef HXDPANEL_HELP_H
 #define HXDPANEL_HELP_H
 
+#include "hxdpanel/report/Json.h"
+
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -13,8 +15,9 @@ struct ConsoleTopic {
     const char* summary;
 };
 
-// topic: a command of the driver or of the console, the number of a channel, or empty for the list.
-// Returns an ExitCode.
-int PrintHelp(std::FILE* out, const std::string& topic, const std::vector<ConsoleTopic>& console);
+// topic: a command of the driver or of the console, a channel, or empty for the list. json: as one
+// object. Returns an ExitCode.
+int PrintHelp(std::FILE* out, const std::string& topic, const std::vector<ConsoleTopic>& console,
+              const JsonLayout* json);
 
 #endif

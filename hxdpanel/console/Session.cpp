@@ -4,19 +4,18 @@
 #include "common/ResultCodes.h"
 #include "driver/record/ChannelTable.h"
 #include "hxdpanel/base/ExitCode.h"
+#include "hxdpanel/base/Terminal.h"
 #include "hxdpanel/base/Text.h"
 #include "hxdpanel/panel/HardwareMemory.h"
+#include "hxdpanel/report/ChannelChoice.h"
 #include "hxdpanel/report/ChannelReport.h"
 #include "hxdpanel/report/CommandHints.h"
 #include "hxdpanel/report/CommandReference.h"
+#include "hxdpanel/report/Outcome.h"
 #include "hxdpanel/report/PanelReport.h"
 #include "hxdpanel/report/TimeReport.h"
 
-#include <unistd.h>
-
 #include <algorithm>
-#include <array>
-#include <sstream>
 
 namespace {
 
@@ -32,34 +31,22 @@ Words Split(const std::string& text) {
     return {trimmed.substr(0, end), Trimmed(trimmed.substr(end))};
 }
 
-// "0 (done)"; the host interface's own codes in hexadecimal, as they are documented.
-std::string StatusText(int status, const char* meaning) {
-    std::array<char, 16> number = {};
-    const bool isFlag = status < -0x40000000;
-    std::snprintf(number.data(), number.size(), isFlag ? "0x%X" : "%d",
-                  static_cast<unsigned>(status));
-    return std::string(number.data()) + " (" + meaning + ")";
-}
-
-// Takes the quotes around a text away; false when there are none.
-bool Unquote(std::string& text) {
-    if (text.size() < 2 || text.front() != '"' || text.back() != '"')
-        return false;
-    text = text.substr(1, text.size() - 2);
-    return true;
-}
-
 int ExitFor(int status) {
     return status == HOST_OK ? EXIT_DONE : EXIT_STATUS;
 }
 
 int Complain(const std::string& message) {
-    std::fprintf(stderr, "%s\n", message.c_str());
+    std::fprintf(
+        stderr, "%s\n",
+        terminal::Styled(stderr, terminal::BAD, terminal::Wrapped(stderr, message, 2)).c_str());
     return EXIT_USAGE;
 }
 
-void Note(const std::string& text) {
-    std::fprintf(stderr, "note: %s\n", text.c_str());
+std::vector<std::string> AllWords(std::string rest) {
+    std::vector<std::string> words;
+    while (!rest.empty())
+        words.push_back(TakeWord(rest));
+    return words;
 }
 
 // As the driver takes it: texts, and the three numbers of the time synchronisation that it parses
@@ -98,9 +85,15 @@ Session::Session(HostDatabase& database, Device& device, DriverOutput& output,
 
 const std::vector<Session::ConsoleCommand>& Session::ConsoleCommands() {
     static const std::vector<ConsoleCommand> commands = {
-        {{"channels", "", "read the channels anew and show them"}, &Session::RunChannels},
-        {{"watch", "[SECONDS]", "do so again and again, until Ctrl-C"}, &Session::RunWatch},
-        {{"write", "N VALUE", "write a value to channel N"}, &Session::RunWrite},
+        {{"channels", "[CHANNEL...]",
+          "read the channels anew and show them; a channel is a number, a range like 26-28 or a "
+          "name like Brightness or com1"},
+         &Session::RunChannels},
+        {{"read", "CHANNEL", "the same of one channel, its value alone"}, &Session::RunRead},
+        {{"watch", "[CHANNEL...] [every S] [changes]",
+          "read again and again, every second if not told, until Ctrl-C; changes shows only these"},
+         &Session::RunWatch},
+        {{"write", "CHANNEL VALUE", "write a value to a channel"}, &Session::RunWrite},
         {{"set", "NAME[:TYPE] VALUE", "make a variable; TYPE int, double or text forces its type"},
          &Session::RunSet},
         {{"vars", "", "show the variables"}, &Session::RunVars},
@@ -114,12 +107,17 @@ const std::vector<Session::ConsoleCommand>& Session::ConsoleCommands() {
     return commands;
 }
 
-int Session::PrintHelp(std::FILE* out, const std::string& topic) {
+void Session::UseJson(JsonLayout layout) {
+    m_json = true;
+    m_layout = layout;
+}
+
+int Session::PrintHelp(std::FILE* out, const std::string& topic, const JsonLayout* json) {
     std::vector<ConsoleTopic> topics;
     topics.reserve(ConsoleCommands().size());
     for (const ConsoleCommand& command : ConsoleCommands())
         topics.push_back(command.topic);
-    return ::PrintHelp(out, topic, topics);
+    return ::PrintHelp(out, topic, topics, json);
 }
 
 const Session::ConsoleCommand* Session::FindConsoleCommand(const std::string& name) {
@@ -173,7 +171,11 @@ int Session::Run(const std::string& line) {
     if (words.first.empty())
         return EXIT_DONE;
     const ConsoleCommand* const command = FindConsoleCommand(words.first);
-    return command != nullptr ? (this->*command->run)(words.rest) : RunDriverCommand(Trimmed(line));
+    if (command == nullptr)
+        return RunDriverCommand(Trimmed(line));
+    if (*command->topic.arguments == '\0' && !words.rest.empty())
+        return Complain("usage: " + words.first + ", without " + Quoted(words.rest));
+    return (this->*command->run)(words.rest);
 }
 
 int Session::RunDriverCommand(const std::string& text) {
@@ -181,48 +183,35 @@ int Session::RunDriverCommand(const std::string& text) {
     ParseCommandText(text, parsed);
     const CommandInfo* const info = FindCommand(Trimmed(parsed.name));
     m_database.TakeTrace();
-    const int status = m_device.Command(text);
+    Outcome outcome;
+    outcome.command = text;
+    {
+        const WorkingDriver working(m_output, Visible(parsed.name));
+        outcome.status = m_device.Command(text);
+    }
+    outcome.meaning = CommandStatusMeaning(info, outcome.status);
     m_memory.Save();
     m_output.Settle();
     const HostDatabase::Trace trace = m_database.TakeTrace();
-    std::fprintf(m_out, "%s: status %s\n", Visible(text).c_str(),
-                 StatusText(status, CommandStatusMeaning(info, status)).c_str());
-    for (const std::string& name : trace.written)
-        PrintVariable(name);
+    outcome.variables = trace.written;
+    for (const std::string& file : m_savedFiles.TakeChanges())
+        outcome.files.push_back((m_files.isPrivate ? m_files.outside : "") + file);
+    outcome.filesVanish = m_files.isPrivate && m_files.outside.empty();
     if (info != nullptr && info->row.command == COMMAND_EXEC_NTP)
         m_strLastSync = SyncText(m_database, trace);
-    const bool saved = ReportFiles();
-    std::fflush(m_out);
-    if (info != nullptr && info->savesFile && !saved)
-        Note("no file was saved; see help " + std::string(info->name));
-    for (const std::string& hint : CommandHints(parsed, info, status, m_database, trace))
-        Note(hint);
-    return ExitFor(status);
+    if (info != nullptr && info->savesFile && outcome.files.empty())
+        outcome.notes.push_back("no file was saved; see help " + std::string(info->name));
+    for (const std::string& hint : CommandHints(parsed, info, outcome.status, m_database, trace))
+        outcome.notes.push_back(hint);
+    return Report(outcome);
 }
 
-// One line for programs; people see the lines of a longer text as such.
-void Session::PrintVariable(const std::string& name) {
-    HostValue value;
-    m_database.FindVariable(name, value);
-    const bool isLong = value.type == DATATYPE_TEXT && value.text.find('\n') != std::string::npos;
-    if (!isLong || ::isatty(::fileno(m_out)) == 0) {
-        std::fprintf(m_out, "%s = %s\n", Visible(name).c_str(), ValueText(value).c_str());
-        return;
-    }
-    std::fprintf(m_out, "%s =\n", Visible(name).c_str());
-    std::istringstream lines(value.text);
-    for (std::string line; std::getline(lines, line);)
-        std::fprintf(m_out, "  %s\n", Visible(line).c_str());
-}
-
-bool Session::ReportFiles() {
-    const std::vector<std::string> files = m_savedFiles.TakeChanges();
-    const bool isGone = m_files.isPrivate && m_files.outside.empty();
-    const std::string folder = m_files.isPrivate ? m_files.outside : "";
-    for (const std::string& file : files)
-        std::fprintf(m_out, "saved %s%s\n", Visible(folder + file).c_str(),
-                     isGone ? " (gone when this run ends; --root DIR keeps it)" : "");
-    return !files.empty();
+int Session::Report(const Outcome& outcome) {
+    if (m_json)
+        PrintJson(m_out, m_layout, outcome.Kind(), OutcomeJson(m_database, outcome));
+    else
+        PrintOutcome(m_out, m_database, outcome);
+    return ExitFor(outcome.status);
 }
 
 int Session::Collect() {
@@ -239,59 +228,94 @@ int Session::Refresh() {
     return Collect();
 }
 
-int Session::ShowChannels() {
+int Session::ShowChannels(const std::vector<std::string>& channels) {
+    std::vector<int> numbers;
+    std::string error;
     const int status = Refresh();
-    PrintChannelTable(m_out, m_database);
+    if (!ChooseChannels(channels, HighestChannel(m_database), numbers, error))
+        return Complain(error);
+    const ShownChannels shown = ::ShowChannels(m_database, numbers);
+    if (m_json)
+        PrintJson(m_out, m_layout, "channels",
+                  {{"status", JsonStatus(status, StatusMeaning(status))},
+                   {"channels", ChannelsJson(shown)}});
+    else
+        PrintChannelTable(m_out, shown);
     std::fflush(m_out);
     return ExitFor(status);
 }
 
-int Session::ShowChannelsJson() {
-    const int status = Collect();
-    PrintChannelsJson(m_out, m_database);
+int Session::Read(const std::string& channel) {
+    int number = 0;
+    std::string error;
+    const int status = Refresh();
+    if (!ChooseChannel(channel, HighestChannel(m_database), number, error))
+        return Complain(error);
+    const ShownChannel shown = ShowChannel(m_database, number);
+    const HostValue& value = shown.received.value;
+    if (m_json)
+        PrintJson(m_out, m_layout, "read",
+                  {{"status", JsonStatus(status, StatusMeaning(status))},
+                   {"channel", ChannelJson(shown)}});
+    else
+        std::fprintf(m_out, "%s\n",
+                     (value.type == DATATYPE_TEXT ? Visible(value.text) : shown.Value()).c_str());
     std::fflush(m_out);
     return ExitFor(status);
 }
 
-int Session::Write(int number, const std::string& text) {
-    const ChannelRow* const row = FindChannel(number);
-    if (row == nullptr)
-        return Complain("There is no channel " + std::to_string(number) + ": 1 to " +
-                        std::to_string(CHANNEL_COUNT));
+int Session::Write(const std::string& channel, const std::string& text) {
+    int number = 0;
+    std::string error;
+    if (!ChooseChannel(channel, CHANNEL_COUNT, number, error))
+        return Complain(error);
+    const ChannelRow& row = *FindChannel(number);
     HostValue value;
-    if (!ChannelValue(*row, text, value))
+    if (!ChannelValue(row, text, value))
         return Complain("Channel " + std::to_string(number) + " takes a number, not " +
                         Quoted(text));
-    const int status = m_device.Write(number, value);
+    Outcome outcome;
+    outcome.channel = number;
+    {
+        const WorkingDriver working(m_output, "write " + std::to_string(number));
+        outcome.status = m_device.Write(number, value);
+    }
     m_memory.Save();
     Collect();
-    const CommandInfo* const command = FindCommand(CommandOf(COMMAND_OLMA_WRITE).name);
-    std::fprintf(m_out, "status %s\n%s\n",
-                 StatusText(status, CommandStatusMeaning(command, status)).c_str(),
-                 ChannelText(m_database, number).c_str());
-    std::fflush(m_out);
-    if (status == -RESULT_MALFORMED || status == -RESULT_REFUSED || status == -RESULT_BAD_ARGUMENTS)
-        Note(AcceptedText(*row));
+    outcome.meaning =
+        CommandStatusMeaning(FindCommand(CommandOf(COMMAND_OLMA_WRITE).name), outcome.status);
+    if (outcome.status == -RESULT_MALFORMED || outcome.status == -RESULT_REFUSED ||
+        outcome.status == -RESULT_BAD_ARGUMENTS)
+        outcome.notes.push_back(AcceptedText(row));
     if (value.type == DATATYPE_TEXT && text.find(')') != std::string::npos)
-        Note("a channel's text ends at its first \")\": the driver takes no more of it");
+        outcome.notes.emplace_back(
+            "a channel's text ends at its first \")\": the driver takes no more of it");
     HostValue whole;
-    if (row->input == ChannelRow::WHOLE_NUMBER && !ConvertValue(text, DATATYPE_INTEGER, whole))
-        Note("the driver reads " + Quoted(text) + " as 0: write a whole number");
-    return ExitFor(status);
+    if (row.input == ChannelRow::WHOLE_NUMBER && !ConvertValue(text, DATATYPE_INTEGER, whole))
+        outcome.notes.push_back("the driver reads " + Quoted(text) + " as 0: write a whole number");
+    return Report(outcome);
 }
 
-int Session::WatchChannels(double interval, int count, std::FILE* csv) {
-    WatchOptions options;
-    options.interval = interval;
-    options.count = count;
-    options.csv = csv != nullptr;
+int Session::WatchChannels(WatchOptions options, const std::vector<std::string>& channels,
+                           std::FILE* csv) {
+    std::string error;
+    if (!ChooseChannels(channels, HighestChannel(m_database), options.channels, error))
+        return Complain(error);
+    if (csv != nullptr)
+        options.form = WatchOptions::CSV;
+    else if (m_json)
+        options.form = WatchOptions::JSON;
     return ExitFor(
         Watch(csv != nullptr ? csv : m_out, m_database, options, [this] { return Refresh(); }));
 }
 
 int Session::ShowPanel() {
     m_output.Settle();
-    PrintPanel(m_out, m_plugin, m_files.outside);
+    const PanelSource source = {m_plugin, m_files.outside, m_memory.Differences()};
+    if (m_json)
+        PrintJson(m_out, m_layout, "panel", PanelJson(source));
+    else
+        PrintPanel(m_out, source);
     std::fflush(m_out);
     return EXIT_DONE;
 }
@@ -299,7 +323,10 @@ int Session::ShowPanel() {
 int Session::ShowTime() {
     Refresh();
     m_output.Settle();
-    PrintTime(m_out, m_database, m_strLastSync);
+    if (m_json)
+        PrintJson(m_out, m_layout, "ntp", TimeJson(m_database, m_strLastSync));
+    else
+        PrintTime(m_out, m_database, m_strLastSync);
     std::fflush(m_out);
     return EXIT_DONE;
 }
@@ -309,25 +336,44 @@ int Session::RunNtp(const std::string&) {
 }
 
 int Session::RunChannels(const std::string& rest) {
-    return rest.empty() ? ShowChannels() : Complain("usage: channels");
+    return ShowChannels(AllWords(rest));
 }
 
+int Session::RunRead(const std::string& rest) {
+    const std::vector<std::string> words = AllWords(rest);
+    return words.size() == 1 ? Read(words[0])
+                             : Complain("usage: read CHANNEL, for example read 21");
+}
+
+// "changes" and "every S" may stand anywhere among the channels.
 int Session::RunWatch(const std::string& rest) {
-    HostValue seconds = HostValue::Double(1.0);
-    const bool valid = rest.empty() || ConvertValue(rest, DATATYPE_DOUBLE, seconds);
-    if (!valid || seconds.number < 0.01 || seconds.number > 86400.0)
-        return Complain("usage: watch [SECONDS], from 0.01 to 86400");
-    return WatchChannels(seconds.number, 0, nullptr);
+    WatchOptions options;
+    std::vector<std::string> channels;
+    const std::vector<std::string> words = AllWords(rest);
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        HostValue seconds;
+        if (words[i] == "changes") {
+            options.changes = true;
+        } else if (words[i] != "every") {
+            channels.push_back(words[i]);
+        } else if (i + 1 < words.size() && ConvertValue(words[++i], DATATYPE_DOUBLE, seconds) &&
+                   seconds.number >= 0.01 && seconds.number <= 86400.0) {
+            options.interval = seconds.number;
+        } else {
+            return Complain("usage: watch [CHANNEL...] [every SECONDS], from 0.01 to 86400");
+        }
+    }
+    return WatchChannels(options, channels, nullptr);
 }
 
 int Session::RunWrite(const std::string& rest) {
-    Words words = Split(rest);
-    HostValue number;
-    if (words.first.empty() || !ConvertValue(words.first, DATATYPE_INTEGER, number))
+    std::string text = rest;
+    const std::string channel = TakeWord(text);
+    if (channel.empty() || text.empty())
         return Complain(
-            "usage: write N VALUE, with the number of a channel, for example write 21 40");
-    Unquote(words.rest);  // "" is the way to write an empty text
-    return Write(number.integer, words.rest);
+            "usage: write CHANNEL VALUE, for example write 21 40; \"\" is the empty text");
+    Unquote(text);
+    return Write(channel, text);
 }
 
 // "set NAME VALUE" and "set NAME=VALUE"; quotes around a value make it a text.
@@ -345,13 +391,24 @@ int Session::RunSet(const std::string& rest) {
     if (!ParseDefinition(name, text, definition, error))
         return Complain(error);
     m_database.SetVariable(definition.name, definition.value);
-    std::fprintf(m_out, "%s = %s (%s)\n", Visible(definition.name).c_str(),
-                 ValueText(definition.value).c_str(), TypeName(definition.value.type));
+    if (m_json)
+        PrintJson(m_out, m_layout, "vars",
+                  {{"variables", {JsonVariable(definition.name, definition.value)}}});
+    else
+        std::fprintf(m_out, "%s = %s (%s)\n", Visible(definition.name).c_str(),
+                     ValueText(definition.value).c_str(), TypeName(definition.value.type));
     return EXIT_DONE;
 }
 
 int Session::RunVars(const std::string&) {
     const std::map<std::string, HostValue> variables = m_database.Variables();
+    Json list = Json::array();
+    for (const auto& variable : variables)
+        list.push_back(JsonVariable(variable.first, variable.second));
+    if (m_json) {
+        PrintJson(m_out, m_layout, "vars", {{"variables", list}});
+        return EXIT_DONE;
+    }
     if (variables.empty())
         std::fputs("no variables yet; make one with set NAME VALUE\n", m_out);
     for (const auto& variable : variables)
@@ -365,7 +422,7 @@ int Session::RunPanel(const std::string&) {
 }
 
 int Session::RunHelp(const std::string& rest) {
-    return PrintHelp(m_out, rest);
+    return PrintHelp(m_out, rest, AsJson());
 }
 
 int Session::RunQuit(const std::string&) {
@@ -376,11 +433,17 @@ int Session::RunQuit(const std::string&) {
 std::vector<std::string> Session::Completions(const std::string& line) const {
     const std::size_t separator = line.find_last_of(" \t(,");
     const std::string word = line.substr(separator == std::string::npos ? 0 : separator + 1);
-    const bool afterHelp = Split(line).first == "help";
+    const std::string first = Split(line).first;
     std::vector<std::string> candidates;
-    if (separator == std::string::npos || afterHelp) {
+    if (separator == std::string::npos || first == "help")
         candidates = AllNames();
-    } else {
+    const bool isSecond = Split(line.substr(0, separator)).rest.empty();
+    if (separator != std::string::npos &&
+        (first == "channels" || first == "watch" ||
+         (isSecond && (first == "read" || first == "write" || first == "help")))) {
+        const std::vector<std::string> channels = ChannelWords();
+        candidates.insert(candidates.end(), channels.begin(), channels.end());
+    } else if (separator != std::string::npos && first != "help") {
         for (const auto& variable : m_database.Variables())
             candidates.push_back(variable.first);
     }

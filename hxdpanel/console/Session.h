@@ -8,6 +8,7 @@
 #include "hxdpanel/host/HostDatabase.h"
 #include "hxdpanel/panel/SavedFiles.h"
 #include "hxdpanel/panel/SimulatedPanel.h"
+#include "hxdpanel/report/Json.h"
 #include "hxdpanel/report/Watch.h"
 
 #include <cstdio>
@@ -15,6 +16,7 @@
 #include <vector>
 
 class HardwareMemory;
+struct Outcome;
 
 // Operations return an ExitCode.
 class Session {
@@ -29,11 +31,16 @@ public:
     static bool Understands(const std::string& line, std::string& error);
     bool Ended() const { return m_bEnded; }  // after quit
 
-    int ShowChannels();
-    int ShowChannelsJson();
-    int Write(int number, const std::string& text);
-    // csv: null for tables.
-    int WatchChannels(double interval, int count, std::FILE* csv);
+    // Results as JSON objects from now on.
+    void UseJson(JsonLayout layout);
+
+    // channels: as ChooseChannels() takes them; all for none.
+    int ShowChannels(const std::vector<std::string>& channels);
+    int Read(const std::string& channel);  // its value alone
+    int Write(const std::string& channel, const std::string& text);
+    // csv: null for tables. options.channels follows from the words.
+    int WatchChannels(WatchOptions options, const std::vector<std::string>& channels,
+                      std::FILE* csv);
     int ShowPanel();
     int ShowTime();
     int Collect();
@@ -41,8 +48,8 @@ public:
     // What the last, unfinished word of the line may become.
     std::vector<std::string> Completions(const std::string& line) const;
 
-    // topic: as typed after help; needs no session.
-    static int PrintHelp(std::FILE* out, const std::string& topic);
+    // topic: as typed after help; json: null for text; needs no session.
+    static int PrintHelp(std::FILE* out, const std::string& topic, const JsonLayout* json);
 
 private:
     struct ConsoleCommand {
@@ -55,6 +62,7 @@ private:
     static std::string NoMeaning(const std::string& line);
     int RunDriverCommand(const std::string& text);
     int RunChannels(const std::string& rest);
+    int RunRead(const std::string& rest);
     int RunWatch(const std::string& rest);
     int RunWrite(const std::string& rest);
     int RunSet(const std::string& rest);
@@ -65,8 +73,8 @@ private:
     int RunQuit(const std::string& rest);
 
     int Refresh();
-    void PrintVariable(const std::string& name);
-    bool ReportFiles();  // false: there were none
+    const JsonLayout* AsJson() const { return m_json ? &m_layout : nullptr; }
+    int Report(const Outcome& outcome);
 
     HostDatabase& m_database;
     Device& m_device;
@@ -76,6 +84,8 @@ private:
     const IVNCLock* m_plugin;
     PanelFiles m_files;
     SavedFiles m_savedFiles;
+    bool m_json = false;
+    JsonLayout m_layout = JsonLayout::DOCUMENT;
     std::string m_strLastSync;  // answer of the last ExecNTP
     bool m_bEnded = false;
 };

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <cstdlib>
 
+#include "hxdpanel/base/Terminal.h"
 #include "hxdpanel/base/Text.h"
 
 #include <QByteArray>
@@ -24,6 +25,9 @@ using Locker = std::lock_guard<std::mutex>;
 constexpr std::size_t MAX_LINE = 65536;
 // One that never stops printing must not keep anybody waiting for the end of it.
 constexpr int MAX_READS = 1000;
+// Work that takes longer than the first is shown, and again with the second.
+constexpr std::chrono::milliseconds WORK_SHOWN_AFTER{500};
+constexpr int WORK_STEP_MS = 250;
 
 void Signal(int event) {
     const std::uint64_t one = 1;
@@ -71,10 +75,16 @@ DriverOutput::DriverOutput() {
         std::perror("hxdpanel: standard output");
         std::exit(EXIT_FAILURE);
     }
-    m_nPipe = ends[0];
-    ::fcntl(m_nPipe, F_SETFL, O_NONBLOCK);
+    m_standard.pipe = ends[0];
     ::dup2(ends[1], STDOUT_FILENO);
     ::close(ends[1]);
+    m_nErrors = ::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 3);
+    if (m_nErrors >= 0 && ::pipe2(ends, O_CLOEXEC) == 0) {
+        m_errors.pipe = ends[0];
+        m_nErrorsEnd = ends[1];
+    }
+    for (const int pipe : {m_standard.pipe, m_errors.pipe})
+        ::fcntl(pipe, F_SETFL, O_NONBLOCK);
     std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
     m_nWakeEvent = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
     m_nHeldEvent = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
@@ -95,8 +105,11 @@ DriverOutput::~DriverOutput() {
     std::fflush(m_pResults);
     ::dup2(::fileno(m_pResults), STDOUT_FILENO);
     std::fclose(m_pResults);
-    for (const int descriptor : {m_nPipe, m_nWakeEvent, m_nHeldEvent})
-        ::close(descriptor);
+    for (const int descriptor :
+         {m_standard.pipe, m_errors.pipe, m_nErrorsEnd, m_nErrors, m_nWakeEvent, m_nHeldEvent}) {
+        if (descriptor >= 0)
+            ::close(descriptor);
+    }
 }
 
 void DriverOutput::Settle() {
@@ -122,21 +135,73 @@ void DriverOutput::Unmute() {
 void DriverOutput::Hold() {
     const Locker locker(m_lock);
     m_bHold = true;
+    std::fflush(stderr);
+    if (m_nErrorsEnd >= 0)
+        ::dup2(m_nErrorsEnd, STDERR_FILENO);
 }
 
 void DriverOutput::Release() {
     const Locker locker(m_lock);
+    if (m_bHold && m_nErrorsEnd >= 0)
+        ::dup2(m_nErrors, STDERR_FILENO);
     m_bHold = false;
     Reset(m_nHeldEvent);
     for (const std::string& line : m_held)
-        std::fputs(line.c_str(), stderr);
+        Print(line);
     m_held.clear();
+}
+
+void DriverOutput::BeginWork(const std::string& what) {
+    if (!terminal::CanRedraw(stderr))
+        return;
+    const Locker locker(m_lock);
+    m_strWork = what;
+    m_workBegun = std::chrono::steady_clock::now();
+    Signal(m_nWakeEvent);
+}
+
+void DriverOutput::EndWork() {
+    const Locker locker(m_lock);
+    EraseWork();
+    m_strWork.clear();
+}
+
+// Under the lock.
+void DriverOutput::DrawWork() {
+    const auto lasted = std::chrono::steady_clock::now() - m_workBegun;
+    if (m_strWork.empty() || lasted < WORK_SHOWN_AFTER)
+        return;
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(lasted).count();
+    const auto columns = static_cast<std::size_t>(terminal::SizeOf(stderr).columns);
+    const std::string text = m_strWork + " is at work, " + std::to_string(seconds) + " s";
+    std::fprintf(stderr, "\r%s\033[K", Shortened(text, columns - 1).c_str());
+    m_bWorkDrawn = true;
+}
+
+// Under the lock.
+void DriverOutput::EraseWork() {
+    if (m_bWorkDrawn)
+        std::fputs("\r\033[K", stderr);
+    m_bWorkDrawn = false;
+}
+
+// Under the lock.
+void DriverOutput::Print(const std::string& text) {
+    EraseWork();
+    std::fputs(text.c_str(), stderr);
 }
 
 void DriverOutput::Run() {
     for (;;) {
-        pollfd events[2] = {{m_nPipe, POLLIN, 0}, {m_nWakeEvent, POLLIN, 0}};
-        ::poll(events, 2, -1);
+        pollfd events[3] = {
+            {m_standard.pipe, POLLIN, 0}, {m_errors.pipe, POLLIN, 0}, {m_nWakeEvent, POLLIN, 0}};
+        int patience = -1;
+        {
+            const Locker locker(m_lock);
+            DrawWork();
+            patience = m_strWork.empty() ? -1 : WORK_STEP_MS;
+        }
+        ::poll(events, 3, patience);
         unsigned asked = 0;
         bool stop = false;
         {
@@ -145,10 +210,12 @@ void DriverOutput::Run() {
             asked = m_nSettleAsked;
             stop = m_bStop;
         }
-        for (int reads = 0; reads < MAX_READS && ReadSome(); ++reads) {
+        for (Source* source : {&m_standard, &m_errors}) {
+            for (int reads = 0; reads < MAX_READS && ReadSome(*source); ++reads) {
+            }
+            if (stop && !source->partLine.empty())
+                Show(*source, source->partLine);
         }
-        if (stop && !m_partLine.empty())
-            Show(m_partLine);
         const Locker locker(m_lock);
         m_nSettleDone = asked;
         m_settled.notify_all();
@@ -158,34 +225,37 @@ void DriverOutput::Run() {
 }
 
 // False when there is nothing more to read now.
-bool DriverOutput::ReadSome() {
+bool DriverOutput::ReadSome(Source& source) {
     std::array<char, 4096> buffer;
-    const ssize_t length = ::read(m_nPipe, buffer.data(), buffer.size());
+    const ssize_t length = ::read(source.pipe, buffer.data(), buffer.size());
     if (length <= 0)
         return length < 0 && errno == EINTR;
     for (ssize_t i = 0; i < length; ++i) {
         const char character = buffer[static_cast<std::size_t>(i)];
         if (character != '\n')
-            m_partLine += character;
-        if (character == '\n' || m_partLine.size() >= MAX_LINE) {
-            Show(m_partLine);
-            m_partLine.clear();
+            source.partLine += character;
+        if (character == '\n' || source.partLine.size() >= MAX_LINE) {
+            Show(source, source.partLine);
+            source.partLine.clear();
         }
     }
     return true;
 }
 
-void DriverOutput::Show(const std::string& line) {
-    const std::string marked = "driver: " + Visible(line) + "\n";
+// What goes to standard error is not the driver's alone, and nobody has muted it.
+void DriverOutput::Show(const Source& source, const std::string& line) {
+    const bool isDriver = &source == &m_standard;
+    const std::string visible = (isDriver ? "driver: " : "") + Visible(line);
+    const std::string marked = terminal::Styled(stderr, terminal::FAINT, visible) + "\n";
     const Locker locker(m_lock);
-    if (m_bMuted || (IsRoutine(line) && !m_bShowAll))
+    if (isDriver && (m_bMuted || (IsRoutine(line) && !m_bShowAll)))
         return;
     // A thread that tries again and again would push what the user types off the screen.
     if (m_bHold && marked == m_lastLine)
         return;
     m_lastLine = marked;
     if (!m_bHold) {
-        std::fputs(marked.c_str(), stderr);
+        Print(marked);
         return;
     }
     m_held.push_back(marked);

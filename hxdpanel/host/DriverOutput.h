@@ -6,6 +6,7 @@
 #define HXDPANEL_DRIVEROUTPUT_H
 
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <cstdio>
 #include <mutex>
@@ -31,22 +32,36 @@ public:
     void Unmute();
     void ShowAll() { m_bShowAll = true; }
 
-    // Lines are kept back between Hold() and Release(), while the user is typing. A line that is
-    // kept back makes Descriptor() readable; one that repeats the line before is dropped.
+    // Lines, those for standard error too, are kept back between Hold() and Release(), while the
+    // user is typing. A line that is kept back makes Descriptor() readable; one that repeats the
+    // line before is dropped.
     void Hold();
     void Release();
     int Descriptor() const { return m_nHeldEvent; }
 
+    // In between a terminal shows that this is at work, and for how long.
+    void BeginWork(const std::string& what);
+    void EndWork();
+
 private:
+    struct Source {
+        int pipe = -1;         // what was printed, to be read
+        std::string partLine;  // only the reader's
+    };
     void Run();
-    bool ReadSome();
-    void Show(const std::string& line);
+    bool ReadSome(Source& source);
+    void Show(const Source& source, const std::string& line);
+    void Print(const std::string& text);
+    void DrawWork();
+    void EraseWork();
 
     std::FILE* m_pResults;
-    int m_nPipe = -1;       // what the driver printed, to be read
+    Source m_standard;      // of the driver alone
+    Source m_errors;        // standard error while lines are held
+    int m_nErrorsEnd = -1;  // takes the place of standard error
+    int m_nErrors = -1;     // standard error
     int m_nWakeEvent = -1;  // asks the reader to settle or to end
     int m_nHeldEvent = -1;
-    std::string m_partLine;  // only the reader's
 
     std::mutex m_lock;  // guards everything below
     std::condition_variable m_settled;
@@ -54,6 +69,9 @@ private:
     unsigned m_nSettleDone = 0;
     bool m_bStop = false;
     bool m_bHold = false;
+    std::string m_strWork;  // empty: nothing is at work
+    std::chrono::steady_clock::time_point m_workBegun;
+    bool m_bWorkDrawn = false;
     std::vector<std::string> m_held;
     std::string m_lastLine;
 
@@ -70,6 +88,19 @@ public:
     ~MutedDriver() { m_output.Unmute(); }
     MutedDriver(const MutedDriver&) = delete;
     MutedDriver& operator=(const MutedDriver&) = delete;
+
+private:
+    DriverOutput& m_output;
+};
+
+class WorkingDriver {
+public:
+    WorkingDriver(DriverOutput& output, const std::string& what) : m_output(output) {
+        m_output.BeginWork(what);
+    }
+    ~WorkingDriver() { m_output.EndWork(); }
+    WorkingDriver(const WorkingDriver&) = delete;
+    WorkingDriver& operator=(const WorkingDriver&) = delete;
 
 private:
     DriverOutput& m_output;

@@ -3,23 +3,31 @@
 #ifndef HXDPANEL_HARDWAREMEMORY_H
 #define HXDPANEL_HARDWAREMEMORY_H
 
+#include <map>
 #include <string>
+#include <vector>
 
 class HardwareMemory {
 public:
     // file: on the panel. What it holds replaces the description of the panel, unless that has
     // changed since.
     explicit HardwareMemory(const std::string& file);
-    // Writes the settings if they have changed; called after each step, because a reboot ends the
-    // program without notice.
+    // Writes the settings that have changed; called after each step, because a reboot ends the
+    // program without notice. What other runs on these files have changed stays as they left it.
     void Save();
+    // What differs from the description now: "panel/brightness = 40 (described as 80)".
+    std::vector<std::string> Differences() const;
 
 private:
-    static std::string Settings();
+    using Settings = std::map<std::string, std::string>;  // by section/key
+    static Settings Current();
+    static Settings Parse(const std::string& text);
+    static std::string Text(const Settings& settings);
 
     std::string m_file;
-    std::string m_described;  // the settings at the start, in short
-    std::string m_saved;
+    Settings m_described;
+    std::string m_title;  // first line of the file: the description, in short
+    Settings m_saved;
 };
 
 #endif

@@ -85,7 +85,7 @@ bool SetUpPanel(const sandbox::Setup& setup, int logLevel, PanelFiles& files) {
     const std::string ini = folder + "/panel.ini";
     std::string error;
     if (!folder.empty() && ::access(ini.c_str(), F_OK) == 0 && !panel.loadIni(ini, error)) {
-        std::fprintf(stderr, "hxdpanel: %s:\n%s", ini.c_str(), error.c_str());
+        std::fprintf(stderr, "hxdpanel: the panel is not described properly:\n%s", error.c_str());
         return false;
     }
     panel.change([&](sim::PanelState& state) { state.echoLogLevel = logLevel; });

@@ -1,115 +1,43 @@
 #include "hxdpanel/report/ChannelReport.h"
 
 #include "driver/record/ChannelTable.h"
+#include "hxdpanel/base/Terminal.h"
 #include "hxdpanel/base/Text.h"
-
-#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <array>
 #include <climits>
-#include <cmath>
 #include <ctime>
 
 namespace {
 
-// A channel with what is known about it; a number beyond the table is known by its number only.
-struct Line {
-    int number;
-    std::string name;
-    std::string unit;
-    bool isText;
-    HostDatabase::Received received;
-};
-
-Line MakeLine(const HostDatabase& database, int number) {
-    const ChannelRow* const row = FindChannel(number);
-    if (row == nullptr)
-        return {number, "Channel " + std::to_string(number), "", false, database.Channel(number)};
-    return {number, row->name, row->unit, row->kind == ChannelRow::TEXT, database.Channel(number)};
+const char* Kind(const ShownChannel& channel) {
+    return channel.isText ? "text" : "number";
 }
 
-std::vector<Line> Lines(const HostDatabase& database) {
-    std::vector<Line> lines;
-    const int count = std::max(CHANNEL_COUNT, database.ChannelCount());
-    for (int number = 1; number <= count; ++number)
-        lines.push_back(MakeLine(database, number));
-    return lines;
+std::string Explained(const ShownChannel& channel) {
+    const char* const meaning = channel.Meaning();
+    return channel.Value() + (meaning != nullptr ? " (" + std::string(meaning) + ")" : "");
 }
 
-const char* Kind(const Line& line) {
-    return line.isText ? "text" : "number";
-}
-
-std::string Value(const Line& line) {
-    return line.received.delivered ? ValueText(line.received.value) : "(not delivered)";
-}
-
-// "0..1" stands where a channel has a range instead of a unit.
-std::string UnitSuffix(const std::string& unit) {
-    if (unit.empty())
-        return "";
-    return unit.find("..") != std::string::npos ? " (" + unit + ")" : " " + unit;
-}
-
-const char* SentinelMeaning(const Line& line) {
-    const ChannelRow* const row = FindChannel(line.number);
-    if (row == nullptr || !line.received.delivered)
-        return nullptr;
-    return line.isText ? row->SentinelMeaning(line.received.value.text.c_str())
-                       : row->SentinelMeaning(line.received.value.number);
-}
-
-std::string ExplainedValue(const Line& line) {
-    const char* const meaning = SentinelMeaning(line);
-    return Value(line) + (meaning != nullptr ? " (" + std::string(meaning) + ")" : "");
+std::string TrimmedRight(const std::string& text) {
+    return text.substr(0, text.find_last_not_of(' ') + 1);
 }
 
 struct Column {
     const char* title;
-    std::string (*cell)(const Line&);
+    std::string (*cell)(const ShownChannel&);
 };
 const Column COLUMNS[] = {
     {"No",
-     [](const Line& line) { return (line.number < 10 ? " " : "") + std::to_string(line.number); }},
-    {"Name", [](const Line& line) { return line.name; }},
-    {"Unit", [](const Line& line) { return line.unit; }},
-    {"Type", [](const Line& line) { return std::string(Kind(line)); }},
-    {"Value", ExplainedValue},
+     [](const ShownChannel& line) {
+         return (line.number < 10 ? " " : "") + std::to_string(line.number);
+     }},
+    {"Name", [](const ShownChannel& line) { return line.name; }},
+    {"Unit", [](const ShownChannel& line) { return line.unit; }},
+    {"Type", [](const ShownChannel& line) { return std::string(Kind(line)); }},
+    {"Value", Explained},
 };
-
-using Json = nlohmann::ordered_json;
-
-// Whole numbers without a fraction, as everywhere else; JSON has no word for "not a number".
-Json JsonNumber(double number) {
-    constexpr double EXACT = 9007199254740992.0;  // 2^53
-    if (number == std::floor(number) && std::fabs(number) < EXACT)
-        return static_cast<std::int64_t>(number);
-    return number;
-}
-
-Json JsonValue(const HostDatabase::Received& received) {
-    if (!received.delivered)
-        return nullptr;
-    switch (received.value.type) {
-        case DATATYPE_INTEGER:
-            return received.value.integer;
-        case DATATYPE_DOUBLE:
-            return JsonNumber(received.value.number);
-        default:
-            return received.value.text;
-    }
-}
-
-// On one line; bytes that are no UTF-8 become replacement characters.
-std::string JsonLine(const Line& line) {
-    const Json channel = {{"number", line.number},
-                          {"name", line.name},
-                          {"unit", line.unit},
-                          {"type", Kind(line)},
-                          {"value", JsonValue(line.received)}};
-    return channel.dump(-1, ' ', false, Json::error_handler_t::replace);
-}
 
 std::string CsvCell(const std::string& text) {
     std::string visible = Visible(text);
@@ -129,52 +57,104 @@ std::string CsvValue(const HostDatabase::Received& received) {
 
 }  // namespace
 
-void PrintChannelTable(std::FILE* out, const HostDatabase& database) {
-    const std::vector<Line> lines = Lines(database);
-    std::vector<std::string> rows(lines.size() + 1);
+// "0..1" stands where a channel has a range instead of a unit.
+std::string ShownChannel::UnitSuffix() const {
+    if (unit.empty())
+        return "";
+    return unit.find("..") != std::string::npos ? " (" + unit + ")" : " " + unit;
+}
+
+std::string ShownChannel::Value() const {
+    return received.delivered ? ValueText(received.value) : "(not delivered)";
+}
+
+const char* ShownChannel::Meaning() const {
+    const ChannelRow* const row = FindChannel(number);
+    if (row == nullptr || !received.delivered)
+        return nullptr;
+    return isText ? row->SentinelMeaning(received.value.text.c_str())
+                  : row->SentinelMeaning(received.value.number);
+}
+
+ShownChannel ShowChannel(const HostDatabase& database, int number) {
+    const ChannelRow* const row = FindChannel(number);
+    if (row == nullptr)
+        return {number, "Channel " + std::to_string(number), "", false, database.Channel(number)};
+    return {number, row->name, row->unit, row->kind == ChannelRow::TEXT, database.Channel(number)};
+}
+
+ShownChannels ShowChannels(const HostDatabase& database, const std::vector<int>& numbers) {
+    ShownChannels channels;
+    for (const int number : numbers)
+        channels.push_back(ShowChannel(database, number));
+    return channels;
+}
+
+int HighestChannel(const HostDatabase& database) {
+    return std::max(CHANNEL_COUNT, database.ChannelCount());
+}
+
+void PrintChannelTable(std::FILE* out, const ShownChannels& channels) {
+    std::string title;
+    std::vector<std::string> rows(channels.size());
     for (const Column& column : COLUMNS) {
-        const bool last = &column == &COLUMNS[sizeof COLUMNS / sizeof *COLUMNS - 1];
         std::size_t width = Columns(column.title);
-        for (const Line& line : lines)
-            width = std::max(width, Columns(column.cell(line)));
-        rows[0] += last ? column.title : PadRight(column.title, width + 2);
-        for (std::size_t i = 0; i < lines.size(); ++i) {
-            const std::string cell = column.cell(lines[i]);
-            rows[i + 1] += last ? cell : PadRight(cell, width + 2);
-        }
+        for (const ShownChannel& channel : channels)
+            width = std::max(width, Columns(column.cell(channel)));
+        title += PadRight(column.title, width + 2);
+        for (std::size_t i = 0; i < channels.size(); ++i)
+            rows[i] += PadRight(column.cell(channels[i]), width + 2);
     }
-    for (const std::string& row : rows)
-        std::fprintf(out, "%s\n", row.c_str());
+    const std::size_t values = title.rfind(COLUMNS[sizeof COLUMNS / sizeof *COLUMNS - 1].title);
+    std::fprintf(out, "%s\n", terminal::Styled(out, terminal::TITLE, TrimmedRight(title)).c_str());
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        const std::string row = terminal::Wrapped(out, TrimmedRight(rows[i]), values);
+        const std::size_t end = std::min(values, row.size());  // shorter in a very narrow window
+        const std::string value = row.substr(end);
+        const bool isSpecial = channels[i].Meaning() != nullptr;
+        std::fprintf(
+            out, "%s%s\n", row.substr(0, end).c_str(),
+            isSpecial ? terminal::Styled(out, terminal::SPECIAL, value).c_str() : value.c_str());
+    }
 }
 
-void PrintChannelsJson(std::FILE* out, const HostDatabase& database) {
-    const char* separator = "[\n";
-    for (const Line& line : Lines(database)) {
-        std::fprintf(out, "%s  %s", separator, JsonLine(line).c_str());
-        separator = ",\n";
-    }
-    std::fputs("\n]\n", out);
+Json ChannelJson(const ShownChannel& channel) {
+    const bool delivered = channel.received.delivered;
+    return {{"number", channel.number},
+            {"name", channel.name},
+            {"unit", channel.unit},
+            {"type", Kind(channel)},
+            {"value", delivered ? JsonValue(channel.received.value) : Json(nullptr)},
+            {"meaning", JsonText(channel.Meaning())}};
 }
 
-void PrintCsvHeader(std::FILE* out, const HostDatabase& database) {
+Json ChannelsJson(const ShownChannels& channels) {
+    Json list = Json::array();
+    for (const ShownChannel& channel : channels)
+        list.push_back(ChannelJson(channel));
+    return list;
+}
+
+void PrintCsvHeader(std::FILE* out, const ShownChannels& channels) {
     std::fputs("time", out);
-    for (const Line& line : Lines(database)) {
-        const std::string unit = line.unit.empty() ? "" : " [" + line.unit + "]";
-        std::fprintf(out, ",%s", CsvCell(line.name + unit).c_str());
+    for (const ShownChannel& channel : channels) {
+        const std::string unit = channel.unit.empty() ? "" : " [" + channel.unit + "]";
+        std::fprintf(out, ",%s", CsvCell(channel.name + unit).c_str());
     }
     std::fputs("\n", out);
 }
 
-void PrintCsvLine(std::FILE* out, const HostDatabase& database) {
+void PrintCsvLine(std::FILE* out, const ShownChannels& channels) {
     std::fputs(IsoTime().c_str(), out);
-    for (const Line& line : Lines(database))
-        std::fprintf(out, ",%s", CsvValue(line.received).c_str());
+    for (const ShownChannel& channel : channels)
+        std::fprintf(out, ",%s", CsvValue(channel.received).c_str());
     std::fputs("\n", out);
 }
 
-std::string ChannelText(const HostDatabase& database, int number) {
-    const Line line = MakeLine(database, number);
-    return std::to_string(number) + " " + line.name + " = " + Value(line) + UnitSuffix(line.unit);
+std::string ChannelText(const ShownChannel& channel) {
+    const char* const meaning = channel.Meaning();
+    return std::to_string(channel.number) + " " + channel.name + " = " + channel.Value() +
+           channel.UnitSuffix() + (meaning != nullptr ? " (" + std::string(meaning) + ")" : "");
 }
 
 std::string AcceptedText(const ChannelRow& row) {
@@ -198,18 +178,22 @@ std::string AcceptedText(const ChannelRow& row) {
 
 std::vector<std::pair<std::string, std::string>> ScreenRows(const HostDatabase& database) {
     std::vector<std::pair<std::string, std::string>> rows;
-    for (const Line& line : Lines(database)) {
-        rows.emplace_back(std::to_string(line.number) + " " + line.name,
-                          Value(line) + UnitSuffix(line.unit));
+    for (int number = 1; number <= HighestChannel(database); ++number) {
+        const ShownChannel channel = ShowChannel(database, number);
+        rows.emplace_back(std::to_string(number) + " " + channel.name,
+                          channel.Value() + channel.UnitSuffix());
     }
     return rows;
 }
 
 std::string IsoTime() {
-    const std::time_t now = std::time(nullptr);
+    timespec now = {};
+    ::clock_gettime(CLOCK_REALTIME, &now);
     std::tm local = {};
-    ::localtime_r(&now, &local);
+    ::localtime_r(&now.tv_sec, &local);
     std::array<char, 32> text = {};
+    std::array<char, 24> milliseconds = {};
     std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%S%z", &local);
-    return std::string(text.data()).insert(22, 1, ':');  // +0200 as +02:00
+    std::snprintf(milliseconds.data(), milliseconds.size(), ".%03ld", now.tv_nsec / 1000000);
+    return std::string(text.data()).insert(22, 1, ':').insert(19, milliseconds.data());
 }

@@ -3,6 +3,7 @@
 #define HXDPANEL_CHANNELREPORT_H
 
 #include "hxdpanel/host/HostDatabase.h"
+#include "hxdpanel/report/Json.h"
 
 #include <cstdio>
 #include <string>
@@ -11,19 +12,39 @@
 
 struct ChannelRow;
 
-void PrintChannelTable(std::FILE* out, const HostDatabase& database);
-void PrintChannelsJson(std::FILE* out, const HostDatabase& database);
-void PrintCsvHeader(std::FILE* out, const HostDatabase& database);
-void PrintCsvLine(std::FILE* out, const HostDatabase& database);
+// A channel with what is known about it; a number beyond the table is known by its number only.
+struct ShownChannel {
+    int number;
+    std::string name;
+    std::string unit;
+    bool isText;
+    HostDatabase::Received received;
+
+    std::string Value() const;
+    std::string UnitSuffix() const;  // " MiB", " (0..1)" or ""
+    const char* Meaning() const;     // of a special value; null for an ordinary one
+};
+using ShownChannels = std::vector<ShownChannel>;
+
+ShownChannel ShowChannel(const HostDatabase& database, int number);
+ShownChannels ShowChannels(const HostDatabase& database, const std::vector<int>& numbers);
+// What may be asked for: the table's channels, and others that were delivered.
+int HighestChannel(const HostDatabase& database);
+
+void PrintChannelTable(std::FILE* out, const ShownChannels& channels);
+Json ChannelJson(const ShownChannel& channel);
+Json ChannelsJson(const ShownChannels& channels);
+void PrintCsvHeader(std::FILE* out, const ShownChannels& channels);
+void PrintCsvLine(std::FILE* out, const ShownChannels& channels);
 
 // "21 Brightness = 40 %"
-std::string ChannelText(const HostDatabase& database, int number);
+std::string ChannelText(const ShownChannel& channel);
 // What a write to the channel may be: "channel 4 takes 0 to 6500".
 std::string AcceptedText(const ChannelRow& row);
 // Name and value of each channel, for the picture of the panel's screen.
 std::vector<std::pair<std::string, std::string>> ScreenRows(const HostDatabase& database);
 
-// The local time, to the second, as in ISO 8601.
+// The local time, to the millisecond, as in ISO 8601.
 std::string IsoTime();
 
 #endif

@@ -106,7 +106,10 @@ const std::vector<Description> DESCRIPTIONS = {
       {5, "not exactly three arguments"},
       {6, "no network interface can be read"}},
      {"set result 0", "SetNetworkMode(0,1,result)"},
-     {},
+     {"What the modes 0 and 1 are, the panel's hardware library decides; the driver passes them "
+      "on, for mode 1 together with the number 5000 in mode1_param. Addresses stay as they are.",
+      "The mode that an interface already has is answered with 0, and nothing is applied. panel "
+      "shows the present one."},
      LEAVES_NO_FILE},
     {COMMAND_ENABLE_NTP,
      "switch the time synchronisation on or off",

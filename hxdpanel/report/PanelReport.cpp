@@ -1,6 +1,7 @@
 #include "hxdpanel/report/PanelReport.h"
 
 #include "SimPanel.h"
+#include "hxdpanel/base/Terminal.h"
 #include "hxdpanel/base/Text.h"
 #include "hxdpanel/panel/CommandsRun.h"
 
@@ -57,7 +58,9 @@ std::string LockText(const IVNCLock* plugin) {
 }
 
 void PrintItem(std::FILE* out, const char* title, const std::string& text) {
-    std::fprintf(out, "%s%s\n", PadRight(title, 17).c_str(), text.c_str());
+    constexpr std::size_t TITLES = 17;
+    const std::string line = PadRight(title, TITLES) + text;
+    std::fprintf(out, "%s\n", terminal::Wrapped(out, line, TITLES).c_str());
 }
 
 // One line with the title, the others below the first; nothing for an empty list.
@@ -73,9 +76,74 @@ void PrintList(std::FILE* out, const char* title, const Lines& lines) {
     }
 }
 
+template <class ITEMS, class OBJECT>
+Json Objects(const ITEMS& items, OBJECT object) {
+    Json list = Json::array();
+    for (const auto& item : items)
+        list.push_back(object(item));
+    return list;
+}
+
+Json RecordJson(const hal_network_t& record) {
+    return {{"name", Visible(record.name)},
+            {"address", AddressText(record.address)},
+            {"netmask", AddressText(record.netmask)},
+            {"gateway", AddressText(record.gateway)},
+            {"mode", record.flags & 3}};
+}
+
+Json InterfaceJson(const sim::Interface& interface) {
+    Json object = RecordJson(interface.record);
+    object["mac"] = interface.macAddress;
+    return object;
+}
+
+Json CaptureJson(const sim::Capture& capture) {
+    return {{"path", capture.dirMacro + "/" + capture.relativePath},
+            {"x", capture.x},
+            {"y", capture.y},
+            {"width", capture.width},
+            {"height", capture.height}};
+}
+
+Json LockJson(const IVNCLock* plugin) {
+    if (plugin == nullptr)
+        return nullptr;
+    return {{"panelMouse", plugin->getHMIMouseState()},
+            {"panelKeyboard", plugin->getHMIKeyboardState()},
+            {"remoteMouse", plugin->getVNCMouseState()},
+            {"remoteKeyboard", plugin->getVNCKeyboardState()}};
+}
+
+Json EventsJson(const sim::PanelState& state) {
+    return {{"beeps", Objects(state.beeps,
+                              [](const sim::Beep& beep) {
+                                  return Json{{"frequencyHz", beep.frequencyHz},
+                                              {"milliseconds", beep.milliseconds}};
+                              })},
+            {"settingsReloads", state.guiCalls},
+            {"interfacesSet", Objects(state.appliedRecords, RecordJson)},
+            {"clockSet", Objects(state.rtcSettings, TimeText)},
+            {"screenCaptures", Objects(state.captures, CaptureJson)},
+            {"commandsRun", CommandsRun()}};
+}
+
 }  // namespace
 
-void PrintPanel(std::FILE* out, const IVNCLock* plugin, const std::string& filesOutside) {
+Json PanelJson(const PanelSource& source) {
+    const sim::PanelState state = sim::SimPanel::instance().state();
+    const bool dimmable = state.brightness != -19;
+    return {{"serialNumber", state.serialNumber},
+            {"light", state.lightOn},
+            {"brightness", dimmable ? Json(state.brightness) : Json(nullptr)},
+            {"locks", LockJson(source.plugin)},
+            {"interfaces", Objects(state.interfaces, InterfaceJson)},
+            {"files", source.filesOutside.empty() ? Json(nullptr) : Json(source.filesOutside)},
+            {"kept", source.kept},
+            {"events", EventsJson(state)}};
+}
+
+void PrintPanel(std::FILE* out, const PanelSource& source) {
     const sim::PanelState state = sim::SimPanel::instance().state();
     const bool dimmable = state.brightness != -19;
     PrintItem(out, "Serial number", Quoted(state.serialNumber));
@@ -83,10 +151,14 @@ void PrintPanel(std::FILE* out, const IVNCLock* plugin, const std::string& files
               std::string("light ") + (state.lightOn ? "on" : "off") +
                   (dimmable ? ", brightness " + std::to_string(state.brightness) + " %"
                             : ", no brightness control"));
-    PrintItem(out, "Input", LockText(plugin));
+    PrintItem(out, "Input", LockText(source.plugin));
     PrintList(out, "Interfaces", InterfaceLines(state));
     PrintItem(out, "Files",
-              filesOutside.empty() ? "fresh ones, gone when this run ends" : Visible(filesOutside));
+              source.filesOutside.empty()
+                  ? "fresh ones, gone when this run ends"
+                  : Visible(source.filesOutside) + ", kept (--fresh runs without, rm -r resets)");
+    if (!source.filesOutside.empty())
+        PrintList(out, "Kept settings", source.kept);
     const auto same = [](const std::string& text) { return Visible(text); };
     const std::pair<const char*, Lines> events[] = {
         {"Beeps", Texts(state.beeps, BeepText)},

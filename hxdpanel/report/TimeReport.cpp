@@ -20,17 +20,35 @@ std::string LastClockCommand() {
     return last;
 }
 
+// What the real-time clock was set to last; empty: it was not.
+std::string LastRealTimeClock() {
+    const auto settings = sim::SimPanel::instance().state().rtcSettings;
+    return settings.empty() ? "" : TimeText(settings.back());
+}
+
+ShownChannels Settings(const HostDatabase& database) {
+    ShownChannels channels;
+    for (int number = CHANNEL_NTP_SWITCH; number <= CHANNEL_NTP_SERVER_4; ++number)
+        channels.push_back(ShowChannel(database, number));
+    return channels;
+}
+
+Json TextOrNull(const std::string& text) {
+    return text.empty() ? Json(nullptr) : Json(text);
+}
+
 }  // namespace
 
 void PrintTime(std::FILE* out, const HostDatabase& database, const std::string& lastResult) {
-    for (int number = CHANNEL_NTP_SWITCH; number <= CHANNEL_NTP_SERVER_4; ++number)
-        std::fprintf(out, "%s\n", ChannelText(database, number).c_str());
+    for (const ShownChannel& channel : Settings(database))
+        std::fprintf(out, "%s\n", ChannelText(channel).c_str());
     const std::string clock = LastClockCommand();
-    const auto rtc = sim::SimPanel::instance().state().rtcSettings;
+    const std::string realTimeClock = LastRealTimeClock();
     std::fprintf(out, "\nSystem clock     %s\n",
                  clock.empty() ? "not set in this run" : clock.c_str());
-    std::fprintf(out, "Real-time clock  %s\n",
-                 rtc.empty() ? "not set in this run" : ("set to " + TimeText(rtc.back())).c_str());
+    std::fprintf(
+        out, "Real-time clock  %s\n",
+        realTimeClock.empty() ? "not set in this run" : ("set to " + realTimeClock).c_str());
     std::fprintf(out, "Last ExecNTP     %s\n",
                  lastResult.empty() ? "none in this run" : lastResult.c_str());
     if (clock.empty())
@@ -38,4 +56,11 @@ void PrintTime(std::FILE* out, const HostDatabase& database, const std::string& 
             "\nTo try it: start with --time-server, then EnableNTP(1), set result 99, "
             "ExecNTP(result).\n",
             out);
+}
+
+Json TimeJson(const HostDatabase& database, const std::string& lastResult) {
+    return {{"settings", ChannelsJson(Settings(database))},
+            {"systemClock", TextOrNull(LastClockCommand())},
+            {"realTimeClock", TextOrNull(LastRealTimeClock())},
+            {"lastSynchronisation", TextOrNull(lastResult)}};
 }

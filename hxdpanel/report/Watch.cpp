@@ -1,55 +1,143 @@
 #include "hxdpanel/report/Watch.h"
 
+#include "common/ResultCodes.h"
 #include "hxdpanel/base/Interrupt.h"
-#include "hxdpanel/report/ChannelReport.h"
+#include "hxdpanel/base/Terminal.h"
+#include "hxdpanel/base/Text.h"
+#include "hxdpanel/report/WatchScreen.h"
 
-#include <unistd.h>
-
-#include <algorithm>
 #include <chrono>
+#include <map>
+#include <set>
 
 namespace {
 
-const char* const CLEAR_SCREEN = "\033[H\033[J";
+using Clock = std::chrono::steady_clock;
 
-void PrintReading(std::FILE* out, const HostDatabase& database, const WatchOptions& options,
-                  bool first) {
-    if (options.csv) {
-        if (first)
-            PrintCsvHeader(out, database);
-        PrintCsvLine(out, database);
-    } else if (::isatty(::fileno(out)) != 0) {
-        std::fprintf(out, "%s%s   Ctrl-C ends\n\n", CLEAR_SCREEN, IsoTime().c_str());
-        PrintChannelTable(out, database);
-    } else {
-        std::fprintf(out, "%s%s\n", first ? "" : "\n", IsoTime().c_str());
-        PrintChannelTable(out, database);
+class Watcher {
+public:
+    Watcher(std::FILE* out, const WatchOptions& options)
+        : m_out(out),
+          m_options(options),
+          m_onScreen(options.form == WatchOptions::TABLE && !options.changes &&
+                     terminal::CanRedraw(out)) {}
+
+    void Show(const ShownChannels& channels, int status);
+    // False when the user has ended it.
+    bool WaitUntil(Clock::time_point next) const;
+    void End() const;
+
+private:
+    std::set<int> TakeChanges(const ShownChannels& channels);
+    void ShowTable(const ShownChannels& channels, int status, const std::set<int>& changed);
+    void ShowChanges(const ShownChannels& channels) const;
+
+    std::FILE* m_out;
+    const WatchOptions& m_options;
+    const bool m_onScreen;
+    bool m_first = true;
+    std::map<int, std::string> m_values;
+    WatchScreen m_screen;
+};
+
+// All at first.
+std::set<int> Watcher::TakeChanges(const ShownChannels& channels) {
+    std::set<int> changed;
+    for (const ShownChannel& channel : channels) {
+        std::string& known = m_values[channel.number];
+        const std::string value = channel.Value();
+        if (known != value)
+            changed.insert(channel.number);
+        known = value;
     }
-    std::fflush(out);
+    return changed;
+}
+
+void Watcher::Show(const ShownChannels& channels, int status) {
+    const std::set<int> changed = TakeChanges(channels);
+    ShownChannels shown;
+    for (const ShownChannel& channel : channels) {
+        if (!m_options.changes || changed.count(channel.number) != 0)
+            shown.push_back(channel);
+    }
+    if (m_options.form == WatchOptions::CSV && m_first)
+        PrintCsvHeader(m_out, channels);
+    if (!shown.empty()) {
+        if (m_options.form == WatchOptions::CSV)
+            PrintCsvLine(m_out, channels);
+        else if (m_options.form == WatchOptions::JSON)
+            PrintJson(m_out, JsonLayout::LINE, "watch",
+                      {{"time", IsoTime()},
+                       {"status", JsonStatus(status, StatusMeaning(status))},
+                       {"channels", ChannelsJson(shown)}});
+        else if (m_options.changes)
+            ShowChanges(shown);
+        else
+            ShowTable(shown, status, m_first ? std::set<int>() : changed);
+    }
+    m_first = false;
+    std::fflush(m_out);
+}
+
+void Watcher::ShowTable(const ShownChannels& channels, int status, const std::set<int>& changed) {
+    if (!m_onScreen) {
+        std::fprintf(m_out, "%s%s\n", m_first ? "" : "\n", IsoTime().c_str());
+        PrintChannelTable(m_out, channels);
+        return;
+    }
+    const std::string failure = status != 0 ? std::string("  ") + StatusMeaning(status) : "";
+    m_screen.Take(
+        IsoTime() + "  every " + NumberText(m_options.interval) + " s, Ctrl-C ends" + failure,
+        channels, changed);
+    m_screen.Draw(m_out);
+}
+
+void Watcher::ShowChanges(const ShownChannels& channels) const {
+    const std::string time = IsoTime();
+    for (const ShownChannel& channel : channels)
+        std::fprintf(m_out, "%s  %s\n", time.c_str(), ChannelText(channel).c_str());
+}
+
+bool Watcher::WaitUntil(Clock::time_point next) const {
+    for (;;) {
+        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
+            next - Clock::now() + std::chrono::microseconds(999));
+        if (interrupt::Wait(std::max(static_cast<int>(left.count()), 0), terminal::SizeEvent()))
+            return false;
+        if (left.count() <= 0)
+            return true;
+        terminal::ClearSizeEvent();
+        if (m_onScreen && next > Clock::now())
+            m_screen.Draw(m_out);
+    }
+}
+
+void Watcher::End() const {
+    if (m_onScreen)
+        std::fputs("\r\n", m_out);
 }
 
 }  // namespace
 
 int Watch(std::FILE* out, const HostDatabase& database, const WatchOptions& options,
           const std::function<int()>& read) {
-    using Clock = std::chrono::steady_clock;
     const auto interval = std::chrono::duration_cast<Clock::duration>(
         std::chrono::duration<double>(options.interval));
+    Watcher watcher(out, options);
     int result = 0;
     Clock::time_point next = Clock::now();
     for (int i = 0; options.count == 0 || i < options.count; ++i) {
         const int status = read();
         result = result == 0 ? status : result;
-        PrintReading(out, database, options, i == 0);
+        watcher.Show(ShowChannels(database, options.channels), status);
         if (std::ferror(out) != 0 || i + 1 == options.count)
             break;
         // A reading that took longer than the interval does not cause a burst afterwards.
         next = std::max(next + interval, Clock::now());
-        const auto left =
-            std::chrono::duration_cast<std::chrono::milliseconds>(next - Clock::now());
-        if (interrupt::Wait(static_cast<int>(left.count())))
+        if (!watcher.WaitUntil(next))
             break;
     }
+    watcher.End();
     if (!interrupt::EndRequested())
         interrupt::Clear();
     return result;

@@ -4,13 +4,22 @@
 
 #include <cstdio>
 #include <functional>
+#include <vector>
 
 class HostDatabase;
 
 struct WatchOptions {
+    enum Form {
+        TABLE,  // on a terminal redrawn in place, elsewhere one below the other
+        CSV,    // a line for each reading
+        JSON,   // an object for each reading
+    };
+
     double interval = 1.0;  // seconds from one reading to the next
     int count = 0;          // readings; 0: until interrupted
-    bool csv = false;       // a line for each reading instead of a table
+    Form form = TABLE;
+    bool changes = false;       // only what differs from the reading before, a channel a line
+    std::vector<int> channels;  // numbers
 };
 
 // read() brings the database up to date and returns the status; watching goes on after a failure.

@@ -101,12 +101,13 @@ std::vector<std::string> CommandLine(const std::string& launcher, const Setup& s
     return words;
 }
 
-// The machine's file, opened out here for the program inside, which does not see its folder.
-// -1: none is asked for; -2: it cannot be opened.
+// The machine's file, opened out here for the program inside, which does not see its folder. What
+// is in it stays until the program inside has something to write. -1: none is asked for; -2: it
+// cannot be opened.
 int OpenCsv(const std::string& file) {
     if (file.empty() || file == "-")
         return -1;
-    const int opened = ::open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    const int opened = ::open(file.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
     if (opened < 0) {
         std::fprintf(stderr, "hxdpanel: cannot write %s: %s\n", file.c_str(), std::strerror(errno));
         return -2;

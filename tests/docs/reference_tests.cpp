@@ -1,6 +1,7 @@
 // The references in docs/ say what the tables of the driver and of the console say, and the
 // examples in them work.
 #include "driver/record/ChannelTable.h"
+#include "hxdpanel/base/ExitCode.h"
 #include "hxdpanel/report/CommandReference.h"
 
 #include <gtest/gtest.h>
@@ -72,6 +73,14 @@ TEST(ChannelReference, FollowsTheTable) {
         ASSERT_GT(rows[0].size(), expected.size()) << number;
         EXPECT_EQ(Lines(rows[0].begin(), rows[0].begin() + 6), expected) << number;
         EXPECT_NE(rows[0][6], "") << number;
+    }
+}
+
+TEST(ExitCodes, FollowTheTable) {
+    for (const ExitMeaning& row : EXIT_MEANINGS) {
+        const auto rows = Rows("json.md", "| " + std::to_string(row.code) + " | ");
+        ASSERT_EQ(rows.size(), 1u) << "docs/json.md: exit code " << row.code;
+        EXPECT_EQ(rows[0][1], row.meaning);
     }
 }
 

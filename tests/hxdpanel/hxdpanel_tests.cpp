@@ -64,7 +64,9 @@ TEST(Hxdpanel, PrintsJsonAndNothingElse) {
     const Outcome run = Hxdpanel({"channels", "--json", "--log", "4", "--no-vnc"});
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_TRUE(Contains(run.errors, "driver: Qt VNC plugin doesn't support lock")) << run.errors;
-    const auto channels = nlohmann::json::parse(run.out, nullptr, false);
+    const auto object = nlohmann::json::parse(run.out, nullptr, false);
+    ASSERT_TRUE(object.is_object()) << run.out;
+    const auto& channels = object["channels"];
     ASSERT_EQ(channels.size(), 32U) << run.out;
     for (std::size_t i = 0; i < channels.size(); ++i) {
         const nlohmann::json& channel = channels[i];
@@ -75,6 +77,67 @@ TEST(Hxdpanel, PrintsJsonAndNothingElse) {
     }
     EXPECT_EQ(channels[0]["value"], "192.168.1.20");
     EXPECT_GT(channels[10]["value"], 0.0);  // this machine's memory
+    EXPECT_EQ(channels[30]["meaning"], "port cannot be queried");
+}
+
+TEST(Hxdpanel, EveryResultHasAnObject) {
+    const struct {
+        Words arguments;
+        const char* kind;
+        const char* member;
+        const char* holds;  // as JSON
+    } cases[] = {
+        {{"channels", "21"}, "channels", "/channels/0/name", "\"Brightness\""},
+        {{"read", "com3"}, "read", "/channel/meaning", "\"port cannot be queried\""},
+        {{"write", "brightness", "42"}, "write", "/channel/value", "40"},
+        {{"write", "4", "7000"}, "write", "/status/code", "4"},
+        {{"write", "4", "7000"}, "write", "/notes/0", "\"channel 4 takes 0 to 6500\""},
+        {{"exec", "--set", "r=9", "EnableNTP(2,r)"}, "command", "/variables/0/value", "4"},
+        {{"exec", "SAVESCREEN($OLMA_DIR_USR/a.png)"},
+         "command",
+         "/saved/0",
+         "\"/storage/user_dir/a.png\""},
+        {{"exec", "set x a"}, "vars", "/variables/0/type", "\"text\""},
+        {{"exec", "channels 20"}, "channels", "/channels/0/number", "20"},
+        {{"watch", "3", "--count", "1"}, "watch", "/channels/0/value", "0"},
+        {{"panel"}, "panel", "/interfaces/1/name", "\"eth1\""},
+        {{"ntp"}, "ntp", "/settings/0/number", "12"},
+        {{"help"}, "help", "/channels/31/sentinels/0/value", "-2"},
+        {{"help", "execntp"}, "help", "/commands/0/arguments/0/direction", "\"out\""},
+    };
+    for (const auto& row : cases) {
+        Words arguments = row.arguments;
+        arguments.emplace_back("--json");
+        const Outcome run = Hxdpanel(arguments);
+        const auto object = nlohmann::json::parse(run.out, nullptr, false);
+        ASSERT_TRUE(object.is_object()) << row.kind << ": " << run.out << run.errors;
+        EXPECT_EQ(object["format"], 1);
+        EXPECT_EQ(object["kind"], row.kind);
+        const nlohmann::json::json_pointer member(row.member);
+        ASSERT_TRUE(object.contains(member)) << row.member << ": " << run.out;
+        EXPECT_EQ(object[member], nlohmann::json::parse(row.holds)) << run.out;
+    }
+}
+
+TEST(Hxdpanel, WatchTellsChangesOnly) {
+    const Outcome run =
+        Hxdpanel({"watch", "1", "3", "--changes", "--count", "3", "--interval", "0.01"});
+    const QRegExp once(
+        QLatin1String("[-\\dT:.+]{29}  1 IP address 1 = 192\\.168\\.1\\.20\n"
+                      "[-\\dT:.+]{29}  3 Buzzer enabled = 0\n"));
+    EXPECT_TRUE(once.exactMatch(QString::fromUtf8(run.out.c_str()))) << run.out;
+}
+
+TEST(Hxdpanel, RunsBesideEachOtherKeepEachOthersHardwareSettings) {
+    QProcess first;
+    Start(first, {});
+    first.write("read 21\n");
+    ASSERT_TRUE(first.waitForReadyRead(20000));
+    Hxdpanel({"write", "8", "10.9.8.7"});
+    first.write("write 21 60\n");
+    Finish(first);
+    EXPECT_EQ(Hxdpanel({"read", "8"}).out, "10.9.8.7\n");
+    EXPECT_EQ(Hxdpanel({"read", "21"}).out, "60\n");
 }
 
 TEST(Hxdpanel, GivesVariablesTheTypeOfTheirValue) {
@@ -130,6 +193,21 @@ TEST(Hxdpanel, TellsScriptsAndUsersWhatACommandDid) {
         {{"BACKLIGHTOFF()"}, 2, "", "hxdpanel exec 'BACKLIGHTOFF()'"},
         {{"write", "21", "42"}, 0, "status 0 (done)\n21 Brightness = 40 %\n", ""},
         {{"exec", "panel"}, 0, "light on, brightness 40 %", ""},  // the hardware kept it
+        {{"read", "21"}, 0, "40\n", ""},
+        {{"exec", "read \"ip address 1\""}, 0, "192.168.1.20\n", ""},
+        {{"channels", "server-2", "26-27", "life"}, 0, "\n27  Storage write gear", ""},
+        {{"write", "buzzer", "1"}, 2, "", "buzzer may be 3 Buzzer enabled, 4 Buzzer duration, 7"},
+        {{"channels", "channels"}, 2, "", "channels is no channel"},
+        {{"read", "33"}, 2, "", "no channel 33"},
+        {{"exec", "write 15"}, 2, "", "usage: write CHANNEL VALUE"},
+        {{"exec", "write 15 \"\""}, 0, "Time server 1 = \"\"\n", ""},
+        {{"exec", "panel foo"}, 2, "", "usage: panel, without foo"},
+        {{"exec", "watch 0.5"}, 2, "", "0.5 is no channel"},
+        {{"help", "nope"}, 2, "", "no command or channel nope"},
+        {{"help", "life"}, 0, "-1 means: storage not readable\n  -2 means: not known\n", ""},
+        {{"help", "setnetworkmode"}, 0, "the panel's hardware library decides", ""},
+        {{"--root", "", "channels"}, 2, "", "--root: needs a path"},
+        {{"watch", "--json", "--csv", "-"}, 2, "", "excludes"},
         {{"write", "13", "1"}, 0, "status 0 (done)\n", ""},
         {{"write", "14", "6.0"}, 1, "status 4", ""},
         {{"write", "12", "1.0"}, 0, "Time sync switch = 0", "reads 1.0 as 0"},
@@ -166,6 +244,13 @@ TEST(Hxdpanel, ReadsLinesFromAPipe) {
               "x = \"a\\x1B[31m\\xFF\xc3\xa4\" (text)\n");
 }
 
+// The screen is drawn from what was collected: it does not grow by a later collection.
+TEST(Hxdpanel, ConsoleCollectsAtItsStart) {
+    Hxdpanel({}, "SAVESCREEN($OLMA_DIR_USR/a.png)\nchannels\nSAVESCREEN($OLMA_DIR_USR/b.png)\n");
+    const auto first = static_cast<double>(readFile("/storage/user_dir/a.png").size());
+    EXPECT_GT(first, 0.9 * static_cast<double>(readFile("/storage/user_dir/b.png").size()));
+}
+
 TEST(Hxdpanel, WatchWritesALinePerReadingUntilInterrupted) {
     QProcess process;
     Start(process, {"watch", "--interval", "0.05", "--csv", "-"});
@@ -178,7 +263,7 @@ TEST(Hxdpanel, WatchWritesALinePerReadingUntilInterrupted) {
     ASSERT_GE(lines.size(), 4) << out.constData();
     EXPECT_TRUE(lines[0].startsWith("time,\"IP address 1\","));
     const QRegExp reading(QLatin1String(
-        "\\d{4}-\\d\\d-\\d\\dT[\\d:]{8}[+-]\\d\\d:\\d\\d,192\\.168\\.1\\.20(,[^,]*){31}"));
+        "\\d{4}-\\d\\d-\\d\\dT[\\d:]{8}\\.\\d{3}[+-]\\d\\d:\\d\\d,192\\.168\\.1\\.20(,[^,]*){31}"));
     for (int i = 1; i <= 2; ++i)
         EXPECT_TRUE(reading.exactMatch(QString::fromUtf8(lines[i].constData())))
             << lines[i].constData();
@@ -206,7 +291,9 @@ TEST(Hxdpanel, RefusesDangerousCallsWithoutTheSandbox) {
     qputenv("PATH", path);
     writeFile("/run/hxd-panel", "");
     EXPECT_EQ(run.exitCode, 1);
-    EXPECT_TRUE(Contains(run.errors, "going on without the sandbox")) << run.errors;
+    for (const char* told : {"going on without the sandbox", "/storage/user_dir", "/tmp/ping.sh",
+                             "kernel.unprivileged_userns_clone=1"})
+        EXPECT_TRUE(Contains(run.errors, told)) << run.errors;
     EXPECT_TRUE(Contains(run.out, "refused: reboot\n")) << run.out;
     EXPECT_TRUE(Contains(run.out, "refused: dmesg > /tmp/dmesg.log\n")) << run.out;
     EXPECT_TRUE(Contains(nand.out, "refused: mount -t debugfs none /sys/kernel/debug\n"))

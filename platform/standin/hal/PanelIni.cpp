@@ -41,6 +41,19 @@ std::string Utf8(const QString& text) {
     return std::string(bytes.constData(), static_cast<std::size_t>(bytes.size()));
 }
 
+// Qt only tells that there is such a line.
+std::string SyntaxProblem(QFile& file) {
+    const std::string problem = "neither [section] nor key=value";
+    for (int number = 1; !file.atEnd(); ++number) {
+        const QByteArray line = file.readLine().trimmed();
+        const bool isSection = line.startsWith('[') && line.endsWith(']');
+        if (!line.isEmpty() && !line.startsWith(';') && !line.startsWith('#') && !isSection &&
+            line.indexOf('=') < 1)
+            return "line " + std::to_string(number) + ": " + problem;
+    }
+    return "a line is " + problem;
+}
+
 // False when the file cannot be read; problem may be set nevertheless. Qt splits a value at its
 // commas and puts keys before the first section into "General", which it leaves out of the name.
 bool ReadSections(const std::string& path, Sections& sections, std::string& problem) {
@@ -54,7 +67,7 @@ bool ReadSections(const std::string& path, Sections& sections, std::string& prob
     ini.setIniCodec("UTF-8");
     const QStringList keys = ini.allKeys();
     if (ini.status() != QSettings::NoError)
-        problem = "some lines are neither [section] nor key=value";
+        problem = SyntaxProblem(file);
     for (const QString& key : keys) {
         const bool sectionNamed = key.contains(QLatin1Char('/'));
         const QString section =

@@ -1,0 +1,45 @@
+#!/bin/bash
+# hxdpanel as it is started on the machine, outside the sandbox: whose paths, files and streams are
+# meant. Arguments: hxdpanel, the launcher of the sandbox, the folder of the panels.
+set -u
+hxdpanel=$1 in_panel=$2 panels=$3
+"$in_panel" true || exit  # 77: no panels on this machine
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+cd "$work" || exit 1
+cp -r "$panels/emmc" p
+mkdir bad && printf '[panel]\nserial=1\n\nnonsense\n' >bad/panel.ini
+failures=0
+
+expect() {  # WHAT CODE PATTERN SHOWN
+    local got=$?
+    [[ $got -eq $2 && $4 == *"$3"* ]] && return
+    printf 'FAILED: %s: %d, %s\n' "$1" "$got" "$4" >&2
+    failures=1
+}
+run() { "$hxdpanel" "$@" 2>&1; }
+
+shown=$(run --panel ./p --root kept read serial)
+expect 'a relative panel' 0 HX2024060101 "$shown"
+[[ -d kept/etc ]] || expect 'a relative root' 0 'kept/etc' missing
+echo precious >x.csv
+for refused in '--panel nowhere' '--panel bad' '--driver x.csv' '--fresh --blob 0'; do
+    # shellcheck disable=SC2086  # words
+    run $refused watch --csv x.csv >/dev/null
+    [[ $(<x.csv) == precious ]] || { echo "FAILED: $refused has emptied x.csv" >&2; failures=1; }
+done
+shown=$(run --panel p watch 21 --count 2 --interval 0.01 --csv x.csv; cat x.csv)
+expect 'a run that starts writes it anew' 0 'time,"Brightness [%]"' "$shown"
+[[ $(wc -l <x.csv) -eq 3 ]] || { echo 'FAILED: not a title and two readings' >&2; failures=1; }
+
+shown=$(run --fresh --driver x.csv channels)
+expect 'no driver: named as the user did' 3 'cannot load the driver: x.csv: ' "$shown"
+shown=$(run --panel bad channels)
+expect 'a mistake in panel.ini' 4 'panel.ini: line 4: neither' "$shown"
+shown=$(run --root '' channels)
+expect 'an empty path' 2 '--root: needs a path' "$shown"
+shown=$("$hxdpanel" --fresh channels 2>&1 >&-)
+expect 'no standard output' 2 'standard output is closed' "$shown"
+shown=$(run --panel p --root kept write 21 42 && run --panel p --root kept panel)
+expect 'what is kept is shown' 0 'panel/brightness = 40 (described as 80)' "$shown"
+exit "$failures"
