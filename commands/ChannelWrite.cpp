@@ -6,7 +6,7 @@
 #include "common/Numbers.h"
 #include "common/QtText.h"
 #include "common/ResultCodes.h"
-#include "driver/record/CDevServer.h"
+#include "driver/record/Call.h"
 #include "driver/record/ChannelTable.h"
 #include "driver/record/DevContext.h"
 #include "network/InterfaceSettings.h"
@@ -199,10 +199,11 @@ int channel_write::RoundBrightness(int percent) {
 }
 
 int CDevBas::mfDevIOWriteChannel(OLMA_DATA& data, const CString& args) {
-    CString number;
-    CString text;
-    if (CDevServer::SvrGetCmdStr(args, "=", number, text) == 0)
+    const Call call(data, CommandOf(COMMAND_OLMA_WRITE), args);
+    if (!call.IsWellFormed())
         return RESULT_MALFORMED;
+    const CString& number = call.Argument(0);
+    const CString& text = call.Argument(1);
     const ChannelRow* const channel =
         FindChannel(hxd::ToInt(CDevServer::SvrStr2Double(number, number.GetLength())));
     if (channel == nullptr)

@@ -5,7 +5,6 @@
 #include "commands/Screenshot.h"
 #include "commands/StringHash.h"
 #include "commands/VncPassword.h"
-#include "common/Numbers.h"
 #include "common/ResultCodes.h"
 #include "driver/record/ChannelTable.h"
 #include "driver/record/CommandTable.h"

@@ -8,7 +8,7 @@ namespace olma_device {
 
 // Runs "NAME(ARGUMENTS)" and puts its status into values[0]: 0.0 for success, otherwise a positive
 // error number. Names are compared without regard to case and surrounding white space; names that
-// are not in the table go to the registry of system-information operations with the whole text.
+// are not its own go to the registry of system-information operations with the whole text.
 // Without both parentheses nothing runs, and the status is 0.0. Both arrays come back with 33
 // elements; an empty value array is left alone. Always 0. Commands of all devices of the process
 // take turns, long ones included; one that a parameter callback sends runs at once.

@@ -4,7 +4,6 @@
 #ifndef HXD_MUTEX_H
 #define HXD_MUTEX_H
 
-#include <chrono>
 #include <condition_variable>
 #include <mutex>
 
@@ -30,7 +29,8 @@ private:
 };
 
 // Holds the mutex while it lives. A wait gives it up meanwhile and may end without a reason, so it
-// stands in a loop that tests what is waited for (a lambda for that would escape the check).
+// stands in a loop that tests what is waited for (a lambda for that would escape the check). There
+// is no time-out: older C++ libraries wait by the system clock, which is set here.
 class HXD_THREAD_ANNOTATION(scoped_lockable) MutexLock {
 public:
     explicit MutexLock(Mutex& mutex) HXD_THREAD_ANNOTATION(exclusive_lock_function(mutex))
@@ -40,15 +40,6 @@ public:
     ~MutexLock() HXD_THREAD_ANNOTATION(unlock_function()) = default;
 
     void Wait(std::condition_variable& changed) { changed.wait(m_lock); }
-    template <class DURATION>
-    void WaitFor(std::condition_variable& changed, const DURATION& duration) {
-        changed.wait_for(m_lock, duration);
-    }
-    // False when the time is up.
-    template <class TIME>
-    bool WaitUntil(std::condition_variable& changed, const TIME& time) {
-        return changed.wait_until(m_lock, time) == std::cv_status::no_timeout;
-    }
 
 private:
     std::unique_lock<std::mutex> m_lock;

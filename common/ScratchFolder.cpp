@@ -79,8 +79,12 @@ ScratchFolder::ScratchFolder(const std::string& file) {
 }
 
 ScratchFolder::~ScratchFolder() {
-    if (m_folder.IsOpen())
-        Remove(m_path, m_folder);
+    try {
+        if (m_folder.IsOpen())
+            Remove(m_path, m_folder);
+    } catch (...) {
+        // Out of memory: the next change to the file removes it.
+    }
 }
 
 }  // namespace hxd

@@ -11,10 +11,12 @@
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
+#include <QDir>
 #include <QFile>
 #include <QSettings>
 #include <QStringList>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
 
@@ -97,7 +99,12 @@ int AnonymousFile() {
     if (descriptor >= 0)
         return static_cast<int>(descriptor);
 #endif
-    char path[] = "/tmp/hxd_settings.XXXXXX";  // for kernels before 3.17
+#ifdef O_TMPFILE
+    const int nameless = ::open("/tmp", O_RDWR | O_TMPFILE | O_CLOEXEC, 0600);
+    if (nameless >= 0)
+        return nameless;
+#endif
+    char path[] = "/tmp/hxd_settings.XXXXXX";  // for kernels before 3.11
     const int file = ::mkostemp(path, O_CLOEXEC);
     if (file >= 0)
         ::unlink(path);
@@ -131,6 +138,13 @@ bool Parse(const std::string& content, const char* codec, SettingsValues& values
     return true;
 }
 
+// QSettings writes a few odd keys, an encoded word in a line of its own for example, in a way in
+// which it does not find them again.
+bool IsFoundAgain(const QString& key) {
+    return !key.endsWith(QLatin1Char('/')) && !key.contains(QLatin1String("//")) &&
+           !key.contains(QChar(0));
+}
+
 // Qt's part of a change, on a file that nobody else knows. How many keys there are to be then.
 bool Change(const std::string& path, const char* codec, const SettingsValues& changes,
             std::size_t& keyCount) {
@@ -139,7 +153,8 @@ bool Change(const std::string& path, const char* codec, const SettingsValues& ch
         settings.setIniCodec(codec);
     for (const auto& change : changes)
         settings.setValue(change.first, change.second);
-    keyCount = static_cast<std::size_t>(settings.allKeys().size());
+    const QStringList keys = settings.allKeys();
+    keyCount = static_cast<std::size_t>(std::count_if(keys.begin(), keys.end(), IsFoundAgain));
     settings.sync();
     return settings.status() != QSettings::AccessError;  // a malformed line before is none of ours
 }
@@ -150,7 +165,7 @@ bool IsComplete(const std::string& content, const char* codec, const SettingsVal
                 std::size_t keyCount) {
     SettingsValues values;
     if (content.empty() || content.back() != '\n' || !Parse(content, codec, values) ||
-        values.size() != keyCount)
+        values.size() < keyCount)
         return false;
     for (const auto& change : changes) {
         const auto found = values.find(change.first);
@@ -199,6 +214,8 @@ bool Finish(const std::string& path, mode_t mode, const FileView& old) {
 bool Replace(const std::string& path, const char* codec, const SettingsValues& changes) {
     FileView old;
     if (path.empty() || !old.Read(path, O_RDWR))  // one that may not be written is not replaced
+        return false;
+    if (!old.exists && !QDir().mkpath(QFile::decodeName(FolderOf(path).c_str())))
         return false;
     const ScratchFolder scratch(path);
     // The name is new to Qt even if the folder's were to return.

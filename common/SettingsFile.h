@@ -36,7 +36,8 @@ public:
     // Replaces the file by one with these values as well, or makes it; everything else in it stays
     // as far as QSettings keeps it (no comments). A link stays a link. The new file has mode and
     // owner of the old one, as far as the process may give it away, and a later modification time,
-    // by which other processes' QSettings see the change; one that was missing gets 0644 at most.
+    // by which other processes' QSettings see the change; one that was missing gets 0644 at most,
+    // and its folder is made.
     // False when that fails: then the file is as it was. It fails also where the file may be
     // written, but its folder may not. On return all is on the storage.
     bool Store(const SettingsValues& changes);

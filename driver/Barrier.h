@@ -8,7 +8,7 @@ namespace hxd {
 
 // The call's result, or the given one when the call throws. What passes is the end of the thread
 // itself (pthread_exit or a cancellation in a host callback): whoever stops that aborts the
-// process.
+// process. (So would an exception of another language; no such host is known.)
 template <class RESULT, class CALL>
 auto NoThrow(RESULT resultOnThrow, CALL call) -> decltype(call()) {
     try {

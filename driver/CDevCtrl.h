@@ -36,7 +36,7 @@ public:
     static int SetParamValue_Fun(OLMA_DATA& record, CString name, DATATYPE type, void* value);
 
 private:
-    bool StartDevice(const unsigned char* blob, int length);
+    void StartDevice(const unsigned char* blob, int length);
     int Collect(const int* channels, int count);
     void RefreshValues();
     void ShowInputLocks();

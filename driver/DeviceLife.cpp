@@ -80,8 +80,13 @@ int CDevCtrl::InitDevice(const unsigned char* blob, int length) {
     if (blob == nullptr || length <= 0 || hxd::Operation::IsPostponed(*this))
         return HOST_BAD_ARGUMENT;
     const hxd::Operation operation(*this);
+    if (m_record.m_pArchive != nullptr)
+        return HOST_OK;  // a plug-in's call from within the first: a repeated one like any other
     const bool wasStarted = m_record.m_pContext != nullptr;
-    if (hxd::NoThrow(false, [&] { return StartDevice(blob, length); }))
+    if (hxd::NoThrow(false, [&] {
+            StartDevice(blob, length);
+            return true;
+        }))
         return HOST_OK;
     if (wasStarted) {
         // A repeated call changes nothing, also when it finds no memory.
@@ -93,11 +98,11 @@ int CDevCtrl::InitDevice(const unsigned char* blob, int length) {
     return HOST_OK;
 }
 
-// Never false, but may throw: the caller rolls the failed start back.
-bool CDevCtrl::StartDevice(const unsigned char* blob, int length) {
+// May throw: the caller rolls the failed start back.
+void CDevCtrl::StartDevice(const unsigned char* blob, int length) {
     m_record.m_pArchive = new (std::nothrow) COwnerArchive;
     if (m_record.m_pArchive == nullptr)
-        return true;
+        return;
     COwnerArchive& archive = *m_record.m_pArchive;
     archive.SvrWrite(blob, length);
     archive.SetPosition(0);
@@ -108,7 +113,6 @@ bool CDevCtrl::StartDevice(const unsigned char* blob, int length) {
         StartServices(m_record);
     }
     ReleaseArchive(m_record);
-    return true;
 }
 
 int CDevCtrl::CleanupDevice() {

@@ -1,6 +1,7 @@
 #include "network/InterfaceSettings.h"
 
 #include "common/QtText.h"
+#include "driver/record/ChannelTable.h"
 
 #include <arpa/inet.h>
 
@@ -31,8 +32,9 @@ bool ReadNumber(const char*& text, long lowest, long highest) {
     return found && number >= lowest && number <= highest;
 }
 
-bool IsDottedQuad(const char* text, long firstLowest, long firstHighest) {
-    if (text == nullptr || !ReadNumber(text, firstLowest, firstHighest))
+// A dotted address whose first number the channel's row accepts.
+bool BeginsWithin(const char* text, const ChannelRow& row) {
+    if (text == nullptr || !ReadNumber(text, row.minimum, row.maximum))
         return false;
     for (int i = 1; i < 4; ++i) {
         if (*text++ != '.' || !ReadNumber(text, 0, 255))
@@ -94,11 +96,11 @@ bool getLocalcount_name(unsigned int& count, std::vector<QString>& names) {
 }
 
 bool IsAvailableIPAddr(const char* text) {
-    return IsDottedQuad(text, 1, 223);
+    return BeginsWithin(text, *FindChannel(CHANNEL_IP_ADDRESS_1));
 }
 
 bool IsAvailableMaskAddr(const char* text) {
-    return IsDottedQuad(text, 192, 255);
+    return BeginsWithin(text, *FindChannel(CHANNEL_NETMASK_1));
 }
 
 bool setLocalIp(QString& address, int which, QString& interfaceName) {

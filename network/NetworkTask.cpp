@@ -44,7 +44,11 @@ NetworkTask::~NetworkTask() {
         while (m_bAwaited)
             locker.Wait(m_changed);
     }
-    qDebug("%s", "task exit.....");
+    try {
+        qDebug("%s", "task exit.....");
+    } catch (...) {
+        // Out of memory: an end without its line.
+    }
 }
 
 void NetworkTask::start() {

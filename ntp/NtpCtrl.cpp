@@ -1,18 +1,18 @@
 #include "ntp/NtpCtrl.h"
 
+#include "common/Poll.h"
 #include "common/ResultCodes.h"
 #include "network/NerworkCheck.h"
 #include "ntp/NtpTriggers.h"
 #include "ntp/PanelClock.h"
 #include "olma_host.h"
 
-#include <poll.h>
 #include <sys/eventfd.h>
 #include <QtDebug>
 
 namespace {
 
-constexpr int TICK_MS = 200;
+constexpr std::chrono::milliseconds TICK(200);
 constexpr int TICKS_BETWEEN_ATTEMPTS = 5;
 
 bool AllEmpty(const QStringList& servers) {
@@ -191,8 +191,8 @@ void NtpCtrl::SynchroniseUntilDone() {
 // system clock, which is set here. A condition variable of an older C++ library would wait by it.
 // Without the event the tick is a plain sleep. False when the controller is to stop.
 bool NtpCtrl::Pause() const {
-    pollfd stop = {m_stopEvent.Descriptor(), POLLIN, 0};
+    pollfd stop[] = {{m_stopEvent.Descriptor(), POLLIN, 0}};
     if (m_bRunning)
-        ::poll(&stop, 1, TICK_MS);
+        hxd::PollUntil(stop, std::chrono::steady_clock::now() + TICK);
     return m_bRunning;
 }

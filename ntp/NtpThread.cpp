@@ -1,5 +1,6 @@
 #include "ntp/NtpThread.h"
 
+#include "common/Poll.h"
 #include "common/QtText.h"
 #include "network/NerworkCheck.h"
 #include "ntp/NameLookup.h"
@@ -7,7 +8,6 @@
 #include <arpa/inet.h>
 #include <errno.h>
 #include <netdb.h>
-#include <poll.h>
 #include <string.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
@@ -78,19 +78,6 @@ bool SendRequests(int socket, const std::vector<sockaddr_in>& addresses, const Q
     return sent;
 }
 
-// As poll(), but a signal does not end the wait.
-template <std::size_t COUNT>
-int PollUntil(pollfd (&watched)[COUNT], Clock::time_point deadline) {
-    for (;;) {
-        const auto left =
-            std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
-        const int ready =
-            ::poll(watched, COUNT, static_cast<int>(std::max<decltype(left)>(left, 0)));
-        if (ready >= 0 || errno != EINTR)
-            return ready;
-    }
-}
-
 bool ReceiveAnswer(int socket, sntp::Packet& answer) {
     answer = {};
     // What made the socket readable may be gone: a datagram with a wrong checksum, for example.
@@ -111,7 +98,7 @@ NtpThread::~NtpThread() {
 
 void NtpThread::Start() {
     const hxd::MutexLock locker(m_lock);
-    if (m_thread.joinable())
+    if (m_thread.joinable() || m_bStopped)
         return;
     HXDCTRL::File wakeUp(::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC));
     if (!wakeUp.IsOpen()) {
@@ -157,6 +144,7 @@ NtpThread::Outcome NtpThread::Look(std::int32_t& seconds) {
 void NtpThread::notifyStop() {
     const hxd::MutexLock locker(m_lock);
     m_bRunning = false;
+    m_bStopped = true;
     m_eState = STATE_DONE;
     if (m_pWakeUp != nullptr)
         ::eventfd_write(m_pWakeUp->Descriptor(), 1);
@@ -262,7 +250,7 @@ bool NtpThread::LookUp(const QByteArray& server, std::vector<sockaddr_in>& addre
 // select() all the same, for those who know them.
 bool NtpThread::AwaitReadable(int socket, const QByteArray& server) const {
     pollfd watched[] = {{socket, POLLIN, 0}, {m_pWakeUp->Descriptor(), POLLIN, 0}};
-    const int ready = PollUntil(watched, Clock::now() + ANSWER_TIMEOUT);
+    const int ready = hxd::PollUntil(watched, Clock::now() + ANSWER_TIMEOUT);
     if (ready < 0 || (watched[0].revents & POLLNVAL) != 0)
         ReportAttempt(208, "select函数出错，被迫终止 !", server);
     else if (ready == 0)

@@ -35,8 +35,9 @@ public:
     NtpThread& operator=(const NtpThread&) = delete;
     ~NtpThread();
 
-    // Starts the thread unless it has been started. When the system lacks descriptors (one line on
-    // standard output) or threads, the worker stays unstarted and the next call tries again.
+    // Starts the thread unless it has been started or stopped. When the system lacks descriptors
+    // (one line on standard output) or threads, the worker stays unstarted and the next call tries
+    // again.
     void Start();
 
     // Hands a request to the thread, after the one it is still working on. Without a running
@@ -78,7 +79,8 @@ private:
     std::string m_strServer HXD_GUARDED_BY(m_lock);  // not shared with the controller's copy
     std::int32_t m_nReachMode HXD_GUARDED_BY(m_lock) = -1;
     State m_eState HXD_GUARDED_BY(m_lock) = STATE_IDLE;
-    std::atomic<bool> m_bRunning{false};  // written under the lock, and read without it
+    std::atomic<bool> m_bRunning{false};             // written under the lock, and read without it
+    bool m_bStopped HXD_GUARDED_BY(m_lock) = false;  // for good
     bool m_bSuccess HXD_GUARDED_BY(m_lock) = false;
     std::int32_t m_nSeconds HXD_GUARDED_BY(m_lock) = 0;
     std::int32_t m_nMicroseconds HXD_GUARDED_BY(m_lock) = 0;

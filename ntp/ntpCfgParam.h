@@ -18,7 +18,7 @@ extern const char* const ntpCfgNode[NTP_SETTING_COUNT];
 extern const char* const ntpDefCfg[NTP_SETTING_COUNT];
 
 // A plain record. The controller's copy is guarded by the controller's lock; the two functions take
-// no lock on the record, only one on the file.
+// no lock on the record, and only writeCfg() takes one on the file, which is replaced as a whole.
 struct ntpCfgParam {
     ntpCfgParam();  // 0, 0, 0 and four empty servers, unlike the file's defaults
 

@@ -64,7 +64,7 @@ long long NandDiskMgr::ReadWear() {
     return wear::EraseSum(table);
 }
 
-int NandDiskMgr::ReadLifePercent(long long wear) {
-    return wear::NandLife(wear, m_llTotalBlocks, ReadCount("/sys/class/ubi/ubi0/bad_peb_count"),
+int NandDiskMgr::ReadLifePercent(long long eraseSum) {
+    return wear::NandLife(eraseSum, m_llTotalBlocks, ReadCount("/sys/class/ubi/ubi0/bad_peb_count"),
                           ReadCount("/sys/class/ubi/ubi0/reserved_for_bad"));
 }

@@ -7,9 +7,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 #include <cstring>
-#include <limits>
 #include <new>
-#include <stdexcept>
 
 namespace {
 

@@ -16,15 +16,15 @@ constexpr Row::Sentinel NO_UART = {UART_UNREADABLE, nullptr, "port cannot be que
 constexpr Row::Sentinel NO_NUMBER = {0, NO_SERIAL_NUMBER, "the panel has none"};
 
 constexpr ChannelRow CHANNELS[CHANNEL_COUNT] = {
-    { 1, Row::TEXT,   "IP address 1",         "",     Row::ADDRESS,       0, 0,       {}},
-    { 2, Row::TEXT,   "Netmask 1",            "",     Row::NETMASK,       0, 0,       {}},
+    { 1, Row::TEXT,   "IP address 1",         "",     Row::ADDRESS,       1, 223,     {}},
+    { 2, Row::TEXT,   "Netmask 1",            "",     Row::NETMASK,     192, 255,     {}},
     { 3, Row::NUMBER, "Buzzer enabled",       "",     Row::CUT_NUMBER,    0, 1,       {}},
     { 4, Row::NUMBER, "Buzzer duration",      "ms",   Row::CUT_NUMBER,    0, 6500,    {}},
     { 5, Row::NUMBER, "Backlight auto-off",   "",     Row::CUT_NUMBER,    0, 1,       {}},
     { 6, Row::NUMBER, "Backlight-off delay",  "s",    Row::CUT_NUMBER,   15, 1800,    {}},
     { 7, Row::NUMBER, "Buzzer test",          "ms",   Row::CUT_NUMBER,    0, INT_MAX, {}},
-    { 8, Row::TEXT,   "IP address 2",         "",     Row::ADDRESS,       0, 0,       {}},
-    { 9, Row::TEXT,   "Netmask 2",            "",     Row::NETMASK,       0, 0,       {}},
+    { 8, Row::TEXT,   "IP address 2",         "",     Row::ADDRESS,       1, 223,     {}},
+    { 9, Row::TEXT,   "Netmask 2",            "",     Row::NETMASK,     192, 255,     {}},
     {10, Row::NUMBER, "CPU use",              "0..1", Row::NOTHING,       0, 0,       {}},
     {11, Row::NUMBER, "Memory available",     "MiB",  Row::NOTHING,       0, 0,       {}},
     {12, Row::NUMBER, "Time sync switch",     "",     Row::WHOLE_NUMBER,  0, 1,       {}},

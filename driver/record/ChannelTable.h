@@ -50,8 +50,8 @@ struct ChannelRow {
         NOTHING,       // the channel cannot be written
         CUT_NUMBER,    // a number, of which the fraction is cut off
         WHOLE_NUMBER,  // the text as a whole is a decimal integer; any other text counts as 0
-        ADDRESS,       // a dotted IPv4 address that begins with 1 to 223
-        NETMASK,       // a dotted IPv4 netmask that begins with 192 to 255
+        ADDRESS,       // a dotted IPv4 address whose first number is in the range
+        NETMASK,       // a dotted IPv4 netmask, the same
         ANY_TEXT,
     };
     struct Sentinel {
@@ -73,7 +73,7 @@ struct ChannelRow {
     const char* name;
     const char* unit;  // "" where there is none
     Input input;
-    int minimum;  // accepted by a write, both ends included; 0 and 0 for texts
+    int minimum;  // accepted by a write, both ends included; 0 and 0 for ANY_TEXT and NOTHING
     int maximum;  // INT_MAX: no upper limit
     Sentinel sentinels[2];
 };

@@ -23,7 +23,7 @@ constexpr Arg LOG_STATUS = {"status", Arg::OUT, Arg::NUMBER, REQUIRED};
 // clang-format off
 constexpr CommandRow COMMANDS[COMMAND_COUNT] = {
     {COMMAND_OLMA_WRITE, "OLMA_WRITE", Row::HEADS, '=',
-     {{"number", Arg::IN, Arg::TEXT, REQUIRED}, {"value", Arg::IN, Arg::TEXT, REQUIRED}}},
+     {{"number", Arg::IN, Arg::LITERAL, REQUIRED}, {"value", Arg::IN, Arg::LITERAL, REQUIRED}}},
     {COMMAND_BACKLIGHT_ON, "BACKLIGHTON", Row::IGNORED, ',', {}},
     {COMMAND_BACKLIGHT_OFF, "BACKLIGHTOFF", Row::IGNORED, ',', {}},
     {COMMAND_REFLESH, "REFLESH", Row::IGNORED, ',', {}},
@@ -52,9 +52,9 @@ constexpr CommandRow COMMANDS[COMMAND_COUNT] = {
      {SERVER1, SERVER2, SERVER3, SERVER4, RESULT}},
     {COMMAND_EXEC_NTP, "ExecNTP", Row::WHOLE, ',', {RESULT}},
     {COMMAND_GET_CPU_USE, "GetCpuUse", Row::WORDS, ',',
-     {{"channel", Arg::IN, Arg::INTEGER, REQUIRED}}},
+     {{"channel", Arg::IN, Arg::LITERAL, REQUIRED}}},
     {COMMAND_GET_MEM_USE, "GetMemUse", Row::WORDS, ',',
-     {{"channel", Arg::IN, Arg::INTEGER, REQUIRED}}},
+     {{"channel", Arg::IN, Arg::LITERAL, REQUIRED}}},
     {COMMAND_READ_APP_LOG, "ReadAppLog", Row::WORDS, ',',
      {LOG_MODE, LOG_LENGTH, LOG_TEXT, LOG_STATUS}},
     {COMMAND_READ_SYS_LOG, "ReadSysLog", Row::WORDS, ',',

@@ -1,6 +1,6 @@
 // The commands, one row each: name, how its argument text is taken apart and what the arguments
-// are. Dispatcher, registry, console and the reference in docs/ follow it, or do not compile or
-// pass.
+// are. Dispatcher, registry, console and the reference in docs/ have what stands here, or do not
+// compile or pass; the registry alone takes its arguments apart by itself.
 #ifndef HXD_COMMANDTABLE_H
 #define HXD_COMMANDTABLE_H
 
@@ -28,14 +28,15 @@ enum Command : int {
     COMMAND_COUNT,
 };
 
-// All but the literals are names of host parameters; a name that the host does not know is a
-// literal itself where it is read.
+// A name of a host parameter, unless it is a literal; a name that the host does not know is taken
+// as a literal where it is read.
 struct CommandArgument {
     enum Direction { IN, OUT };
     enum Kind {
         INTEGER,  // an int parameter, or a number as it stands
         NUMBER,   // an int or double parameter; for IN also a number as it stands
         TEXT,     // a text parameter; for IN also a text as it stands
+        LITERAL,  // always as it stands
     };
 
     const char* name;  // null: none

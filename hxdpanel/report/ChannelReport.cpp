@@ -159,21 +159,23 @@ std::string ChannelText(const ShownChannel& channel) {
 
 std::string AcceptedText(const ChannelRow& row) {
     const std::string subject = "channel " + std::to_string(row.number);
+    const std::string range =
+        std::to_string(row.minimum) +
+        (row.HasUpperLimit() ? " to " + std::to_string(row.maximum) : " or more");
     switch (row.input) {
         case ChannelRow::NOTHING:
             return subject + " cannot be written";
         case ChannelRow::ADDRESS:
-            return subject + " takes an IPv4 address that begins with 1 to 223";
+            return subject + " takes an IPv4 address that begins with " + range;
         case ChannelRow::NETMASK:
-            return subject + " takes a netmask that begins with 192 to 255";
+            return subject + " takes a netmask that begins with " + range;
         case ChannelRow::ANY_TEXT:
             return subject + " takes a text";
         case ChannelRow::CUT_NUMBER:
         case ChannelRow::WHOLE_NUMBER:
             break;
     }
-    return subject + " takes " + std::to_string(row.minimum) +
-           (row.HasUpperLimit() ? " to " + std::to_string(row.maximum) : " or more");
+    return subject + " takes " + range;
 }
 
 std::vector<std::pair<std::string, std::string>> ScreenRows(const HostDatabase& database) {

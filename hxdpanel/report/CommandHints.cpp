@@ -26,6 +26,8 @@ bool Fits(CommandArgument::Kind kind, DATATYPE type) {
             return type != DATATYPE_TEXT;
         case CommandArgument::TEXT:
             return type == DATATYPE_TEXT;
+        case CommandArgument::LITERAL:
+            return true;
     }
     return false;
 }

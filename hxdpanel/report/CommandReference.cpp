@@ -251,6 +251,8 @@ const char* KindName(CommandArgument::Kind kind) {
             return "number";
         case CommandArgument::TEXT:
             return "text";
+        case CommandArgument::LITERAL:
+            return "as is";
     }
     return "";
 }
