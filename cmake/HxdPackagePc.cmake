@@ -18,7 +18,8 @@ file(MAKE_DIRECTORY ${made})
 file(CREATE_LINK ../${program_dir}/bin/hxdpanel ${made}/hxdpanel SYMBOLIC)
 install(FILES ${made}/hxdpanel DESTINATION bin COMPONENT pc)
 
-install(DIRECTORY tests/panels DESTINATION ${documents}/examples COMPONENT pc)
+install(DIRECTORY tests/panels DESTINATION ${documents}/examples COMPONENT pc
+    PATTERN channels.json EXCLUDE)  # what the tests expect
 install(DIRECTORY hxdpanel/examples/ DESTINATION ${documents}/examples/scripts OPTIONAL COMPONENT pc)
 install(FILES README.md packaging/copyright DESTINATION ${documents} COMPONENT pc)
 install(DIRECTORY docs DESTINATION ${documents} COMPONENT pc)
