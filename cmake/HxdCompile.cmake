@@ -17,6 +17,18 @@ function(hxd_compile_options target)
     endif()
 endfunction()
 
+# What goes into a package names no folder of the machine that built it, not even in the debug
+# symbols: so the same sources are the same bytes, wherever they lie. The last option that fits counts.
+if(HXD_PLATFORM_DIR OR HXD_PC_PACKAGE)
+    get_filename_component(sdk "${HXD_PLATFORM_DIR}" ABSOLUTE BASE_DIR ${CMAKE_BINARY_DIR})
+    add_compile_options(
+        -ffile-prefix-map=${CMAKE_SOURCE_DIR}=. -ffile-prefix-map=${CMAKE_BINARY_DIR}=./build
+        -ffile-prefix-map=${sdk}=./sdk)
+    if(CMAKE_SYSROOT)
+        add_compile_options(-ffile-prefix-map=${CMAKE_SYSROOT}=)
+    endif()
+endif()
+
 # For the driver library: only what the map names is exported; the code stays mapped after a
 # dlclose, because threads and static objects may still need it. No search path: the host has loaded
 # the platform's libraries already.

@@ -1,5 +1,6 @@
 # What goes on a panel: the stripped library, the programs that check the panel, and the documentation;
 # the library's debug symbols are a package of their own.
+include(HxdPackageOwner)
 set(packaged ${CMAKE_BINARY_DIR}/package)
 set(library libhxdcontrol_armv7.so.1)
 add_custom_command(
@@ -20,7 +21,31 @@ foreach(program hxdcheck hxdcheck-host)
         VERBATIM)
     list(APPEND programs ${packaged}/${program})
 endforeach()
-add_custom_target(hxdcontrol_stripped DEPENDS ${packaged}/${library} ${programs})
+set(wanted ${packaged}/${library} ${programs})
+
+# What the .deb depends on is known when all is linked: CPack reads it then.
+set(HXD_PACKAGE_DEPENDS "" CACHE STRING
+    "What the .deb depends on; empty: what its files need, in Debian's names")
+set(CPACK_DEBIAN_DRIVER_PACKAGE_DEPENDS "${HXD_PACKAGE_DEPENDS}")
+if(NOT HXD_PACKAGE_DEPENDS)
+    set(qt ${Qt5Core_VERSION})
+    if(HXD_QT EQUAL 4)
+        set(qt ${QT_VERSION_MAJOR}.${QT_VERSION_MINOR})
+    endif()
+    string(REGEX MATCH "^[0-9]+\\.[0-9]+" qt "${qt}")
+    set(depends ${CMAKE_SOURCE_DIR}/packaging/depends)
+    add_custom_command(
+        OUTPUT ${packaged}/depends
+        DEPENDS ${wanted} ${depends}
+        COMMAND ${depends} ${CMAKE_READELF} ${qt} ${packaged}/${library} ${packaged}/hxdcheck-host
+            > ${packaged}/depends
+        VERBATIM)
+    list(APPEND wanted ${packaged}/depends)
+    file(WRITE ${packaged}/depends.cmake
+        "file(STRINGS ${packaged}/depends CPACK_DEBIAN_DRIVER_PACKAGE_DEPENDS)\n")
+    set(CPACK_PROJECT_CONFIG_FILE ${packaged}/depends.cmake)
+endif()
+add_custom_target(hxdcontrol_stripped DEPENDS ${wanted})
 file(CONFIGURE OUTPUT ${packaged}/VERSION CONTENT "${PROJECT_VERSION}\n")
 
 set(documents share/doc/hxdcontrol)
@@ -28,13 +53,12 @@ install(FILES ${packaged}/${library} DESTINATION ${HXD_PLUGIN_DIR} COMPONENT dri
 install(PROGRAMS ${programs} DESTINATION bin COMPONENT driver)
 install(FILES ${packaged}/${library}.debug DESTINATION lib/debug/usr/${HXD_PLUGIN_DIR}
     COMPONENT debug)
-install(FILES README.md CHANGELOG.md cmake/copyright ${packaged}/VERSION DESTINATION ${documents}
+install(FILES README.md CHANGELOG.md packaging/copyright ${packaged}/VERSION DESTINATION ${documents}
     COMPONENT driver)
 install(DIRECTORY docs/ DESTINATION ${documents}/docs COMPONENT driver)
 
 set(CPACK_PACKAGE_NAME hxdcontrol)
 set(CPACK_PACKAGE_VENDOR hxdcontrol)
-set(CPACK_PACKAGE_CONTACT "hxdcontrol maintainers <hxdcontrol@example.invalid>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Device driver of a touch panel for its HMI runtime")
 set(CPACK_GENERATOR TGZ DEB)
 set(CPACK_COMPONENTS_ALL driver debug)
@@ -48,14 +72,6 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE armhf)
 set(CPACK_DEBIAN_DRIVER_PACKAGE_NAME hxdcontrol)
 set(CPACK_DEBIAN_DRIVER_PACKAGE_SECTION libs)
-if(HXD_QT EQUAL 4)
-    set(depends "libc6, libgcc1 | libgcc-s1, libstdc++6, libqtcore4, libqtgui4")
-else()
-    set(depends "libc6 (>= 2.36), libgcc-s1, libstdc++6 (>= 12), libqt5core5a (>= 5.15), libqt5gui5 (>= 5.15)")
-endif()
-set(HXD_PACKAGE_DEPENDS "${depends}" CACHE STRING
-    "What the .deb depends on; the default is for Debian 12's own libraries")
-set(CPACK_DEBIAN_DRIVER_PACKAGE_DEPENDS "${HXD_PACKAGE_DEPENDS}")
 set(CPACK_DEBIAN_DEBUG_PACKAGE_NAME hxdcontrol-dbgsym)
 set(CPACK_DEBIAN_DEBUG_PACKAGE_SECTION debug)
 set(CPACK_DEBIAN_DEBUG_PACKAGE_DEPENDS "hxdcontrol (= ${PROJECT_VERSION})")

@@ -1,6 +1,10 @@
-# HxdVersion.h: version and commit, known when CMake runs, which it does anew after each commit.
-execute_process(COMMAND git -C ${CMAKE_SOURCE_DIR} describe --always --dirty=-changed --abbrev=12 --exclude=*
-    OUTPUT_VARIABLE HXD_COMMIT OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
+# HxdVersion.h: version and commit, known when CMake runs, which it does anew after each commit. Sources
+# without their history are told: HXD_COMMIT in the environment.
+set(HXD_COMMIT $ENV{HXD_COMMIT})
+if(NOT HXD_COMMIT)
+    execute_process(COMMAND git -C ${CMAKE_SOURCE_DIR} describe --always --dirty=-changed --abbrev=12 --exclude=*
+        OUTPUT_VARIABLE HXD_COMMIT OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
+endif()
 if(NOT HXD_COMMIT)
     set(HXD_COMMIT unknown)
 endif()

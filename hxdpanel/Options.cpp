@@ -1,5 +1,7 @@
 #include "hxdpanel/Options.h"
 
+#include "HxdVersion.h"
+
 #include <CLI/CLI.hpp>
 
 #include <unistd.h>
@@ -227,6 +229,7 @@ void ExplainExtras(const std::vector<std::string>& words) {
 bool ParseOptions(int argc, const char* const* argv, Options& options, int& exitCode) {
     CLI::App app(DESCRIPTION, "hxdpanel");
     app.footer(Footer());
+    app.set_version_flag("--version", HXD_VERSION_TEXT, "Print the version and exit");
     app.fallthrough();
     app.require_subcommand(0, 1);
     ParseBlob(DEFAULT_BLOB, options.blob);

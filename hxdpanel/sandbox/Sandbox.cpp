@@ -54,13 +54,12 @@ std::string DataFolder(const char* name) {
 
 // What comes with the program: in the source tree, or beside an installed program. "" if missing.
 std::string Companion(const std::string& name) {
-    for (const std::string& folder : {std::string(HXD_PANEL_SOURCES), ExecutableFolder()}) {
-        std::string path = folder;
-        path.append("/").append(name);
-        if (::access(path.c_str(), R_OK) == 0)
-            return path;
-    }
-    return "";
+#ifdef HXD_PANEL_SOURCES
+    const std::string path = HXD_PANEL_SOURCES "/" + name;
+#else
+    const std::string path = ExecutableFolder() + "/" + name;
+#endif
+    return ::access(path.c_str(), R_OK) == 0 ? path : "";
 }
 
 std::string PanelFolder(const Setup& setup) {
