@@ -81,6 +81,8 @@ void AddGeneralOptions(CLI::App& app, Options& options) {
                    "Folder of the panel: panel.ini describes its hardware, root/ its files")
         ->check(NotEmpty)
         ->type_name("DIR");
+    app.add_flag("--over-default", options.overDefault,
+                 "Lay the folder of --panel over the default panel instead of replacing it");
     app.add_option("--root", options.root,
                    "Keep the panel's files in DIR (default: a folder among the user's data; with "
                    "--panel fresh files)")
@@ -118,6 +120,7 @@ void AddGeneralOptions(CLI::App& app, Options& options) {
 void AddInsideOptions(CLI::App& app, sandbox::Setup::Inside& inside) {
     app.add_flag("--launched", inside.launched)->group("");
     app.add_option("--csv-descriptor", inside.csvDescriptor)->group("");
+    app.add_option("--folder-descriptor", inside.folderDescriptor)->group("");
     app.add_option("--stop-descriptor", inside.stopDescriptor)->group("");
     app.add_option("--driver-inside", inside.driver)->group("");
     app.add_option("--history-folder", inside.historyFolder)->group("");

@@ -11,6 +11,7 @@
 #include "hxdpanel/host/DriverOutput.h"
 #include "hxdpanel/host/HostDatabase.h"
 #include "hxdpanel/host/LockPlugin.h"
+#include "hxdpanel/panel/HardwareCommands.h"
 #include "hxdpanel/panel/HardwareMemory.h"
 #include "hxdpanel/panel/PanelNetwork.h"
 #include "hxdpanel/panel/SimulatedPanel.h"
@@ -194,7 +195,14 @@ int RunPanel(const Options& options, int argc, char** argv) {
                      StatusMeaning(device.InitStatus()));
         return EXIT_NO_DRIVER;
     }
-    Session session(database, device, output, memory, plugin, files);
+    const auto restartDriver = [&] {
+        const MutedDriver muted(output);
+        device.Restart();
+        return device.InitStatus() == HOST_OK;
+    };
+    HardwareCommands hardware(PanelRestart(files, memory, restartDriver), files.panels);
+    device.SetBeforeCall([&] { hardware.Load().BringUpToDate(); });
+    Session session(database, device, output, memory, hardware, plugin, files);
     if (options.json)
         session.UseJson(LayoutOf(options));
     int exitCode = EXIT_DONE;

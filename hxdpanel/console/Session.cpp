@@ -6,6 +6,7 @@
 #include "hxdpanel/base/ExitCode.h"
 #include "hxdpanel/base/Terminal.h"
 #include "hxdpanel/base/Text.h"
+#include "hxdpanel/panel/HardwareCommands.h"
 #include "hxdpanel/panel/HardwareMemory.h"
 #include "hxdpanel/report/ChannelChoice.h"
 #include "hxdpanel/report/ChannelReport.h"
@@ -62,6 +63,17 @@ bool ChannelValue(const ChannelRow& row, const std::string& text, HostValue& val
     return true;
 }
 
+// Which channels a change of the hardware concerns; all of them go without saying.
+std::string ConcernText(const std::vector<int>& channels) {
+    std::string text;
+    if (channels.empty() || channels.size() == CHANNEL_COUNT)
+        return text;
+    for (const int number : channels)
+        text += (text.empty() ? "concerns " : ", ") + std::to_string(number) + " " +
+                FindChannel(number)->name;
+    return text + "\n";
+}
+
 // What an ExecNTP has left in its result variable.
 std::string SyncText(const HostDatabase& database, const HostDatabase::Trace& trace) {
     HostValue result;
@@ -74,11 +86,13 @@ std::string SyncText(const HostDatabase& database, const HostDatabase::Trace& tr
 }  // namespace
 
 Session::Session(HostDatabase& database, Device& device, DriverOutput& output,
-                 HardwareMemory& memory, const IVNCLock* plugin, const PanelFiles& files)
+                 HardwareMemory& memory, HardwareCommands& hardware, const IVNCLock* plugin,
+                 const PanelFiles& files)
     : m_database(database),
       m_device(device),
       m_output(output),
       m_memory(memory),
+      m_hardware(hardware),
       m_out(output.Results()),
       m_plugin(plugin),
       m_files(files) {}
@@ -117,6 +131,8 @@ int Session::PrintHelp(std::FILE* out, const std::string& topic, const JsonLayou
     topics.reserve(ConsoleCommands().size());
     for (const ConsoleCommand& command : ConsoleCommands())
         topics.push_back(command.topic);
+    for (const HardwareCommands::Row& row : HardwareCommands::Table())
+        topics.push_back({row.name, row.arguments, row.summary});
     return ::PrintHelp(out, topic, topics, json);
 }
 
@@ -132,6 +148,8 @@ std::vector<std::string> Session::AllNames() {
     std::vector<std::string> names;
     for (const ConsoleCommand& command : ConsoleCommands())
         names.emplace_back(command.topic.name);
+    for (const HardwareCommands::Row& row : HardwareCommands::Table())
+        names.emplace_back(row.name);
     for (const CommandInfo& command : CommandReference())
         names.push_back(command.name + std::string("("));
     return names;
@@ -156,7 +174,9 @@ std::string Session::NoMeaning(const std::string& line) {
 bool Session::Understands(const std::string& line, std::string& error) {
     CommandText parsed;
     const std::string trimmed = Trimmed(line);
-    if (trimmed.empty() || FindConsoleCommand(Split(trimmed).first) != nullptr ||
+    if (trimmed.empty() || trimmed[0] == '#' ||
+        FindConsoleCommand(Split(trimmed).first) != nullptr ||
+        HardwareCommands::Find(Split(trimmed).first) != nullptr ||
         ParseCommandText(trimmed, parsed))
         return true;
     error = NoMeaning(trimmed);
@@ -168,14 +188,33 @@ int Session::Run(const std::string& line) {
     if (!Understands(line, error))
         return Complain(error);
     const Words words = Split(line);
-    if (words.first.empty())
+    if (words.first.empty() || words.first[0] == '#')
         return EXIT_DONE;
+    if (HardwareCommands::Find(words.first) != nullptr)
+        return RunHardware(line);
     const ConsoleCommand* const command = FindConsoleCommand(words.first);
     if (command == nullptr)
         return RunDriverCommand(Trimmed(line));
     if (*command->topic.arguments == '\0' && !words.rest.empty())
         return Complain("usage: " + words.first + ", without " + Quoted(words.rest));
     return (this->*command->run)(words.rest);
+}
+
+int Session::RunHardware(const std::string& line) {
+    m_memory.Save();
+    const HardwareResult result = m_hardware.Run(line);
+    m_memory.Save();
+    if (!result.ok)
+        return Complain(result.message);
+    Collect();
+    if (m_json)
+        PrintJson(m_out, m_layout, "hardware",
+                  {{"message", result.message}, {"channels", result.channels}});
+    else
+        std::fprintf(m_out, "%s\n%s", Visible(result.message).c_str(),
+                     ConcernText(result.channels).c_str());
+    std::fflush(m_out);
+    return EXIT_DONE;
 }
 
 int Session::RunDriverCommand(const std::string& text) {
@@ -437,6 +476,8 @@ std::vector<std::string> Session::Completions(const std::string& line) const {
     std::vector<std::string> candidates;
     if (separator == std::string::npos || first == "help")
         candidates = AllNames();
+    if (HardwareCommands::Find(first) != nullptr && separator != std::string::npos)
+        return HardwareCommands::Candidates(line);
     const bool isSecond = Split(line.substr(0, separator)).rest.empty();
     if (separator != std::string::npos &&
         (first == "channels" || first == "watch" ||

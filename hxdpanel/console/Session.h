@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+class HardwareCommands;
 class HardwareMemory;
 struct Outcome;
 
@@ -23,7 +24,7 @@ class Session {
 public:
     // What is passed by reference outlives the session. plugin may be null.
     Session(HostDatabase& database, Device& device, DriverOutput& output, HardwareMemory& memory,
-            const IVNCLock* plugin, const PanelFiles& files);
+            HardwareCommands& hardware, const IVNCLock* plugin, const PanelFiles& files);
 
     // A console command, or a command of the driver as it stands. Blank lines do nothing.
     int Run(const std::string& line);
@@ -61,6 +62,7 @@ private:
     static std::vector<std::string> AllNames();
     static std::string NoMeaning(const std::string& line);
     int RunDriverCommand(const std::string& text);
+    int RunHardware(const std::string& line);
     int RunChannels(const std::string& rest);
     int RunRead(const std::string& rest);
     int RunWatch(const std::string& rest);
@@ -80,6 +82,7 @@ private:
     Device& m_device;
     DriverOutput& m_output;
     HardwareMemory& m_memory;
+    HardwareCommands& m_hardware;
     std::FILE* m_out;
     const IVNCLock* m_plugin;
     PanelFiles m_files;

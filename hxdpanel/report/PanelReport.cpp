@@ -3,10 +3,13 @@
 #include "SimPanel.h"
 #include "hxdpanel/base/Terminal.h"
 #include "hxdpanel/base/Text.h"
+#include "hxdpanel/panel/ClockCommand.h"
 #include "hxdpanel/panel/CommandsRun.h"
+#include "hxdpanel/panel/Faults.h"
 
 #include <algorithm>
 #include <iterator>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -44,7 +47,8 @@ Lines InterfaceLines(const sim::PanelState& state) {
     return Texts(state.interfaces, [](const sim::Interface& interface) {
         const std::string mac =
             interface.macAddress.empty() ? "(no MAC address)" : Visible(interface.macAddress);
-        return RecordText(interface.record) + "  " + mac;
+        return RecordText(interface.record) + "  " + mac +
+               (interface.plugged ? "" : "  (unplugged)");
     });
 }
 
@@ -76,6 +80,20 @@ void PrintList(std::FILE* out, const char* title, const Lines& lines) {
     }
 }
 
+// "ping -c 1 192.0.2.1  x73" for a line that was there before, where it was last.
+Lines Folded(const Lines& lines) {
+    Lines folded;
+    std::map<std::string, int> counts;
+    for (const std::string& line : lines)
+        ++counts[line];
+    std::map<std::string, int> left = counts;
+    for (const std::string& line : lines) {
+        if (--left[line] == 0)
+            folded.push_back(line + (counts[line] > 1 ? "  x" + std::to_string(counts[line]) : ""));
+    }
+    return folded;
+}
+
 template <class ITEMS, class OBJECT>
 Json Objects(const ITEMS& items, OBJECT object) {
     Json list = Json::array();
@@ -95,6 +113,7 @@ Json RecordJson(const hal_network_t& record) {
 Json InterfaceJson(const sim::Interface& interface) {
     Json object = RecordJson(interface.record);
     object["mac"] = interface.macAddress;
+    object["plugged"] = interface.plugged;
     return object;
 }
 
@@ -140,6 +159,7 @@ Json PanelJson(const PanelSource& source) {
             {"interfaces", Objects(state.interfaces, InterfaceJson)},
             {"files", source.filesOutside.empty() ? Json(nullptr) : Json(source.filesOutside)},
             {"kept", source.kept},
+            {"failures", faults::List()},
             {"events", EventsJson(state)}};
 }
 
@@ -159,6 +179,8 @@ void PrintPanel(std::FILE* out, const PanelSource& source) {
                   : Visible(source.filesOutside) + ", kept (--fresh runs without, rm -r resets)");
     if (!source.filesOutside.empty())
         PrintList(out, "Kept settings", source.kept);
+    PrintItem(out, "Clock", ClockState());
+    PrintList(out, "Failures", faults::List());
     const auto same = [](const std::string& text) { return Visible(text); };
     const std::pair<const char*, Lines> events[] = {
         {"Beeps", Texts(state.beeps, BeepText)},
@@ -171,7 +193,7 @@ void PrintPanel(std::FILE* out, const PanelSource& source) {
     std::fputs("\nSince the start of this run:\n", out);
     bool any = false;
     for (const auto& event : events) {
-        PrintList(out, event.first, event.second);
+        PrintList(out, event.first, Folded(event.second));
         any = any || !event.second.empty();
     }
     if (!any)
