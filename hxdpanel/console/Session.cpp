@@ -63,6 +63,10 @@ bool ChannelValue(const ChannelRow& row, const std::string& text, HostValue& val
     return true;
 }
 
+bool IsKnown(const std::string& name, const CommandInfo* info) {
+    return info != nullptr && (!info->row.IsOfRegistry() || name == info->name);
+}
+
 // Which channels a change of the hardware concerns; all of them go without saying.
 std::string ConcernText(const std::vector<int>& channels) {
     std::string text;
@@ -116,6 +120,9 @@ const std::vector<Session::ConsoleCommand>& Session::ConsoleCommands() {
         {{"ntp", "", "show the time settings and what the clocks were set to"}, &Session::RunNtp},
         {{"help", "[COMMAND]", "this list, or more about a command or a channel's number"},
          &Session::RunHelp},
+        {{"record", "FILE|off",
+          "write a script of what is typed from now on, with the results as its expectations"},
+         &Session::RunRecord},
         {{"quit", "", "leave (Ctrl-D too)"}, &Session::RunQuit},
     };
     return commands;
@@ -187,9 +194,19 @@ int Session::Run(const std::string& line) {
     std::string error;
     if (!Understands(line, error))
         return Complain(error);
-    const Words words = Split(line);
-    if (words.first.empty() || words.first[0] == '#')
+    m_result = LineResult();
+    const std::string first = Split(line).first;
+    if (first.empty() || first[0] == '#')
         return EXIT_DONE;
+    const bool wasOn = m_recorder.IsOn();
+    const int exitCode = RunMeaningful(line);
+    if (wasOn && (exitCode != EXIT_USAGE || !m_result.isKnown) && first != "record")
+        m_recorder.Add(line, m_result, m_database);
+    return exitCode;
+}
+
+int Session::RunMeaningful(const std::string& line) {
+    const Words words = Split(line);
     if (HardwareCommands::Find(words.first) != nullptr)
         return RunHardware(line);
     const ConsoleCommand* const command = FindConsoleCommand(words.first);
@@ -242,7 +259,11 @@ int Session::RunDriverCommand(const std::string& text) {
         outcome.notes.push_back("no file was saved; see help " + std::string(info->name));
     for (const std::string& hint : CommandHints(parsed, info, outcome.status, m_database, trace))
         outcome.notes.push_back(hint);
-    return Report(outcome);
+    const int exitCode = Report(outcome);
+    m_result.isKnown = IsKnown(parsed.name, info);
+    if (m_bScript && m_hardware.TakeReboot())
+        return RunHardware("restart");
+    return m_result.isKnown ? exitCode : EXIT_USAGE;
 }
 
 int Session::Report(const Outcome& outcome) {
@@ -250,7 +271,21 @@ int Session::Report(const Outcome& outcome) {
         PrintJson(m_out, m_layout, outcome.Kind(), OutcomeJson(m_database, outcome));
     else
         PrintOutcome(m_out, m_database, outcome);
+    m_result.hasStatus = true;
+    m_result.status = outcome.status;
+    m_result.statusText = StatusText(outcome.status, outcome.meaning);
+    m_result.variables = outcome.variables;
+    if (outcome.channel != 0)
+        m_result.channels = {outcome.channel};
     return ExitFor(outcome.status);
+}
+
+void Session::BeScript(bool echo) {
+    m_bScript = true;
+    m_hardware.HoldReboots();
+    static std::FILE* const nowhere = std::fopen("/dev/null", "w");
+    if (!echo && nowhere != nullptr)
+        m_out = nowhere;
 }
 
 int Session::Collect() {
@@ -274,6 +309,7 @@ int Session::ShowChannels(const std::vector<std::string>& channels) {
     if (!ChooseChannels(channels, HighestChannel(m_database), numbers, error))
         return Complain(error);
     const ShownChannels shown = ::ShowChannels(m_database, numbers);
+    m_result.channels = numbers;
     if (m_json)
         PrintJson(m_out, m_layout, "channels",
                   {{"status", JsonStatus(status, StatusMeaning(status))},
@@ -292,6 +328,7 @@ int Session::Read(const std::string& channel) {
         return Complain(error);
     const ShownChannel shown = ShowChannel(m_database, number);
     const HostValue& value = shown.received.value;
+    m_result.channels = {number};
     if (m_json)
         PrintJson(m_out, m_layout, "read",
                   {{"status", JsonStatus(status, StatusMeaning(status))},
@@ -462,6 +499,24 @@ int Session::RunPanel(const std::string&) {
 
 int Session::RunHelp(const std::string& rest) {
     return PrintHelp(m_out, rest, AsJson());
+}
+
+int Session::RunRecord(const std::string& rest) {
+    std::string error;
+    bool done = true;
+    const std::string stopped = m_recorder.Stop(done);
+    if (!done)
+        return Complain("not all of " + Quoted(stopped) + " could be written");
+    if (!stopped.empty())
+        std::fprintf(m_out, "recorded %s\n", Visible(stopped).c_str());
+    if (rest == "off")
+        return stopped.empty() ? Complain("nothing is being recorded") : EXIT_DONE;
+    if (rest.empty())
+        return Complain("usage: record FILE, or record off");
+    if (!m_recorder.Start(m_files.userFolder, rest, error))
+        return Complain(error);
+    std::fprintf(m_out, "recording %s until record off\n", Visible(rest).c_str());
+    return EXIT_DONE;
 }
 
 int Session::RunQuit(const std::string&) {

@@ -3,6 +3,8 @@
 #define HXDPANEL_SESSION_H
 
 #include "hxdpanel/console/Help.h"
+#include "hxdpanel/console/LineResult.h"
+#include "hxdpanel/console/Recorder.h"
 #include "hxdpanel/host/Device.h"
 #include "hxdpanel/host/DriverOutput.h"
 #include "hxdpanel/host/HostDatabase.h"
@@ -31,6 +33,13 @@ public:
     // False, with a message for the user, when Run() would find no meaning in the line.
     static bool Understands(const std::string& line, std::string& error);
     bool Ended() const { return m_bEnded; }  // after quit
+
+    // A reboot restarts the panel from now on, and results are printed only if echo says so.
+    void BeScript(bool echo);
+    // What the last line of Run() did.
+    const LineResult& Result() const { return m_result; }
+    const HostDatabase& Database() const { return m_database; }
+    int Refresh();  // has the driver read everything anew and deliver it
 
     // Results as JSON objects from now on.
     void UseJson(JsonLayout layout);
@@ -72,9 +81,11 @@ private:
     int RunNtp(const std::string& rest);
     int RunPanel(const std::string& rest);
     int RunHelp(const std::string& rest);
+    int RunRecord(const std::string& rest);
     int RunQuit(const std::string& rest);
 
-    int Refresh();
+    int RunMeaningful(const std::string& line);
+
     const JsonLayout* AsJson() const { return m_json ? &m_layout : nullptr; }
     int Report(const Outcome& outcome);
 
@@ -87,6 +98,9 @@ private:
     const IVNCLock* m_plugin;
     PanelFiles m_files;
     SavedFiles m_savedFiles;
+    LineResult m_result;
+    Recorder m_recorder;
+    bool m_bScript = false;
     bool m_json = false;
     JsonLayout m_layout = JsonLayout::DOCUMENT;
     std::string m_strLastSync;  // answer of the last ExecNTP

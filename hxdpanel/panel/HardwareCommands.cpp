@@ -8,6 +8,7 @@
 #include "hxdpanel/panel/ClockCommand.h"
 #include "hxdpanel/panel/Faults.h"
 #include "hxdpanel/panel/StorageWear.h"
+#include "hxdpanel/sandbox/GuardedCalls.h"
 
 #include <sstream>
 
@@ -180,4 +181,12 @@ HardwareResult HardwareCommands::Run(const std::string& line) {
     if (row == nullptr)
         return HardwareResult::Refused("this is no command of the hardware");
     return row->run(*this, Words(words.begin() + 1, words.end()));
+}
+
+void HardwareCommands::HoldReboots() {
+    guard::HoldReboots();
+}
+
+bool HardwareCommands::TakeReboot() {
+    return guard::TakeReboot();
 }

@@ -13,6 +13,7 @@ struct PanelFiles {
     std::vector<std::string> panels;  // folders of the description; later ones count first
     std::string outside;    // where they lie on the machine; empty: they are gone after this run
     std::string memory;     // the file that keeps the hardware's settings
+    int userFolder = -1;    // descriptor of the folder that the user is in; -1: not reachable
     bool isPrivate = true;  // false in guarded mode: absolute paths are the machine's own
 };
 

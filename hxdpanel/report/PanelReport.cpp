@@ -94,6 +94,32 @@ Lines Folded(const Lines& lines) {
     return folded;
 }
 
+Lines Hits(const sim::PanelState& state) {
+    Lines lines;
+    for (const auto& failure : state.failures)
+        lines.insert(lines.end(), static_cast<std::size_t>(failure.second.hits), failure.first);
+    return lines;
+}
+
+struct EventKind {
+    const char* verb;
+    const char* title;
+    Lines (*list)(const sim::PanelState& state);
+};
+const EventKind EVENT_KINDS[] = {
+    {"beeped", "Beeps", [](const sim::PanelState& state) { return Texts(state.beeps, BeepText); }},
+    {"reloaded", "Settings reloads",
+     [](const sim::PanelState& state) { return Texts(state.guiCalls, Visible); }},
+    {"addressed", "Interfaces set",
+     [](const sim::PanelState& state) { return Texts(state.appliedRecords, RecordText); }},
+    {"clocked", "Clock set",
+     [](const sim::PanelState& state) { return Texts(state.rtcSettings, TimeText); }},
+    {"captured", "Screen captures",
+     [](const sim::PanelState& state) { return Texts(state.captures, CaptureText); }},
+    {"ran", "Commands run", [](const sim::PanelState&) { return CommandsRun(); }},
+    {"failed", nullptr, Hits},  // the failures' own list tells of them
+};
+
 template <class ITEMS, class OBJECT>
 Json Objects(const ITEMS& items, OBJECT object) {
     Json list = Json::array();
@@ -181,21 +207,28 @@ void PrintPanel(std::FILE* out, const PanelSource& source) {
         PrintList(out, "Kept settings", source.kept);
     PrintItem(out, "Clock", ClockState());
     PrintList(out, "Failures", faults::List());
-    const auto same = [](const std::string& text) { return Visible(text); };
-    const std::pair<const char*, Lines> events[] = {
-        {"Beeps", Texts(state.beeps, BeepText)},
-        {"Settings reloads", Texts(state.guiCalls, same)},
-        {"Interfaces set", Texts(state.appliedRecords, RecordText)},
-        {"Clock set", Texts(state.rtcSettings, TimeText)},
-        {"Screen captures", Texts(state.captures, CaptureText)},
-        {"Commands run", CommandsRun()},
-    };
     std::fputs("\nSince the start of this run:\n", out);
     bool any = false;
-    for (const auto& event : events) {
-        PrintList(out, event.first, Folded(event.second));
-        any = any || !event.second.empty();
+    for (const EventKind& kind : EVENT_KINDS) {
+        const Lines events = kind.title != nullptr ? kind.list(state) : Lines();
+        PrintList(out, kind.title, Folded(events));
+        any = any || !events.empty();
     }
     if (!any)
         std::fputs("no beep, setting, address, picture or command yet\n", out);
+}
+
+std::vector<std::string> PanelEvents(const std::string& verb) {
+    for (const EventKind& kind : EVENT_KINDS) {
+        if (verb == kind.verb)
+            return kind.list(sim::SimPanel::instance().state());
+    }
+    return {};
+}
+
+std::vector<std::string> PanelVerbs() {
+    std::vector<std::string> verbs;
+    for (const EventKind& kind : EVENT_KINDS)
+        verbs.emplace_back(kind.verb);
+    return verbs;
 }

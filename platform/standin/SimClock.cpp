@@ -9,8 +9,8 @@ namespace {
 // Far beyond any test, and far enough from the type's limits to add a sleep to it.
 const long long kLastTick = std::numeric_limits<long long>::max() / 4;
 
-const long long kStepMs = 10000;     // short beside what happens every hour
-const long long kMostSteps = 10000;  // of one pass
+const long long kStepMs = 1000;      // short beside what happens every hour
+const long long kMostSteps = 50000;  // of one pass
 const unsigned kAwakeMs = 1000;      // real time for what a sleeper does between two sleeps
 const unsigned kBusyMs = 50;         // real time for a thread that may be about to sleep
 
