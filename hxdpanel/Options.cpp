@@ -197,6 +197,7 @@ void AddSubcommands(CLI::App& app, Options& options) {
                       "Run scripts: lines of the console with what they should lead to");
     script->add_option("FILE", options.scripts, "Scripts, in order; - for standard input")
         ->check(NotEmpty)
+        ->excludes(app.get_option("--json"))
         ->required();
     script->add_flag("--keep-going", options.keepGoing, "Go on after a failure");
     script->add_flag("--echo", options.echo, "Show each line and what it prints");

@@ -88,10 +88,12 @@ void Recorder::AddEvents() {
     for (const std::string& verb : PanelVerbs()) {
         const std::vector<std::string> events = PanelEvents(verb);
         std::size_t& known = m_events[verb];
-        for (std::size_t i = std::min(known, events.size()); i < events.size(); ++i)
-            std::fprintf(m_file.get(), "%sexpect panel %s %s\n",
-                         verb == "ran" || verb == "clocked" || verb == "failed" ? "# " : "",
-                         verb.c_str(), events[i].c_str());
+        for (std::size_t i = std::min(known, events.size()); i < events.size(); ++i) {
+            if (verb != "failed")  // the line that made it fail stands above
+                std::fprintf(m_file.get(), "%sexpect panel %s %s\n",
+                             verb == "ran" || verb == "clocked" ? "# " : "", verb.c_str(),
+                             events[i].c_str());
+        }
         known = events.size();
     }
 }
