@@ -51,8 +51,8 @@ bool Recorder::Start(int folder, const std::string& name, std::string& error) {
 std::string Recorder::Stop(bool& done) {
     done = m_file == nullptr || (std::fflush(m_file.get()) == 0 && std::ferror(m_file.get()) == 0);
     m_file.reset();
-    const std::string name = m_name;
-    m_name.clear();
+    std::string name;
+    name.swap(m_name);
     return name;
 }
 

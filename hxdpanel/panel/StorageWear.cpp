@@ -139,7 +139,7 @@ bool ReadTable(EraseTable& table) {
         return false;
     table.lines = SplitLines(text);
     table.Change([](long long counter, long long) { return counter; });
-    return table.blocks > 0;
+    return true;
 }
 
 HardwareResult StoreTable(const EraseTable& table, const std::string& message,
@@ -153,10 +153,10 @@ HardwareResult StoreTable(const EraseTable& table, const std::string& message,
 // As wear levelling does it: every block in turn.
 HardwareResult WriteNand(long long bytes) {
     EraseTable table;
-    if (!ReadTable(table))
+    if (!ReadTable(table) || table.blocks == 0)
         return Refused("this panel's flash has no erase counters");
-    const long long blockBytes =
-        ReadCount(BLOCK_BYTES) > 0 ? ReadCount(BLOCK_BYTES) : USUAL_BLOCK_BYTES;
+    const long long told = ReadCount(BLOCK_BYTES);
+    const long long blockBytes = told > 0 ? told : USUAL_BLOCK_BYTES;
     const long long erasures = (bytes + blockBytes - 1) / blockBytes;
     const long long each = erasures / table.blocks;
     const long long once = erasures % table.blocks;
@@ -174,7 +174,7 @@ HardwareResult WearErasures(const Words& values) {
     const bool isMore = values.size() == 1 && !values[0].empty() && values[0][0] == '+';
     if (values.size() != 1 || !ParseWhole(values[0].substr(isMore ? 1 : 0), 0, MOST / 2, number))
         return Refused(usage);
-    if (!ReadTable(table))
+    if (!ReadTable(table) || table.blocks == 0)
         return Refused("this panel's flash has no erase counters");
     table.Change([&](long long counter, long long) { return number + (isMore ? counter : 0); });
     return StoreTable(table,

@@ -7,6 +7,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cmath>
 #include <sstream>
 
@@ -61,10 +62,12 @@ SystemLoad::SystemLoad(const std::vector<std::string>& panels) : m_panels(panels
 
 void SystemLoad::Reset() {
     const auto source = [this](const std::string& name) {
-        for (const std::string& panel : m_panels) {
-            if (::access((panel + "/root/proc/" + name).c_str(), F_OK) == 0)
-                return PANEL;
-        }
+        const auto isIn = [&](std::string panel) {
+            panel.append("/root/proc/").append(name);
+            return ::access(panel.c_str(), F_OK) == 0;
+        };
+        if (std::any_of(m_panels.begin(), m_panels.end(), isIn))
+            return PANEL;
         return ::access((MACHINE_FILES + name).c_str(), F_OK) == 0 ? MACHINE : PANEL;
     };
     m_cpu = source("stat");
