@@ -83,6 +83,8 @@ void AddGeneralOptions(CLI::App& app, Options& options) {
                    "Folder of the panel: panel.ini describes its hardware, root/ its files")
         ->check(NotEmpty)
         ->type_name("DIR");
+    app.add_flag("--over-default", options.overDefault,
+                 "Lay the folder of --panel over the default panel instead of replacing it");
     app.add_option("--root", options.root,
                    "Keep the panel's files in DIR (default: a folder among the user's data; with "
                    "--panel fresh files)")
@@ -120,6 +122,7 @@ void AddGeneralOptions(CLI::App& app, Options& options) {
 void AddInsideOptions(CLI::App& app, sandbox::Setup::Inside& inside) {
     app.add_flag("--launched", inside.launched)->group("");
     app.add_option("--csv-descriptor", inside.csvDescriptor)->group("");
+    app.add_option("--folder-descriptor", inside.folderDescriptor)->group("");
     app.add_option("--stop-descriptor", inside.stopDescriptor)->group("");
     app.add_option("--driver-inside", inside.driver)->group("");
     app.add_option("--history-folder", inside.historyFolder)->group("");
@@ -191,6 +194,22 @@ void AddSubcommands(CLI::App& app, Options& options) {
                   "Show the simulated hardware and what the driver did to it");
     AddSubcommand(app, options, Options::NTP, "ntp",
                   "Show the time settings and what the clocks were set to");
+    CLI::App* const script =
+        AddSubcommand(app, options, Options::SCRIPT, "script",
+                      "Run scripts: lines of the console with what they should lead to");
+    script->add_option("FILE", options.scripts, "Scripts, in order; - for standard input")
+        ->check(NotEmpty)
+        ->excludes(app.get_option("--json"))
+        ->required();
+    script->add_flag("--keep-going", options.keepGoing, "Go on after a failure");
+    script->add_flag("--echo", options.echo, "Show each line and what it prints");
+    script->add_flag("--tap", options.tap,
+                     "A line for each expectation, for programs that read TAP");
+    script
+        ->add_option("--junit", options.csv,
+                     "Write a report for a build server; - for standard output")
+        ->check(NotEmpty)
+        ->type_name("FILE");
     CLI::App* const help =
         AddSubcommand(app, options, Options::HELP, "help",
                       "Explain a command of the driver or the console, or list them");
@@ -213,8 +232,8 @@ void PrintUsage(const CLI::App& app) {
 // Words that no option or subcommand takes.
 void ExplainExtras(const std::vector<std::string>& words) {
     const std::string word = words.empty() ? "" : words.front();
-    const std::string closest =
-        Closest(word, {"channels", "read", "exec", "write", "watch", "panel", "ntp", "help"});
+    const std::string closest = Closest(
+        word, {"channels", "read", "exec", "write", "watch", "panel", "ntp", "script", "help"});
     std::string advice = "see hxdpanel --help";
     if (word.find('(') != std::string::npos)
         advice = "to run a command of the driver: hxdpanel exec '" + Visible(word) + "'";

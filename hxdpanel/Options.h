@@ -9,7 +9,7 @@
 #include <vector>
 
 struct Options : sandbox::Setup {
-    enum Mode { CONSOLE, CHANNELS, READ, EXEC, WRITE, WATCH, PANEL, NTP, HELP };
+    enum Mode { CONSOLE, CHANNELS, READ, EXEC, WRITE, WATCH, PANEL, NTP, SCRIPT, HELP };
 
     Mode mode = CONSOLE;
     int channels = 32;
@@ -27,6 +27,9 @@ struct Options : sandbox::Setup {
     double interval = 1.0;  // seconds
     int count = 0;          // 0: until interrupted
     bool changes = false;
+    bool keepGoing = false;
+    bool echo = false;
+    bool tap = false;
     std::string helpTopic;
 };
 

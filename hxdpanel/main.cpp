@@ -11,6 +11,7 @@
 #include "hxdpanel/host/DriverOutput.h"
 #include "hxdpanel/host/HostDatabase.h"
 #include "hxdpanel/host/LockPlugin.h"
+#include "hxdpanel/panel/HardwareCommands.h"
 #include "hxdpanel/panel/HardwareMemory.h"
 #include "hxdpanel/panel/PanelNetwork.h"
 #include "hxdpanel/panel/SimulatedPanel.h"
@@ -18,6 +19,7 @@
 #include "hxdpanel/panel/TimeServerSetting.h"
 #include "hxdpanel/sandbox/GuardedCalls.h"
 #include "hxdpanel/sandbox/Sandbox.h"
+#include "hxdpanel/script/RunScripts.h"
 
 #include <QCoreApplication>
 
@@ -103,6 +105,29 @@ int RunWatch(Session& session, const Options& options, std::FILE* results) {
     return csv == results || Written(csv, options.csv.c_str()) ? exitCode : EXIT_USAGE;
 }
 
+int RunScriptFiles(Session& session, const Options& options, DriverOutput& output) {
+    std::FILE* const results = output.Results();
+    std::FILE* junit = nullptr;
+    std::vector<ScriptFile> files;
+    for (std::size_t i = 0; i < options.scripts.size(); ++i)
+        files.push_back({options.scripts[i] == "-" ? "stdin" : options.scripts[i],
+                         sandbox::ScriptInside(options, i)});
+    if (!options.csv.empty() && (junit = OpenCsv(options, results)) == nullptr) {
+        std::fprintf(stderr, "hxdpanel: cannot write %s: %s\n", options.csv.c_str(),
+                     std::strerror(errno));
+        return EXIT_USAGE;
+    }
+    const std::unique_ptr<std::FILE, FileCloser> owner(junit != results ? junit : nullptr);
+    std::unique_ptr<MutedDriver> muted;
+    if (!options.echo)
+        muted = std::make_unique<MutedDriver>(output);
+    const int exitCode =
+        RunScripts(session, files, {options.keepGoing, options.echo},
+                   options.tap ? ScriptReport::TAP : ScriptReport::SUMMARY, results, junit);
+    const bool isApart = junit != nullptr && junit != results;
+    return !isApart || Written(junit, options.csv.c_str()) ? exitCode : EXIT_USAGE;
+}
+
 int RunMode(Session& session, const Options& options, DriverOutput& output) {
     switch (options.mode) {
         case Options::CHANNELS:
@@ -120,6 +145,8 @@ int RunMode(Session& session, const Options& options, DriverOutput& output) {
             return session.ShowPanel();
         case Options::NTP:
             return session.ShowTime();
+        case Options::SCRIPT:
+            return RunScriptFiles(session, options, output);
         default:
             session.Collect();  // as a host does before anybody types
             return RunConsole(
@@ -162,6 +189,9 @@ int RunPanel(const Options& options, int argc, char** argv) {
     PanelFiles files;
     if (!SetUpPanel(options, options.logLevel, files))
         return EXIT_NO_PANEL;
+    files.userFolder = options.inside.launched ? options.inside.folderDescriptor : AT_FDCWD;
+    if (files.userFolder >= 0)
+        ::fcntl(files.userFolder, F_SETFD, FD_CLOEXEC);
     HardwareMemory memory(files.memory);
     // Owned by the application object, under which the driver looks for it.
     const IVNCLock* const plugin = options.lockPlugin ? new LockPlugin(&application) : nullptr;
@@ -194,7 +224,14 @@ int RunPanel(const Options& options, int argc, char** argv) {
                      StatusMeaning(device.InitStatus()));
         return EXIT_NO_DRIVER;
     }
-    Session session(database, device, output, memory, plugin, files);
+    const auto restartDriver = [&] {
+        const MutedDriver muted(output);
+        device.Restart();
+        return device.InitStatus() == HOST_OK;
+    };
+    HardwareCommands hardware(PanelRestart(files, memory, restartDriver), files.panels);
+    device.SetBeforeCall([&] { hardware.Load().BringUpToDate(); });
+    Session session(database, device, output, memory, hardware, plugin, files);
     if (options.json)
         session.UseJson(LayoutOf(options));
     int exitCode = EXIT_DONE;

@@ -19,7 +19,7 @@ struct ExitMeaning {
 };
 constexpr ExitMeaning EXIT_MEANINGS[] = {
     {EXIT_DONE, "done"},
-    {EXIT_STATUS, "the driver reported a status other than 0"},
+    {EXIT_STATUS, "the driver reported a status other than 0, or a script's expectation failed"},
     {EXIT_USAGE, "wrong usage, or the results cannot be written"},
     {EXIT_NO_DRIVER, "the driver cannot be loaded or initialised"},
     {EXIT_NO_PANEL, "the panel's description or files cannot be used"},

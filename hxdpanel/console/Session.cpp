@@ -6,6 +6,7 @@
 #include "hxdpanel/base/ExitCode.h"
 #include "hxdpanel/base/Terminal.h"
 #include "hxdpanel/base/Text.h"
+#include "hxdpanel/panel/HardwareCommands.h"
 #include "hxdpanel/panel/HardwareMemory.h"
 #include "hxdpanel/report/ChannelChoice.h"
 #include "hxdpanel/report/ChannelReport.h"
@@ -62,6 +63,21 @@ bool ChannelValue(const ChannelRow& row, const std::string& text, HostValue& val
     return true;
 }
 
+bool IsKnown(const std::string& name, const CommandInfo* info) {
+    return info != nullptr && (!info->row.IsOfRegistry() || name == info->name);
+}
+
+// Which channels a change of the hardware concerns; all of them go without saying.
+std::string ConcernText(const std::vector<int>& channels) {
+    std::string text;
+    if (channels.empty() || channels.size() == CHANNEL_COUNT)
+        return text;
+    for (const int number : channels)
+        text += (text.empty() ? "concerns " : ", ") + std::to_string(number) + " " +
+                FindChannel(number)->name;
+    return text + "\n";
+}
+
 // What an ExecNTP has left in its result variable.
 std::string SyncText(const HostDatabase& database, const HostDatabase::Trace& trace) {
     HostValue result;
@@ -74,11 +90,13 @@ std::string SyncText(const HostDatabase& database, const HostDatabase::Trace& tr
 }  // namespace
 
 Session::Session(HostDatabase& database, Device& device, DriverOutput& output,
-                 HardwareMemory& memory, const IVNCLock* plugin, const PanelFiles& files)
+                 HardwareMemory& memory, HardwareCommands& hardware, const IVNCLock* plugin,
+                 const PanelFiles& files)
     : m_database(database),
       m_device(device),
       m_output(output),
       m_memory(memory),
+      m_hardware(hardware),
       m_out(output.Results()),
       m_plugin(plugin),
       m_files(files) {}
@@ -102,6 +120,9 @@ const std::vector<Session::ConsoleCommand>& Session::ConsoleCommands() {
         {{"ntp", "", "show the time settings and what the clocks were set to"}, &Session::RunNtp},
         {{"help", "[COMMAND]", "this list, or more about a command or a channel's number"},
          &Session::RunHelp},
+        {{"record", "FILE|off",
+          "write a script of what is typed from now on, with the results as its expectations"},
+         &Session::RunRecord},
         {{"quit", "", "leave (Ctrl-D too)"}, &Session::RunQuit},
     };
     return commands;
@@ -117,6 +138,8 @@ int Session::PrintHelp(std::FILE* out, const std::string& topic, const JsonLayou
     topics.reserve(ConsoleCommands().size());
     for (const ConsoleCommand& command : ConsoleCommands())
         topics.push_back(command.topic);
+    for (const HardwareCommands::Row& row : HardwareCommands::Table())
+        topics.push_back({row.name, row.arguments, row.summary});
     return ::PrintHelp(out, topic, topics, json);
 }
 
@@ -132,6 +155,8 @@ std::vector<std::string> Session::AllNames() {
     std::vector<std::string> names;
     for (const ConsoleCommand& command : ConsoleCommands())
         names.emplace_back(command.topic.name);
+    for (const HardwareCommands::Row& row : HardwareCommands::Table())
+        names.emplace_back(row.name);
     for (const CommandInfo& command : CommandReference())
         names.push_back(command.name + std::string("("));
     return names;
@@ -156,7 +181,9 @@ std::string Session::NoMeaning(const std::string& line) {
 bool Session::Understands(const std::string& line, std::string& error) {
     CommandText parsed;
     const std::string trimmed = Trimmed(line);
-    if (trimmed.empty() || FindConsoleCommand(Split(trimmed).first) != nullptr ||
+    if (trimmed.empty() || trimmed[0] == '#' ||
+        FindConsoleCommand(Split(trimmed).first) != nullptr ||
+        HardwareCommands::Find(Split(trimmed).first) != nullptr ||
         ParseCommandText(trimmed, parsed))
         return true;
     error = NoMeaning(trimmed);
@@ -167,15 +194,44 @@ int Session::Run(const std::string& line) {
     std::string error;
     if (!Understands(line, error))
         return Complain(error);
-    const Words words = Split(line);
-    if (words.first.empty())
+    m_result = LineResult();
+    const std::string first = Split(line).first;
+    if (first.empty() || first[0] == '#')
         return EXIT_DONE;
+    const bool wasOn = m_recorder.IsOn();
+    const int exitCode = RunMeaningful(line);
+    if (wasOn && (exitCode != EXIT_USAGE || !m_result.isKnown) && first != "record")
+        m_recorder.Add(line, m_result, m_database);
+    return exitCode;
+}
+
+int Session::RunMeaningful(const std::string& line) {
+    const Words words = Split(line);
+    if (HardwareCommands::Find(words.first) != nullptr)
+        return RunHardware(line);
     const ConsoleCommand* const command = FindConsoleCommand(words.first);
     if (command == nullptr)
         return RunDriverCommand(Trimmed(line));
     if (*command->topic.arguments == '\0' && !words.rest.empty())
         return Complain("usage: " + words.first + ", without " + Quoted(words.rest));
     return (this->*command->run)(words.rest);
+}
+
+int Session::RunHardware(const std::string& line) {
+    m_memory.Save();
+    const HardwareResult result = m_hardware.Run(line);
+    m_memory.Save();
+    if (!result.ok)
+        return Complain(result.message);
+    Collect();
+    if (m_json)
+        PrintJson(m_out, m_layout, "hardware",
+                  {{"message", result.message}, {"channels", result.channels}});
+    else
+        std::fprintf(m_out, "%s\n%s", Visible(result.message).c_str(),
+                     ConcernText(result.channels).c_str());
+    std::fflush(m_out);
+    return EXIT_DONE;
 }
 
 int Session::RunDriverCommand(const std::string& text) {
@@ -203,7 +259,11 @@ int Session::RunDriverCommand(const std::string& text) {
         outcome.notes.push_back("no file was saved; see help " + std::string(info->name));
     for (const std::string& hint : CommandHints(parsed, info, outcome.status, m_database, trace))
         outcome.notes.push_back(hint);
-    return Report(outcome);
+    const int exitCode = Report(outcome);
+    m_result.isKnown = IsKnown(parsed.name, info);
+    if (m_bScript && m_hardware.TakeReboot())
+        return RunHardware("restart");
+    return m_result.isKnown ? exitCode : EXIT_USAGE;
 }
 
 int Session::Report(const Outcome& outcome) {
@@ -211,7 +271,21 @@ int Session::Report(const Outcome& outcome) {
         PrintJson(m_out, m_layout, outcome.Kind(), OutcomeJson(m_database, outcome));
     else
         PrintOutcome(m_out, m_database, outcome);
+    m_result.hasStatus = true;
+    m_result.status = outcome.status;
+    m_result.statusText = StatusText(outcome.status, outcome.meaning);
+    m_result.variables = outcome.variables;
+    if (outcome.channel != 0)
+        m_result.channels = {outcome.channel};
     return ExitFor(outcome.status);
+}
+
+void Session::BeScript(bool echo) {
+    m_bScript = true;
+    m_hardware.HoldReboots();
+    static std::FILE* const nowhere = std::fopen("/dev/null", "w");
+    if (!echo && nowhere != nullptr)
+        m_out = nowhere;
 }
 
 int Session::Collect() {
@@ -235,6 +309,7 @@ int Session::ShowChannels(const std::vector<std::string>& channels) {
     if (!ChooseChannels(channels, HighestChannel(m_database), numbers, error))
         return Complain(error);
     const ShownChannels shown = ::ShowChannels(m_database, numbers);
+    m_result.channels = numbers;
     if (m_json)
         PrintJson(m_out, m_layout, "channels",
                   {{"status", JsonStatus(status, StatusMeaning(status))},
@@ -253,6 +328,7 @@ int Session::Read(const std::string& channel) {
         return Complain(error);
     const ShownChannel shown = ShowChannel(m_database, number);
     const HostValue& value = shown.received.value;
+    m_result.channels = {number};
     if (m_json)
         PrintJson(m_out, m_layout, "read",
                   {{"status", JsonStatus(status, StatusMeaning(status))},
@@ -425,6 +501,24 @@ int Session::RunHelp(const std::string& rest) {
     return PrintHelp(m_out, rest, AsJson());
 }
 
+int Session::RunRecord(const std::string& rest) {
+    std::string error;
+    bool done = true;
+    const std::string stopped = m_recorder.Stop(done);
+    if (!done)
+        return Complain("not all of " + Quoted(stopped) + " could be written");
+    if (!stopped.empty())
+        std::fprintf(m_out, "recorded %s\n", Visible(stopped).c_str());
+    if (rest == "off")
+        return stopped.empty() ? Complain("nothing is being recorded") : EXIT_DONE;
+    if (rest.empty())
+        return Complain("usage: record FILE, or record off");
+    if (!m_recorder.Start(m_files.userFolder, rest, error))
+        return Complain(error);
+    std::fprintf(m_out, "recording %s until record off\n", Visible(rest).c_str());
+    return EXIT_DONE;
+}
+
 int Session::RunQuit(const std::string&) {
     m_bEnded = true;
     return EXIT_DONE;
@@ -437,6 +531,8 @@ std::vector<std::string> Session::Completions(const std::string& line) const {
     std::vector<std::string> candidates;
     if (separator == std::string::npos || first == "help")
         candidates = AllNames();
+    if (HardwareCommands::Find(first) != nullptr && separator != std::string::npos)
+        return HardwareCommands::Candidates(line);
     const bool isSecond = Split(line.substr(0, separator)).rest.empty();
     if (separator != std::string::npos &&
         (first == "channels" || first == "watch" ||

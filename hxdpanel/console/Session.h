@@ -3,6 +3,8 @@
 #define HXDPANEL_SESSION_H
 
 #include "hxdpanel/console/Help.h"
+#include "hxdpanel/console/LineResult.h"
+#include "hxdpanel/console/Recorder.h"
 #include "hxdpanel/host/Device.h"
 #include "hxdpanel/host/DriverOutput.h"
 #include "hxdpanel/host/HostDatabase.h"
@@ -15,6 +17,7 @@
 #include <string>
 #include <vector>
 
+class HardwareCommands;
 class HardwareMemory;
 struct Outcome;
 
@@ -23,13 +26,20 @@ class Session {
 public:
     // What is passed by reference outlives the session. plugin may be null.
     Session(HostDatabase& database, Device& device, DriverOutput& output, HardwareMemory& memory,
-            const IVNCLock* plugin, const PanelFiles& files);
+            HardwareCommands& hardware, const IVNCLock* plugin, const PanelFiles& files);
 
     // A console command, or a command of the driver as it stands. Blank lines do nothing.
     int Run(const std::string& line);
     // False, with a message for the user, when Run() would find no meaning in the line.
     static bool Understands(const std::string& line, std::string& error);
     bool Ended() const { return m_bEnded; }  // after quit
+
+    // A reboot restarts the panel from now on, and results are printed only if echo says so.
+    void BeScript(bool echo);
+    // What the last line of Run() did.
+    const LineResult& Result() const { return m_result; }
+    const HostDatabase& Database() const { return m_database; }
+    int Refresh();  // has the driver read everything anew and deliver it
 
     // Results as JSON objects from now on.
     void UseJson(JsonLayout layout);
@@ -61,6 +71,7 @@ private:
     static std::vector<std::string> AllNames();
     static std::string NoMeaning(const std::string& line);
     int RunDriverCommand(const std::string& text);
+    int RunHardware(const std::string& line);
     int RunChannels(const std::string& rest);
     int RunRead(const std::string& rest);
     int RunWatch(const std::string& rest);
@@ -70,9 +81,11 @@ private:
     int RunNtp(const std::string& rest);
     int RunPanel(const std::string& rest);
     int RunHelp(const std::string& rest);
+    int RunRecord(const std::string& rest);
     int RunQuit(const std::string& rest);
 
-    int Refresh();
+    int RunMeaningful(const std::string& line);
+
     const JsonLayout* AsJson() const { return m_json ? &m_layout : nullptr; }
     int Report(const Outcome& outcome);
 
@@ -80,10 +93,14 @@ private:
     Device& m_device;
     DriverOutput& m_output;
     HardwareMemory& m_memory;
+    HardwareCommands& m_hardware;
     std::FILE* m_out;
     const IVNCLock* m_plugin;
     PanelFiles m_files;
     SavedFiles m_savedFiles;
+    LineResult m_result;
+    Recorder m_recorder;
+    bool m_bScript = false;
     bool m_json = false;
     JsonLayout m_layout = JsonLayout::DOCUMENT;
     std::string m_strLastSync;  // answer of the last ExecNTP

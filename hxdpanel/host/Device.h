@@ -6,7 +6,9 @@
 #include "hxdpanel/host/HostLink.h"
 #include "hxdpanel/host/HostValue.h"
 
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 // Not to be entered from two threads at once.
@@ -20,6 +22,11 @@ public:
     Device(const Device&) = delete;
     Device& operator=(const Device&) = delete;
 
+    // Ends the device and makes it anew, as when the panel is switched off and on.
+    void Restart();
+    // Run before each operation.
+    void SetBeforeCall(std::function<void()> call) { m_beforeCall = std::move(call); }
+
     int InitStatus() const { return m_nInitStatus; }
 
     int Collect();  // brings the host's channels up to date
@@ -27,11 +34,18 @@ public:
     int Write(int number, const HostValue& value);  // 1-based number of the channel
 
 private:
+    void Start();
+    void End();
+    bool Enter() const;  // false: the device is none
+
     const DriverLibrary& m_library;
+    IRtdb& m_host;
+    const std::vector<unsigned char> m_blob;
+    std::function<void()> m_beforeCall;
     HostLink m_link;
-    IDeviceCtrl* m_pDevice;
+    IDeviceCtrl* m_pDevice = nullptr;
     std::vector<int> m_channels;  // what the host asks for
-    int m_nInitStatus;
+    int m_nInitStatus = HOST_BAD_ARGUMENT;
 };
 
 #endif

@@ -123,13 +123,13 @@ void DriverOutput::Settle() {
 void DriverOutput::Mute() {
     Settle();
     const Locker locker(m_lock);
-    m_bMuted = !m_bShowAll;
+    ++m_nMuted;
 }
 
 void DriverOutput::Unmute() {
     Settle();
     const Locker locker(m_lock);
-    m_bMuted = false;
+    --m_nMuted;
 }
 
 void DriverOutput::Hold() {
@@ -248,7 +248,7 @@ void DriverOutput::Show(const Source& source, const std::string& line) {
     const std::string visible = (isDriver ? "driver: " : "") + Visible(line);
     const std::string marked = terminal::Styled(stderr, terminal::FAINT, visible) + "\n";
     const Locker locker(m_lock);
-    if (isDriver && (m_bMuted || (IsRoutine(line) && !m_bShowAll)))
+    if (isDriver && !m_bShowAll && (m_nMuted > 0 || IsRoutine(line)))
         return;
     // A thread that tries again and again would push what the user types off the screen.
     if (m_bHold && marked == m_lastLine)

@@ -75,7 +75,7 @@ private:
     std::vector<std::string> m_held;
     std::string m_lastLine;
 
-    bool m_bMuted = false;
+    int m_nMuted = 0;  // Mute() calls without their Unmute()
     std::atomic<bool> m_bShowAll{false};
 
     std::thread m_reader;  // started last, joined by the destructor

@@ -3,6 +3,8 @@
 #include "hxdpanel/base/Text.h"
 #include "hxdpanel/sandbox/GuardedCalls.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <fstream>
 
@@ -22,4 +24,11 @@ std::vector<std::string> CommandsRun() {
         lines.push_back(Visible(line));
     }
     return lines;
+}
+
+void ForgetCommandsRun() {
+    if (guard::Enabled())
+        guard::ForgetCalls();
+    else if (::access(COMMAND_LOG, F_OK) == 0)
+        std::ofstream(COMMAND_LOG, std::ios::trunc);
 }

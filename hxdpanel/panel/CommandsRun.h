@@ -7,5 +7,6 @@
 
 // Oldest first, each with its arguments.
 std::vector<std::string> CommandsRun();
+void ForgetCommandsRun();
 
 #endif

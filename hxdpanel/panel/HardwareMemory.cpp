@@ -87,8 +87,12 @@ HardwareMemory::Settings HardwareMemory::Parse(const std::string& text) {
     return settings;
 }
 
+std::string HardwareMemory::TitleOf(const Settings& described) {
+    return "; kept for the description " + Digest(Text(described));
+}
+
 HardwareMemory::HardwareMemory(const std::string& file) : m_file(file), m_described(Current()) {
-    m_title = "; kept for the description " + Digest(Text(m_described));
+    m_title = TitleOf(m_described);
     std::string firstLine;
     std::getline(std::ifstream(file), firstLine);
     std::string error;
@@ -123,6 +127,12 @@ void HardwareMemory::Save() {
     if (!Replace(m_file, m_title + "\n" + Text(merged)))
         std::fprintf(stderr, "hxdpanel: cannot keep the hardware's settings in %s\n",
                      m_file.c_str());
+}
+
+void HardwareMemory::Forget() {
+    std::remove(m_file.c_str());
+    m_described = m_saved = Current();
+    m_title = TitleOf(m_described);
 }
 
 std::vector<std::string> HardwareMemory::Differences() const {

@@ -15,6 +15,8 @@ public:
     // Writes the settings that have changed; called after each step, because a reboot ends the
     // program without notice. What other runs on these files have changed stays as they left it.
     void Save();
+    // The settings as they are now are the described ones; nothing is kept.
+    void Forget();
     // What differs from the description now: "panel/brightness = 40 (described as 80)".
     std::vector<std::string> Differences() const;
 
@@ -23,6 +25,7 @@ private:
     static Settings Current();
     static Settings Parse(const std::string& text);
     static std::string Text(const Settings& settings);
+    static std::string TitleOf(const Settings& described);
 
     std::string m_file;
     Settings m_described;

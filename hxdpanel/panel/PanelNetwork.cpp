@@ -1,6 +1,7 @@
 #include "hxdpanel/panel/PanelNetwork.h"
 
 #include "common/File.h"
+#include "hxdpanel/sandbox/GuardedCalls.h"
 #include "network/ResolverText.h"
 
 #include <arpa/inet.h>
@@ -12,6 +13,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cstdio>
 #include <cstring>
 #include <fstream>
 #include <string>
@@ -23,7 +25,9 @@ const char* const PINGED_FOR_ADDRESSES = "223.5.5.5";  // by the driver, for ser
 const char* const RESOLVER_FILE = "/etc/resolv.conf";  // its first server, for those with one
 const char* const PING = "/usr/bin/ping";
 const char* const SCRIPT_FOLDER = "/run/shims";
-const char* const PING_SCRIPT = "/run/shims/ping";  // the panel's ping runs it instead of PING
+const char* const PING_SCRIPT = "/run/shims/ping";       // the panel's ping runs it instead of PING
+const char* const PUT_AWAY = "/run/shims/ping.plugged";  // the script while no cable is plugged in
+const char* const NO_ANSWER = "exit 1  # no cable is plugged in\n";
 
 std::vector<std::string> PingedAddresses() {
     std::vector<std::string> addresses = {PINGED_FOR_ADDRESSES};
@@ -91,4 +95,20 @@ bool AnswerReachCheck() {
     const std::vector<std::string> addresses = PingedAddresses();
     const bool added = AddToLoopback(addresses);
     return (added && ::access(PING, X_OK) == 0) || AnswerByScript(addresses);
+}
+
+void SetReachable(bool reachable) {
+    std::string script;
+    std::getline(std::ifstream(PING_SCRIPT), script);
+    const bool isOff = !script.empty() && script + "\n" == NO_ANSWER;
+    if (reachable == !isOff || guard::Enabled())
+        return;
+    if (reachable) {
+        ::unlink(PING_SCRIPT);
+        std::rename(PUT_AWAY, PING_SCRIPT);  // fails where there was none
+        return;
+    }
+    ::mkdir(SCRIPT_FOLDER, 0755);
+    std::rename(PING_SCRIPT, PUT_AWAY);
+    std::ofstream(PING_SCRIPT) << NO_ANSWER;
 }

@@ -7,5 +7,7 @@
 // machine has no ping, a script in place of the panel's ping answers for these addresses; one that
 // is there already stays. False when neither can be done. Sandbox only.
 bool AnswerReachCheck();
+// Whether anything answers a ping: not without a cable.
+void SetReachable(bool reachable);
 
 #endif

@@ -10,6 +10,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <sstream>
 
 #include <QDir>
 #include <QFile>
@@ -75,20 +76,40 @@ bool SetUpGuarded(const sandbox::Setup& setup, PanelFiles& files) {
     return UseFolder(root);
 }
 
+// The launcher passes the full paths on, one a line; relative ones mean nothing in the sandbox.
+std::vector<std::string> Folders(const sandbox::Setup& setup) {
+    if (!setup.inside.launched)
+        return setup.panel.empty() ? std::vector<std::string>() : sandbox::PanelFolders(setup);
+    const char* const handedOver = std::getenv("HXD_PANEL_DIR");
+    std::istringstream lines(handedOver != nullptr ? handedOver : "");
+    std::vector<std::string> folders;
+    for (std::string line; std::getline(lines, line);)
+        folders.push_back(line);
+    return folders;
+}
+
 }  // namespace
 
 bool SetUpPanel(const sandbox::Setup& setup, int logLevel, PanelFiles& files) {
-    sim::SimPanel& panel = sim::SimPanel::instance();
-    // The launcher passes the folder's full path on; relative ones mean nothing in the sandbox.
-    const char* const handedOver = setup.inside.launched ? std::getenv("HXD_PANEL_DIR") : nullptr;
-    const std::string folder = handedOver != nullptr ? handedOver : setup.panel;
-    const std::string ini = folder + "/panel.ini";
+    files.panels = Folders(setup);
+    files.outside = setup.inside.filesOutside;
+    files.memory = MEMORY_FILE;
+    files.isPrivate = !guard::Enabled();
     std::string error;
-    if (!folder.empty() && ::access(ini.c_str(), F_OK) == 0 && !panel.loadIni(ini, error)) {
+    if (!LoadDescription(files, error)) {
         std::fprintf(stderr, "hxdpanel: the panel is not described properly:\n%s", error.c_str());
         return false;
     }
-    panel.change([&](sim::PanelState& state) { state.echoLogLevel = logLevel; });
-    files = {setup.inside.filesOutside, MEMORY_FILE, !guard::Enabled()};
+    sim::SimPanel::instance().change(
+        [&](sim::PanelState& state) { state.echoLogLevel = logLevel; });
     return files.isPrivate || SetUpGuarded(setup, files);
+}
+
+bool LoadDescription(const PanelFiles& files, std::string& error) {
+    for (const std::string& folder : files.panels) {
+        const std::string ini = folder + "/panel.ini";
+        if (::access(ini.c_str(), F_OK) == 0 && !sim::SimPanel::instance().loadIni(ini, error))
+            return false;
+    }
+    return true;
 }

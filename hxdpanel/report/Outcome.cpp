@@ -11,15 +11,6 @@
 
 namespace {
 
-// "0 (done)"; the host interface's own codes in hexadecimal, as they are documented.
-std::string StatusText(int status, const char* meaning) {
-    std::array<char, 16> number = {};
-    const bool isFlag = status < -0x40000000;
-    std::snprintf(number.data(), number.size(), isFlag ? "0x%X" : "%d",
-                  static_cast<unsigned>(status));
-    return std::string(number.data()) + " (" + meaning + ")";
-}
-
 void Note(const std::string& text) {
     const std::string wrapped = terminal::Wrapped(stderr, "note: " + text, 2);
     std::fprintf(stderr, "%s\n", terminal::Styled(stderr, terminal::SPECIAL, wrapped).c_str());
@@ -45,6 +36,14 @@ HostValue Variable(const HostDatabase& database, const std::string& name) {
 }
 
 }  // namespace
+
+std::string StatusText(int status, const char* meaning) {
+    std::array<char, 16> number = {};
+    const bool isFlag = status < -0x40000000;
+    std::snprintf(number.data(), number.size(), isFlag ? "0x%X" : "%d",
+                  static_cast<unsigned>(status));
+    return std::string(number.data()) + " (" + meaning + ")";
+}
 
 void PrintOutcome(std::FILE* out, const HostDatabase& database, const Outcome& outcome) {
     const std::string status = StatusText(outcome.status, outcome.meaning);

@@ -22,6 +22,8 @@ struct Outcome {
     const char* Kind() const { return channel != 0 ? "write" : "command"; }
 };
 
+// "0 (done)"; the host interface's own codes in hexadecimal, as they are documented.
+std::string StatusText(int status, const char* meaning);
 // Notes go to standard error.
 void PrintOutcome(std::FILE* out, const HostDatabase& database, const Outcome& outcome);
 Json OutcomeJson(const HostDatabase& database, const Outcome& outcome);

@@ -3,10 +3,13 @@
 #include "SimPanel.h"
 #include "hxdpanel/base/Terminal.h"
 #include "hxdpanel/base/Text.h"
+#include "hxdpanel/panel/ClockCommand.h"
 #include "hxdpanel/panel/CommandsRun.h"
+#include "hxdpanel/panel/Faults.h"
 
 #include <algorithm>
 #include <iterator>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -44,7 +47,8 @@ Lines InterfaceLines(const sim::PanelState& state) {
     return Texts(state.interfaces, [](const sim::Interface& interface) {
         const std::string mac =
             interface.macAddress.empty() ? "(no MAC address)" : Visible(interface.macAddress);
-        return RecordText(interface.record) + "  " + mac;
+        return RecordText(interface.record) + "  " + mac +
+               (interface.plugged ? "" : "  (unplugged)");
     });
 }
 
@@ -76,6 +80,46 @@ void PrintList(std::FILE* out, const char* title, const Lines& lines) {
     }
 }
 
+// "ping -c 1 192.0.2.1  x73" for a line that was there before, where it was last.
+Lines Folded(const Lines& lines) {
+    Lines folded;
+    std::map<std::string, int> counts;
+    for (const std::string& line : lines)
+        ++counts[line];
+    std::map<std::string, int> left = counts;
+    for (const std::string& line : lines) {
+        if (--left[line] == 0)
+            folded.push_back(line + (counts[line] > 1 ? "  x" + std::to_string(counts[line]) : ""));
+    }
+    return folded;
+}
+
+Lines Hits(const sim::PanelState& state) {
+    Lines lines;
+    for (const auto& failure : state.failures)
+        lines.insert(lines.end(), static_cast<std::size_t>(failure.second.hits), failure.first);
+    return lines;
+}
+
+struct EventKind {
+    const char* verb;
+    const char* title;
+    Lines (*list)(const sim::PanelState& state);
+};
+const EventKind EVENT_KINDS[] = {
+    {"beeped", "Beeps", [](const sim::PanelState& state) { return Texts(state.beeps, BeepText); }},
+    {"reloaded", "Settings reloads",
+     [](const sim::PanelState& state) { return Texts(state.guiCalls, Visible); }},
+    {"addressed", "Interfaces set",
+     [](const sim::PanelState& state) { return Texts(state.appliedRecords, RecordText); }},
+    {"clocked", "Clock set",
+     [](const sim::PanelState& state) { return Texts(state.rtcSettings, TimeText); }},
+    {"captured", "Screen captures",
+     [](const sim::PanelState& state) { return Texts(state.captures, CaptureText); }},
+    {"ran", "Commands run", [](const sim::PanelState&) { return CommandsRun(); }},
+    {"failed", nullptr, Hits},  // the failures' own list tells of them
+};
+
 template <class ITEMS, class OBJECT>
 Json Objects(const ITEMS& items, OBJECT object) {
     Json list = Json::array();
@@ -95,6 +139,7 @@ Json RecordJson(const hal_network_t& record) {
 Json InterfaceJson(const sim::Interface& interface) {
     Json object = RecordJson(interface.record);
     object["mac"] = interface.macAddress;
+    object["plugged"] = interface.plugged;
     return object;
 }
 
@@ -140,6 +185,7 @@ Json PanelJson(const PanelSource& source) {
             {"interfaces", Objects(state.interfaces, InterfaceJson)},
             {"files", source.filesOutside.empty() ? Json(nullptr) : Json(source.filesOutside)},
             {"kept", source.kept},
+            {"failures", faults::List()},
             {"events", EventsJson(state)}};
 }
 
@@ -159,21 +205,30 @@ void PrintPanel(std::FILE* out, const PanelSource& source) {
                   : Visible(source.filesOutside) + ", kept (--fresh runs without, rm -r resets)");
     if (!source.filesOutside.empty())
         PrintList(out, "Kept settings", source.kept);
-    const auto same = [](const std::string& text) { return Visible(text); };
-    const std::pair<const char*, Lines> events[] = {
-        {"Beeps", Texts(state.beeps, BeepText)},
-        {"Settings reloads", Texts(state.guiCalls, same)},
-        {"Interfaces set", Texts(state.appliedRecords, RecordText)},
-        {"Clock set", Texts(state.rtcSettings, TimeText)},
-        {"Screen captures", Texts(state.captures, CaptureText)},
-        {"Commands run", CommandsRun()},
-    };
+    PrintItem(out, "Clock", ClockState());
+    PrintList(out, "Failures", faults::List());
     std::fputs("\nSince the start of this run:\n", out);
     bool any = false;
-    for (const auto& event : events) {
-        PrintList(out, event.first, event.second);
-        any = any || !event.second.empty();
+    for (const EventKind& kind : EVENT_KINDS) {
+        const Lines events = kind.title != nullptr ? kind.list(state) : Lines();
+        PrintList(out, kind.title, Folded(events));
+        any = any || !events.empty();
     }
     if (!any)
         std::fputs("no beep, setting, address, picture or command yet\n", out);
+}
+
+std::vector<std::string> PanelEvents(const std::string& verb) {
+    for (const EventKind& kind : EVENT_KINDS) {
+        if (verb == kind.verb)
+            return kind.list(sim::SimPanel::instance().state());
+    }
+    return {};
+}
+
+std::vector<std::string> PanelVerbs() {
+    std::vector<std::string> verbs;
+    for (const EventKind& kind : EVENT_KINDS)
+        verbs.emplace_back(kind.verb);
+    return verbs;
 }

@@ -19,4 +19,11 @@ struct PanelSource {
 void PrintPanel(std::FILE* out, const PanelSource& source);
 Json PanelJson(const PanelSource& source);
 
+// What the panel has done since its start, oldest first, by kind: "beeped" gives "900 Hz for 50
+// ms".
+std::vector<std::string> PanelEvents(const std::string& verb);
+// "beeped", "reloaded" (settings, by the GUI), "addressed" (an interface), "clocked", "captured",
+// "ran" (a command), "failed" (a call that a failure concerned, by name, while it is listed).
+std::vector<std::string> PanelVerbs();
+
 #endif

@@ -22,6 +22,8 @@ namespace {
 constexpr std::size_t MAX_CALLS = 1000;
 
 std::atomic<bool> g_enabled{false};
+std::atomic<bool> g_holdReboots{false};
+std::atomic<bool> g_rebooted{false};
 
 // Never destroyed: a thread of the driver may call until the very end.
 struct Log {
@@ -83,9 +85,27 @@ std::vector<std::string> Calls() {
     return {log.calls.begin(), log.calls.end()};
 }
 
+void ForgetCalls() {
+    Log& log = TheLog();
+    const std::lock_guard<std::mutex> locker(log.lock);
+    log.calls.clear();
+}
+
+void HoldReboots() {
+    g_holdReboots = true;
+}
+
+bool TakeReboot() {
+    return g_rebooted.exchange(false);
+}
+
 }  // namespace guard
 
 HXD_EXPORT int reboot(int howto) noexcept {
+    if (guard::g_holdReboots) {
+        guard::g_rebooted = true;
+        return -1;
+    }
     if (guard::Enabled()) {
         guard::Refuse("reboot");
         return -1;

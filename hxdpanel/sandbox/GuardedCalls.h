@@ -15,6 +15,12 @@ bool Enabled();
 // The calls in guarded mode, oldest first, the newest 1,000: "refused: date -s ...", "run: find
 // ...".
 std::vector<std::string> Calls();
+void ForgetCalls();
+
+// From now on a reboot does not happen but is noted, and the driver goes on as after one that has
+// failed.
+void HoldReboots();
+bool TakeReboot();  // true when there was one since the last call
 
 }  // namespace guard
 

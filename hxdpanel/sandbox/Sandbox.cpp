@@ -6,10 +6,12 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <initializer_list>
 #include <vector>
 
 #include <QDir>
@@ -52,18 +54,8 @@ std::string DataFolder(const char* name) {
     return folder;
 }
 
-// What comes with the program: in the source tree, or beside an installed program. "" if missing.
-std::string Companion(const std::string& name) {
-#ifdef HXD_PANEL_SOURCES
-    const std::string path = HXD_PANEL_SOURCES "/" + name;
-#else
-    const std::string path = ExecutableFolder() + "/" + name;
-#endif
-    return ::access(path.c_str(), R_OK) == 0 ? path : "";
-}
-
-std::string PanelFolder(const Setup& setup) {
-    return setup.panel.empty() ? Companion("default-panel") : Absolute(setup.panel);
+std::string ScriptPath(std::size_t index) {
+    return "/run/scripts/" + std::to_string(index);
 }
 
 void Append(std::vector<std::string>& words, const std::vector<std::string>& more) {
@@ -72,15 +64,20 @@ void Append(std::vector<std::string>& words, const std::vector<std::string>& mor
 
 // The launcher's options, the program, what the program inside must know, and its own arguments.
 std::vector<std::string> CommandLine(const std::string& launcher, const Setup& setup,
-                                     int csvDescriptor, int stopDescriptor, int argc, char** argv) {
+                                     int csvDescriptor, int folderDescriptor, int stopDescriptor,
+                                     int argc, char** argv) {
     const std::string root = RootFolder(setup);
     const std::string history = setup.history ? HistoryFolder() : "";
     std::vector<std::string> words = {launcher};
     if (!root.empty())
         Append(words, {"--root", root});
-    const std::string panel = PanelFolder(setup);
-    if (!panel.empty())
+    for (const std::string& panel : PanelFolders(setup))
         Append(words, {"--panel", panel});
+    words.emplace_back("--live");
+    for (std::size_t i = 0; i < setup.scripts.size(); ++i) {
+        if (setup.scripts[i] != "-")
+            Append(words, {"--ro", Absolute(setup.scripts[i]), ScriptPath(i)});
+    }
     if (!history.empty())
         Append(words, {"--rw", history});
     if (!setup.driver.empty())
@@ -94,10 +91,33 @@ std::vector<std::string> CommandLine(const std::string& launcher, const Setup& s
         Append(words, {"--driver-inside", DRIVER_INSIDE});
     if (csvDescriptor >= 0)
         Append(words, {"--csv-descriptor", std::to_string(csvDescriptor)});
+    if (folderDescriptor >= 0)
+        Append(words, {"--folder-descriptor", std::to_string(folderDescriptor)});
     Append(words, {"--stop-descriptor", std::to_string(stopDescriptor)});
     for (int i = 1; i < argc; ++i)
         words.emplace_back(argv[i]);
     return words;
+}
+
+// The folder that the user is in, for files that the console is told to write. -1: there is none.
+int OpenFolder(bool wanted) {
+    const int opened = wanted ? ::open(".", O_PATH | O_DIRECTORY | O_CLOEXEC) : -1;
+    if (opened < 0)
+        return -1;
+    const int handedOver = ::fcntl(opened, F_DUPFD, ChildProcess::FIRST_HANDED_OVER);
+    ::close(opened);
+    return handedOver;
+}
+
+bool CanRead(const std::vector<std::string>& scripts) {
+    for (const std::string& script : scripts) {
+        if (script == "-" || ::access(script.c_str(), R_OK) == 0)
+            continue;
+        std::fprintf(stderr, "hxdpanel: cannot read %s: %s\n", script.c_str(),
+                     std::strerror(errno));
+        return false;
+    }
+    return true;
 }
 
 // The machine's file, opened out here for the program inside, which does not see its folder. What
@@ -132,6 +152,30 @@ std::string HistoryFolder() {
     return DataFolder("console");
 }
 
+std::string Companion(const std::string& name) {
+#ifdef HXD_PANEL_SOURCES
+    const std::string path = HXD_PANEL_SOURCES "/" + name;
+#else
+    const std::string path = ExecutableFolder() + "/" + name;
+#endif
+    return ::access(path.c_str(), R_OK) == 0 ? path : "";
+}
+
+std::vector<std::string> PanelFolders(const Setup& setup) {
+    std::vector<std::string> folders;
+    if (setup.panel.empty() || setup.overDefault)
+        folders.push_back(Companion("default-panel"));
+    if (!setup.panel.empty())
+        folders.push_back(Absolute(setup.panel));
+    folders.erase(std::remove(folders.begin(), folders.end(), ""), folders.end());
+    return folders;
+}
+
+std::string ScriptInside(const Setup& setup, std::size_t index) {
+    const bool isHandedOver = setup.inside.launched && setup.scripts[index] != "-";
+    return isHandedOver ? ScriptPath(index) : setup.scripts[index];
+}
+
 std::string DriverFile(const Setup& setup) {
     if (!setup.inside.driver.empty())
         return setup.inside.driver;
@@ -149,14 +193,19 @@ int RunInside(const Setup& setup, int argc, char** argv) {
                      std::strerror(errno));
         return EXIT_NO_DRIVER;
     }
+    if (!CanRead(setup.scripts))
+        return EXIT_USAGE;
     const int csvDescriptor = OpenCsv(setup.csv);
     if (csvDescriptor < -1)
         return EXIT_USAGE;
+    const int folderDescriptor = OpenFolder(setup.history);
     ChildProcess child;
-    const int exitCode =
-        child.Run(CommandLine(launcher, setup, csvDescriptor, child.StopDescriptor(), argc, argv));
-    if (csvDescriptor >= 0)
-        ::close(csvDescriptor);
+    const int exitCode = child.Run(CommandLine(launcher, setup, csvDescriptor, folderDescriptor,
+                                               child.StopDescriptor(), argc, argv));
+    for (const int descriptor : {csvDescriptor, folderDescriptor}) {
+        if (descriptor >= 0)
+            ::close(descriptor);
+    }
     return exitCode;
 }
 

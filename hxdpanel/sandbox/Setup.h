@@ -3,22 +3,26 @@
 #define HXDPANEL_SETUP_H
 
 #include <string>
+#include <vector>
 
 namespace sandbox {
 
 struct Setup {
-    std::string panel;  // folder; empty: the default panel
-    std::string root;   // folder; empty: the default one, or fresh files
+    std::string panel;         // folder; empty: the default panel
+    bool overDefault = false;  // the folder lies over the default panel
+    std::string root;          // folder; empty: the default one, or fresh files
     bool fresh = false;
     std::string driver;
-    std::string csv;       // file of the machine for results; "-": standard output
-    bool history = false;  // keeps a history of what is typed
+    std::string csv;                   // file of the machine for results; "-": standard output
+    std::vector<std::string> scripts;  // files of the machine to be read; "-": standard input
+    bool history = false;              // keeps a history of what is typed
 
     // What the instance outside the sandbox tells the one inside, which sees other folders.
     struct Inside {
         bool launched = false;
         int csvDescriptor = -1;
-        int stopDescriptor = -1;  // becomes readable when this program is to end
+        int folderDescriptor = -1;  // the folder that the user is in
+        int stopDescriptor = -1;    // becomes readable when this program is to end
         std::string driver;
         std::string historyFolder;
         std::string filesOutside;  // where the panel's files lie on the machine

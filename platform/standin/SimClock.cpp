@@ -9,6 +9,11 @@ namespace {
 // Far beyond any test, and far enough from the type's limits to add a sleep to it.
 const long long kLastTick = std::numeric_limits<long long>::max() / 4;
 
+const long long kStepMs = 1000;      // short beside what happens every hour
+const long long kMostSteps = 50000;  // of one pass
+const unsigned kAwakeMs = 1000;      // real time for what a sleeper does between two sleeps
+const unsigned kBusyMs = 50;         // real time for a thread that may be about to sleep
+
 }  // namespace
 
 namespace sim {
@@ -40,6 +45,28 @@ void SimClock::advance(long long milliseconds) {
     }
 }
 
+void SimClock::moveHeld() {
+    std::lock_guard<std::mutex> guard(m_lock);
+    m_mover = std::this_thread::get_id();
+}
+
+// A thread that does not come back has ended, and is not waited for in the next step.
+void SimClock::step(long long milliseconds, unsigned int atRestMs) {
+    const int before = sleepers();
+    advance(milliseconds);
+    if (before > 0)
+        waitForSleepers(before, kAwakeMs);
+    else
+        waitForSleepers(1, atRestMs);
+}
+
+void SimClock::pass(long long milliseconds) {
+    const long long length = std::max(kStepMs, milliseconds / kMostSteps);
+    waitForSleepers(1, kBusyMs);
+    for (long long left = milliseconds; left > 0; left -= length)
+        step(std::min(left, length), 0);
+}
+
 void SimClock::run(double speed) {
     std::lock_guard<std::mutex> guard(m_lock);
     setBase(tickLocked());
@@ -47,6 +74,11 @@ void SimClock::run(double speed) {
     m_dSpeed = std::isfinite(speed) && speed > 0.0 ? std::min(std::max(speed, 1e-3), 1e6) : 1.0;
     for (Sleeper* sleeper : m_sleepers)
         sleeper->changed.notify_one();
+}
+
+double SimClock::speed() const {
+    std::lock_guard<std::mutex> guard(m_lock);
+    return m_bHeld ? 0.0 : m_dSpeed;
 }
 
 long long SimClock::tick() const {
@@ -57,6 +89,11 @@ long long SimClock::tick() const {
 void SimClock::sleep(unsigned int milliseconds) {
     Sleeper self;
     std::unique_lock<std::mutex> guard(m_lock);
+    if (m_bHeld && m_mover == std::this_thread::get_id()) {
+        guard.unlock();
+        step(milliseconds, kBusyMs);  // what the caller waits for may be somebody's real work
+        return;
+    }
     self.wakeTick = tickLocked() + milliseconds;
     const auto place = m_sleepers.insert(m_sleepers.end(), &self);
     m_sleeperArrived.notify_all();

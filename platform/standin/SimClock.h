@@ -7,6 +7,7 @@
 #include <condition_variable>
 #include <list>
 #include <mutex>
+#include <thread>
 
 namespace sim {
 
@@ -19,11 +20,18 @@ public:
     // Moves the clock, held or running. Wakes those sleepers whose time has come and no other; a
     // number below 0 moves nothing.
     void advance(long long milliseconds);
+    // Moves the clock like advance(), but in steps, and after each of them waits until the sleepers
+    // whose time had come have gone to sleep again: what they do every so often happens so often.
+    void pass(long long milliseconds);
+    // From now on a sleep of the calling thread moves a held clock to its end instead of waiting
+    // for somebody to do so. One thread can have this.
+    void moveHeld();
     // Ends a hold. A sleeper's remaining time passes at the new speed; speeds that are not positive
     // and finite count as 1.
     void run(double speed = 1.0);
 
     long long tick() const;  // milliseconds
+    double speed() const;    // 0 while the clock is held
     void sleep(unsigned int milliseconds);
 
     // Threads in sleep() whose time has not come. advance() lowers it at once, so the next thread
@@ -40,6 +48,7 @@ private:
         std::condition_variable changed;  // the clock's speed or position, in a way that matters
     };
 
+    void step(long long milliseconds, unsigned int atRestMs);
     long long tickLocked() const;
     int sleepersLocked() const;
     RealClock::time_point realTimeOf(long long tick) const;
@@ -49,6 +58,7 @@ private:
     mutable std::condition_variable m_sleeperArrived;
     bool m_bHeld = false;
     double m_dSpeed = 1.0;
+    std::thread::id m_mover;
     long long m_llBaseTick;            // the clock's position ...
     RealClock::time_point m_baseTime;  // ... at this moment
     std::list<Sleeper*> m_sleepers;    // they live on the stacks of their threads

@@ -109,16 +109,17 @@ bool SimPanel::shallFail(const char* function, int& result) {
         const auto found = m_state.failures.find(function);
         if (found == m_state.failures.end())
             return false;
+        if (found->second.times == 0)
+            return false;
         if (found->second.after > 0) {
             --found->second.after;
             return false;
         }
+        ++found->second.hits;
+        if (found->second.times > 0)
+            --found->second.times;
         failure = found->second;
-        if (failure.times >= 0 && --found->second.times <= 0)
-            m_state.failures.erase(found);
     }
-    if (failure.times == 0)
-        return false;
     std::this_thread::sleep_for(std::chrono::milliseconds(failure.delayMs));
     result = failure.result;
     return failure.fails;

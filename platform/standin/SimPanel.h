@@ -25,6 +25,7 @@ namespace sim {
 struct Interface {
     hal_network_t record;
     std::string macAddress;  // as hal_get_mac_address delivers it; empty: the call fails
+    bool plugged = true;     // false: the platform does not list it
 };
 
 struct Uart {
@@ -64,11 +65,14 @@ struct GuiSettings {
 // functions without a result do nothing.
 struct Failure {
     int result = -1;       // returned
-    int times = -1;        // calls concerned before the function works again; -1: all
+    int times = -1;        // calls concerned before the function works again; -1: all; 0: it does
     int after = 0;         // calls that still work before the first of these
     unsigned delayMs = 0;  // waited (real time) before anything else
     bool fails = true;     // false: only slow
+    int hits = 0;          // calls concerned so far; the record stays when none is left
 };
+// From "RESULT", "RESULT,TIMES", "slow,MS" or "slow,MS,TIMES"; false for anything else.
+bool ParseFailure(const std::string& text, Failure& failure);
 
 struct PanelState {
     PanelState();  // a plausible panel with two ports
@@ -143,6 +147,9 @@ public:
     void holdClock() { m_clock.hold(); }
     void advanceClock(long long milliseconds) { m_clock.advance(milliseconds); }
     void runClock(double speed = 1.0) { m_clock.run(speed); }
+    double clockSpeed() const { return m_clock.speed(); }
+    void passClock(long long milliseconds) { m_clock.pass(milliseconds); }
+    void moveHeldClock() { m_clock.moveHeld(); }
     long long tick() const { return m_clock.tick(); }
     void sleep(unsigned int milliseconds) { m_clock.sleep(milliseconds); }
     int sleepers() const { return m_clock.sleepers(); }

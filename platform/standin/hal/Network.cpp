@@ -15,10 +15,20 @@ const std::size_t kMacTextSize = 20;
 // Names may fill the record's field without a terminating zero.
 Interface* FindInterface(PanelState& state, const char* name) {
     for (Interface& candidate : state.interfaces) {
-        if (std::strncmp(candidate.record.name, name, sizeof candidate.record.name) == 0)
+        if (candidate.plugged &&
+            std::strncmp(candidate.record.name, name, sizeof candidate.record.name) == 0)
             return &candidate;
     }
     return nullptr;
+}
+
+std::vector<const Interface*> Plugged(const PanelState& state) {
+    std::vector<const Interface*> plugged;
+    for (const Interface& candidate : state.interfaces) {
+        if (candidate.plugged)
+            plugged.push_back(&candidate);
+    }
+    return plugged;
 }
 
 }  // namespace
@@ -27,7 +37,7 @@ int hal_get_network_count(unsigned int* count) {
     return Guarded(__func__, [count](PanelState& state) {
         if (!count)
             return -EINVAL;
-        *count = static_cast<unsigned int>(state.interfaces.size());
+        *count = static_cast<unsigned int>(Plugged(state).size());
         return 0;
     });
 }
@@ -36,9 +46,10 @@ int hal_get_network(unsigned int index, struct hal_network_t* record) {
     return Guarded(__func__, [index, record](PanelState& state) {
         if (!record)
             return -EINVAL;
-        if (index >= state.interfaces.size())
+        const std::vector<const Interface*> plugged = Plugged(state);
+        if (index >= plugged.size())
             return -ENODEV;
-        *record = state.interfaces[index].record;
+        *record = plugged[index]->record;
         return 0;
     });
 }

@@ -139,29 +139,6 @@ std::vector<std::string> SplitAtCommas(const std::string& text) {
     return pieces;
 }
 
-// "RESULT", "RESULT,TIMES", "slow,MS" or "slow,MS,TIMES".
-bool TakeFailure(const std::string& text, Failure& failure) {
-    std::vector<std::string> pieces = SplitAtCommas(text);
-    Failure taken;
-    if (!pieces.empty() && pieces[0] == "slow") {
-        long long delay = 0;
-        if (pieces.size() < 2 || !TakeInteger(pieces[1], 1, kLongestDelayMs, delay))
-            return false;
-        taken.delayMs = static_cast<unsigned>(delay);
-        taken.fails = false;
-        pieces.erase(pieces.begin());
-    } else if (pieces.empty() || !TakeInt32(pieces[0], taken.result)) {
-        return false;
-    }
-    long long times = taken.times;
-    if (pieces.size() > 2 ||
-        (pieces.size() == 2 && !TakeInteger(pieces[1], 1, std::numeric_limits<int>::max(), times)))
-        return false;
-    taken.times = static_cast<int>(times);
-    failure = taken;
-    return true;
-}
-
 // ---- Keys -------------------------------------------------------------------------------------
 
 // take sets target from text, or leaves it alone and returns false; expected completes "must be".
@@ -355,7 +332,7 @@ private:
         Failure failure;
         if (!std::binary_search(known.begin(), known.end(), key))
             report("failures", key, "unknown platform function");
-        else if (!TakeFailure(text, failure))
+        else if (!sim::ParseFailure(text, failure))
             report("failures", key,
                    "'" + text + "': must be RESULT, or RESULT,TIMES, or slow,MS, or slow,MS,TIMES");
         else
@@ -368,6 +345,28 @@ private:
 };
 
 }  // namespace
+
+bool sim::ParseFailure(const std::string& text, Failure& failure) {
+    std::vector<std::string> pieces = SplitAtCommas(text);
+    Failure taken;
+    if (!pieces.empty() && pieces[0] == "slow") {
+        long long delay = 0;
+        if (pieces.size() < 2 || !TakeInteger(pieces[1], 1, kLongestDelayMs, delay))
+            return false;
+        taken.delayMs = static_cast<unsigned>(delay);
+        taken.fails = false;
+        pieces.erase(pieces.begin());
+    } else if (pieces.empty() || !TakeInt32(pieces[0], taken.result)) {
+        return false;
+    }
+    long long times = taken.times;
+    if (pieces.size() > 2 ||
+        (pieces.size() == 2 && !TakeInteger(pieces[1], 1, std::numeric_limits<int>::max(), times)))
+        return false;
+    taken.times = static_cast<int>(times);
+    failure = taken;
+    return true;
+}
 
 bool sim::SimPanel::loadIni(const std::string& path, std::string& error) {
     Sections sections;

@@ -1,0 +1,192 @@
+#include "hxdpanel/panel/HardwareCommands.h"
+
+#include "SimPanel.h"
+#include "driver/record/ChannelTable.h"
+#include "hxdpanel/base/Amounts.h"
+#include "hxdpanel/base/Text.h"
+#include "hxdpanel/panel/Cables.h"
+#include "hxdpanel/panel/ClockCommand.h"
+#include "hxdpanel/panel/Faults.h"
+#include "hxdpanel/panel/StorageWear.h"
+#include "hxdpanel/sandbox/GuardedCalls.h"
+
+#include <sstream>
+
+namespace {
+
+using Hardware = HardwareCommands;
+using Words = Hardware::Words;
+
+constexpr int NO_BRIGHTNESS_CONTROL = -19;
+
+Words SplitWords(const std::string& line) {
+    std::istringstream stream(line);
+    Words words;
+    for (std::string word; stream >> word;)
+        words.push_back(word);
+    return words;
+}
+
+HardwareResult Light(Hardware&, const Words& words) {
+    if (words.size() != 1 || (words[0] != "on" && words[0] != "off"))
+        return HardwareResult::Refused("usage: light on, or light off");
+    sim::SimPanel::instance().change(
+        [&](sim::PanelState& state) { state.lightOn = words[0] == "on"; });
+    return HardwareResult::Done("the light is " + words[0], {});
+}
+
+HardwareResult Brightness(Hardware&, const Words& words) {
+    long long percent = NO_BRIGHTNESS_CONTROL;
+    const bool isNone = words.size() == 1 && words[0] == "none";
+    if (words.size() != 1 || (!isNone && !ParseWhole(words[0], 0, 100, percent)))
+        return HardwareResult::Refused(
+            "usage: brightness PERCENT, or brightness none for a panel without the control");
+    sim::SimPanel::instance().change(
+        [&](sim::PanelState& state) { state.brightness = static_cast<int>(percent); });
+    return HardwareResult::Done(
+        isNone ? "the panel has no brightness control" : "the brightness is " + words[0] + " %",
+        {CHANNEL_BRIGHTNESS});
+}
+
+template <HardwareResult (PanelRestart::*RUN)()>
+HardwareResult SwitchOffAndOn(Hardware& hardware, const Words& words) {
+    return words.empty() ? (hardware.Restart().*RUN)()
+                         : HardwareResult::Refused("this takes no " + Quoted(words[0]));
+}
+
+HardwareResult Reset(Hardware& hardware, const Words& words) {
+    if (words.empty())
+        hardware.Load().Reset();
+    return SwitchOffAndOn<&PanelRestart::Reset>(hardware, words);
+}
+
+template <HardwareResult (*RUN)(const Words& words)>
+HardwareResult Plain(Hardware&, const Words& words) {
+    return RUN(words);
+}
+
+Words Functions(const Words& words) {
+    return words.empty() ? sim::FailableFunctions() : Words();
+}
+
+Words Failing(const Words& words) {
+    Words names;
+    if (!words.empty())
+        return names;
+    for (const auto& failure : sim::SimPanel::instance().state().failures)
+        names.push_back(failure.first);
+    names.emplace_back("all");
+    return names;
+}
+
+Words Interfaces(const Words& words) {
+    return words.empty() ? cables::InterfaceNames() : Words();
+}
+
+Words OnOff(const Words& words) {
+    return words.empty() ? Words{"on", "off"} : Words();
+}
+Words Machine(const Words& words) {
+    return words.empty() ? Words{"machine"} : Words();
+}
+Words Ports(const Words& words) {
+    if (words.size() == 1)
+        return {"off"};
+    return words.empty() ? Words{"1", "2", "3", "4"} : Words();
+}
+Words NoControl(const Words& words) {
+    return words.empty() ? Words{"none"} : Words();
+}
+Words ClockWords(const Words& words) {
+    return words.empty() ? Words{"+1h", "x60", "hold", "run"} : Words();
+}
+Words Nothing(const Words&) {
+    return {};
+}
+
+}  // namespace
+
+const std::vector<Hardware::Row>& HardwareCommands::Table() {
+    static const std::vector<Row> table = {
+        {"fail", "NAME [RESULT[,TIMES]]",
+         "let a function of the platform fail, with -1 and every time if not told",
+         Plain<faults::Fail>, Functions},
+        {"slow", "NAME MS[,TIMES]", "let it take longer", Plain<faults::Slow>, Functions},
+        {"mend", "NAME|all", "let it work again", Plain<faults::Mend>, Failing},
+        {"unplug", "NAME", "take a network interface away", Plain<cables::Unplug>, Interfaces},
+        {"plug", "NAME", "put it back", Plain<cables::Plug>, Interfaces},
+        {"com", "PORT PERCENT|off", "how much a serial port is used, or that it is not there",
+         Plain<cables::Com>, Ports},
+        {"disk", "[write SIZE | wear WHAT VALUE...]",
+         "write to the flash (disk write 300M) or wear it: life_time 0x05 [0x02], pre_eol_info "
+         "0x02, erase_count N or +N, bad_blocks N",
+         Plain<storagewear::Disk>, storagewear::Candidates},
+        {"memory", "SIZE|machine", "memory that is available, or this machine's",
+         [](Hardware& hardware, const Words& words) { return hardware.Load().Memory(words); },
+         Machine},
+        {"cpu", "USE|machine", "CPU use from 0 to 1, or this machine's",
+         [](Hardware& hardware, const Words& words) { return hardware.Load().Cpu(words); },
+         Machine},
+        {"light", "on|off", "the light behind the display", Light, OnOff},
+        {"brightness", "PERCENT|none", "the display's brightness, or that it cannot be set",
+         Brightness, NoControl},
+        {"clock", "[+TIME | xSPEED | hold | run]",
+         "let time pass (clock +1h), faster (clock x60), or not at all", Plain<::Clock>,
+         ClockWords},
+        {"restart", "", "switch the panel off and on; files, settings and hardware stay",
+         SwitchOffAndOn<&PanelRestart::Restart>, Nothing},
+        {"reset", "", "the panel as it was delivered: settings, logs and hardware", Reset, Nothing},
+    };
+    return table;
+}
+
+const Hardware::Row* HardwareCommands::Find(const std::string& name) {
+    for (const Row& row : Table()) {
+        if (name == row.name)
+            return &row;
+    }
+    return nullptr;
+}
+
+Words HardwareCommands::Candidates(const std::string& line) {
+    Words words = SplitWords(line);
+    const bool isUnfinished = !line.empty() && line.back() != ' ';
+    const std::string begun = isUnfinished && !words.empty() ? words.back() : "";
+    if (isUnfinished && !words.empty())
+        words.pop_back();
+    const Row* const row = words.empty() ? nullptr : Find(words[0]);
+    Words matching;
+    if (row == nullptr)
+        return matching;
+    for (const std::string& candidate : row->candidates(Words(words.begin() + 1, words.end()))) {
+        if (candidate.compare(0, begun.size(), begun) == 0)
+            matching.push_back(candidate);
+    }
+    return matching;
+}
+
+HardwareCommands::HardwareCommands(const PanelRestart& restart,
+                                   const std::vector<std::string>& panels)
+    : m_restart(restart), m_load(panels) {
+    sim::SimPanel::instance().moveHeldClock();
+}
+
+HardwareCommands::~HardwareCommands() {
+    sim::SimPanel::instance().runClock();
+}
+
+HardwareResult HardwareCommands::Run(const std::string& line) {
+    const Words words = SplitWords(line);
+    const Row* const row = words.empty() ? nullptr : Find(words[0]);
+    if (row == nullptr)
+        return HardwareResult::Refused("this is no command of the hardware");
+    return row->run(*this, Words(words.begin() + 1, words.end()));
+}
+
+void HardwareCommands::HoldReboots() {
+    guard::HoldReboots();
+}
+
+bool HardwareCommands::TakeReboot() {
+    return guard::TakeReboot();
+}

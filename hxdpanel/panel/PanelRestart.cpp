@@ -1,0 +1,106 @@
+#include "hxdpanel/panel/PanelRestart.h"
+
+#include "SimPanel.h"
+#include "driver/record/ChannelTable.h"
+#include "hxdpanel/panel/CommandsRun.h"
+#include "hxdpanel/panel/HardwareMemory.h"
+#include "hxdpanel/panel/PanelFile.h"
+#include "hxdpanel/sandbox/Sandbox.h"
+
+#include <numeric>
+#include <utility>
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QStringList>
+
+namespace {
+
+std::vector<int> AllChannels() {
+    std::vector<int> numbers(CHANNEL_COUNT);
+    std::iota(numbers.begin(), numbers.end(), 1);
+    return numbers;
+}
+
+void ForgetEvents(sim::PanelState& state) {
+    state.lightOn = true;
+    state.guiSettings = sim::GuiSettings();
+    state.beeps.clear();
+    state.captures.clear();
+    state.guiCalls.clear();
+    state.appliedRecords.clear();
+    state.rtcSettings.clear();
+}
+
+// The stand-ins' factory state, but for what this program has set up.
+void ForgetHardware() {
+    sim::SimPanel& panel = sim::SimPanel::instance();
+    const sim::PanelState before = panel.state();
+    panel.change([&](sim::PanelState& state) {
+        state = sim::PanelState();
+        state.directories = before.directories;
+        state.echoLogLevel = before.echoLogLevel;
+        state.screenRows = before.screenRows;
+    });
+}
+
+void RestoreProc(const std::string& panel) {
+    const QDir folder(QFile::decodeName((panel + "/root/proc").c_str()));
+    for (const QString& name : folder.entryList(QDir::Files)) {
+        std::string text;
+        if (panelfile::Read(QFile::encodeName(folder.filePath(name)).constData(), text))
+            panelfile::Write("/proc/" + std::string(QFile::encodeName(name).constData()), text);
+    }
+}
+
+}  // namespace
+
+PanelRestart::PanelRestart(const PanelFiles& files, HardwareMemory& memory,
+                           std::function<bool()> restartDriver)
+    : m_files(files), m_memory(memory), m_restartDriver(std::move(restartDriver)) {}
+
+// The clock runs meanwhile: ending the device waits for threads that sleep by it.
+HardwareResult PanelRestart::Restart() {
+    sim::SimPanel& panel = sim::SimPanel::instance();
+    m_memory.Save();
+    panel.change(ForgetEvents);
+    ForgetCommandsRun();
+    const double speed = panel.clockSpeed();
+    panel.runClock();
+    const bool started = m_restartDriver();
+    if (speed > 0.0)
+        panel.runClock(speed);
+    else
+        panel.holdClock();
+    return started ? HardwareResult::Done("the panel has restarted", AllChannels())
+                   : HardwareResult::Refused("the driver refuses to start again");
+}
+
+HardwareResult PanelRestart::Reset() {
+    std::string error;
+    if (m_files.isPrivate && !RestoreFiles())
+        return HardwareResult::Refused("the panel's files cannot be restored");
+    ForgetHardware();
+    if (!LoadDescription(m_files, error))
+        return HardwareResult::Refused(error);
+    m_memory.Forget();
+    const HardwareResult result = Restart();
+    return result.ok ? HardwareResult::Done("the panel is as it was delivered", result.channels)
+                     : result;
+}
+
+bool PanelRestart::RestoreFiles() const {
+    std::string panels;
+    for (const std::string& panel : m_files.panels)
+        panels += panel + "\n";
+    const std::string script = sandbox::Companion("sandbox/panel-files");
+    QStringList arguments;
+    arguments << QFile::decodeName(script.c_str()) << QFile::decodeName(panels.c_str())
+              << QLatin1String("reset");
+    if (script.empty() || QProcess::execute(QLatin1String("sh"), arguments) != 0)
+        return false;
+    for (const std::string& panel : m_files.panels)
+        RestoreProc(panel);
+    return true;
+}
