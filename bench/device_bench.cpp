@@ -114,14 +114,14 @@ BENCHMARK(Refresh)->Name("refresh/first_collection")->Iterations(200);
 // storage's worker short.
 void WarmRefresh(benchmark::State& state) {
     MakeSettings();
-    sim::SimPanel::instance().runClock(1000.0);
+    sim::SimPanel::Instance().RunClock(1000.0);
     BenchDevice bench;
     bench.Collect(32);
     for (auto _ : state) {
         bench.device.DevIOCtrl("REFLESH()");
         bench.Collect(32);
     }
-    sim::SimPanel::instance().runClock();
+    sim::SimPanel::Instance().RunClock();
 }
 BENCHMARK(WarmRefresh)->Name("refresh/warm")->MeasureProcessCPUTime()->Iterations(500);
 

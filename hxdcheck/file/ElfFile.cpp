@@ -84,21 +84,21 @@ struct Types64 {
     using Symbol = Elf64_Sym;
 };
 
-template <class Types>
+template <class TYPES>
 class Parser {
-    using Section = typename Types::Section;
+    using Section = typename TYPES::Section;
     using Offset = unsigned long long;
 
 public:
     Parser(const MappedFile& content, ElfFile& file)
-        : m_content(content), m_file(file), m_header(At<typename Types::Header>(0)) {}
+        : m_content(content), m_file(file), m_header(At<typename TYPES::Header>(0)) {}
 
     bool Run() {
         m_file.machine = m_header.e_machine;
         m_file.flags = m_header.e_flags;
         for (unsigned i = 0; i < m_header.e_phnum; ++i) {
             const auto segment =
-                At<typename Types::Segment>(m_header.e_phoff + i * sizeof(typename Types::Segment));
+                At<typename TYPES::Segment>(m_header.e_phoff + i * sizeof(typename TYPES::Segment));
             if (segment.p_type == PT_INTERP)
                 m_file.interpreter = Text(segment.p_offset);
         }
@@ -149,7 +149,7 @@ private:
     }
 
     void ReadDynamic(const Section& section, Offset texts) {
-        using Entry = typename Types::Entry;
+        using Entry = typename TYPES::Entry;
         for (Offset i = 0; i < Count<Entry>(section); ++i) {
             const Entry entry = At<Entry>(section.sh_offset + i * sizeof(Entry));
             if (entry.d_tag == DT_NULL)
@@ -165,7 +165,7 @@ private:
     }
 
     void ReadSymbols(const Section& section, Offset texts) {
-        using Symbol = typename Types::Symbol;
+        using Symbol = typename TYPES::Symbol;
         for (Offset i = 0; i < Count<Symbol>(section); ++i) {
             const Symbol symbol = At<Symbol>(section.sh_offset + i * sizeof(Symbol));
             const unsigned binding = symbol.st_info >> 4;
@@ -213,7 +213,7 @@ private:
 
     const MappedFile& m_content;
     ElfFile& m_file;
-    const typename Types::Header m_header;
+    const typename TYPES::Header m_header;
 };
 
 const char* MachineName(unsigned machine) {

@@ -50,8 +50,8 @@ ChannelLine MakeLine(const ChannelRow& row, const HostDatabase::Received& receiv
 }
 
 // The numbers of the channels for which it holds.
-template <class Holds>
-std::string Numbers(const std::vector<ChannelLine>& lines, Holds holds) {
+template <class HOLDS>
+std::string Numbers(const std::vector<ChannelLine>& lines, HOLDS holds) {
     std::string numbers;
     for (const ChannelLine& line : lines) {
         if (holds(line))
@@ -140,8 +140,8 @@ public:
     }
 
 private:
-    template <class What>
-    void Step(const char* name, float slowMs, What what) {
+    template <class WHAT>
+    void Step(const char* name, float slowMs, WHAT what) {
         m_findings.Run(
             name, [&] { return Timed(slowMs, what); }, COLLECTION_SECONDS,
             "the line before the crash or stop tells which source; see the platform's functions");

@@ -23,8 +23,8 @@ private:
 };
 
 // Runs a check that tells how long it took; longer than limitMs is something to look at.
-template <class Check>
-Finding Timed(float limitMs, Check check) {
+template <class CHECK>
+Finding Timed(float limitMs, CHECK check) {
     const auto start = std::chrono::steady_clock::now();
     Finding finding = check();
     const std::chrono::duration<float, std::milli> took = std::chrono::steady_clock::now() - start;

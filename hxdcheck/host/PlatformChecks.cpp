@@ -19,12 +19,12 @@ namespace {
 constexpr float SLOW_MS = 200.0F;
 
 // A record that the platform fills, with bytes behind it that it must leave alone.
-template <class Record>
+template <class RECORD>
 class Guarded {
 public:
     // Calls fill twice, with different bytes behind the record; its first result.
-    template <class Fill>
-    int Call(Fill fill) {
+    template <class FILL>
+    int Call(FILL fill) {
         int result = 0;
         for (const std::uint8_t guard : {std::uint8_t(0xA5), std::uint8_t(0x5A)}) {
             std::memset(&m_space, 0, sizeof m_space.record);
@@ -38,14 +38,14 @@ public:
         return result;
     }
 
-    const Record& Get() const { return m_space.record; }
+    const RECORD& Get() const { return m_space.record; }
 
     // The finding unless the record was overrun.
     Finding Or(const Finding& finding, const char* name) const {
         if (m_nBeyond == 0)
             return finding;
         return Wrong("the library writes at least " + std::to_string(m_nBeyond) + " bytes beyond " +
-                         name + " of " + std::to_string(sizeof(Record)) +
+                         name + " of " + std::to_string(sizeof(RECORD)) +
                          " bytes; the driver would crash",
                      "bring the type in olma_hal.h into line with the vendor's, field by field, "
                      "and build again");
@@ -53,7 +53,7 @@ public:
 
 private:
     struct {
-        Record record;
+        RECORD record;
         unsigned char guard[256];
     } m_space = {};
     std::size_t m_nBeyond = 0;

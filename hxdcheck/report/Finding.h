@@ -43,8 +43,8 @@ public:
     virtual void End(const Finding& finding) = 0;
     virtual void Channel(const ChannelLine& line) = 0;
 
-    template <class Check>
-    Finding Run(const std::string& name, Check check, int limitSeconds = 10,
+    template <class CHECK>
+    Finding Run(const std::string& name, CHECK check, int limitSeconds = 10,
                 const std::string& ifItDies = "") {
         Begin(name, limitSeconds, ifItDies);
         Finding finding = check();
@@ -59,8 +59,8 @@ struct Check {
     Finding (*run)();
 };
 
-template <std::size_t count>
-void RunAll(Findings& findings, const char* title, const Check (&checks)[count]) {
+template <std::size_t COUNT>
+void RunAll(Findings& findings, const char* title, const Check (&checks)[COUNT]) {
     findings.Group(title);
     for (const Check& check : checks)
         findings.Run(check.name, check.run);

@@ -291,7 +291,7 @@ void Session::BeScript(bool echo) {
 int Session::Collect() {
     const MutedDriver muted(m_output);
     const int status = m_device.Collect();
-    sim::SimPanel::instance().change(
+    sim::SimPanel::Instance().Change(
         [&](sim::PanelState& state) { state.screenRows = ScreenRows(m_database); });
     return status;
 }

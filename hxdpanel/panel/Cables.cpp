@@ -23,7 +23,7 @@ HardwareResult SetPlugged(const Words& words, bool plugged) {
                                        " eth1");
     bool found = false;
     bool any = false;
-    sim::SimPanel::instance().change([&](sim::PanelState& state) {
+    sim::SimPanel::Instance().Change([&](sim::PanelState& state) {
         for (sim::Interface& interface : state.interfaces) {
             if (interface.record.name == words[0]) {
                 interface.plugged = plugged;
@@ -57,7 +57,7 @@ HardwareResult cables::Plug(const Words& words) {
 
 Words cables::InterfaceNames() {
     Words names;
-    for (const sim::Interface& interface : sim::SimPanel::instance().state().interfaces)
+    for (const sim::Interface& interface : sim::SimPanel::Instance().State().interfaces)
         names.emplace_back(interface.record.name);
     return names;
 }
@@ -74,7 +74,7 @@ HardwareResult cables::Com(const Words& words) {
     sim::Uart uart;
     uart.present = !isOff;
     uart.counters = {60, 40, 0, static_cast<int32_t>(percent)};
-    sim::SimPanel::instance().change([&](sim::PanelState& state) { state.uarts[port - 1] = uart; });
+    sim::SimPanel::Instance().Change([&](sim::PanelState& state) { state.uarts[port - 1] = uart; });
     return HardwareResult::Done(
         "COM" + words[0] + (isOff ? " is gone" : " is used to " + words[1] + " %"),
         {CHANNEL_UART_1 + static_cast<int>(port) - 1});

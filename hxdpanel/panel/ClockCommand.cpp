@@ -16,14 +16,14 @@ constexpr double SLOWEST = 0.001;
 }  // namespace
 
 std::string ClockState() {
-    const double speed = sim::SimPanel::instance().clockSpeed();
+    const double speed = sim::SimPanel::Instance().ClockSpeed();
     if (speed <= 0.0)
         return "is held; what the driver waits for moves it";
     return speed == 1.0 ? "runs" : "runs " + NumberText(speed) + " times as fast";
 }
 
 HardwareResult Clock(const std::vector<std::string>& words) {
-    sim::SimPanel& panel = sim::SimPanel::instance();
+    sim::SimPanel& panel = sim::SimPanel::Instance();
     const std::string word = words.empty() ? "" : words[0];
     long long milliseconds = 0;
     double speed = 0.0;
@@ -31,15 +31,15 @@ HardwareResult Clock(const std::vector<std::string>& words) {
     if (words.size() > 1)
         return HardwareResult::Refused(USAGE);
     if (word == "hold") {
-        panel.holdClock();
+        panel.HoldClock();
     } else if (word == "run") {
-        panel.runClock();
+        panel.RunClock();
     } else if (word[0] == '+' && ParseDuration(word.substr(1), milliseconds)) {
-        panel.passClock(milliseconds);
+        panel.PassClock(milliseconds);
         moved = word.substr(1) + " later; ";
     } else if (word[0] == 'x' && ParseNumber(word.substr(1), speed) && speed >= SLOWEST &&
                speed <= FASTEST) {
-        panel.runClock(speed);
+        panel.RunClock(speed);
     } else if (!word.empty()) {
         return HardwareResult::Refused(USAGE);
     }

@@ -78,7 +78,7 @@ HardwareResult Inject(const std::string& function, const std::string& text,
         return HardwareResult::Refused(error);
     if (!sim::ParseFailure(text, failure))
         return HardwareResult::Refused("usage: " + usage);
-    sim::SimPanel::instance().fail(function, failure);
+    sim::SimPanel::Instance().Fail(function, failure);
     const Concern* const concern = FindConcern(function);
     const std::string actions = concern != nullptr ? concern->actions : "";
     return HardwareResult::Done(function + " " + EffectText(failure) + ", " +
@@ -115,10 +115,10 @@ HardwareResult faults::Mend(const Words& words) {
         return HardwareResult::Refused(error);
     std::vector<int> channels;
     std::string mended;
-    for (const auto& entry : sim::SimPanel::instance().state().failures) {
+    for (const auto& entry : sim::SimPanel::Instance().State().failures) {
         if (!all && entry.first != words[0])
             continue;
-        sim::SimPanel::instance().mend(entry.first);
+        sim::SimPanel::Instance().Mend(entry.first);
         mended += (mended.empty() ? "" : ", ") + entry.first;
         const Concern* const concern = FindConcern(entry.first);
         if (concern != nullptr)
@@ -134,7 +134,7 @@ HardwareResult faults::Mend(const Words& words) {
 
 std::vector<std::string> faults::List() {
     std::vector<std::string> lines;
-    for (const auto& entry : sim::SimPanel::instance().state().failures) {
+    for (const auto& entry : sim::SimPanel::Instance().State().failures) {
         const sim::Failure& failure = entry.second;
         lines.push_back(entry.first + "  " + EffectText(failure) + ", " +
                         (failure.times > 0    ? CallsText(failure.times) + " more"

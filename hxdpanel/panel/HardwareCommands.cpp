@@ -30,7 +30,7 @@ Words SplitWords(const std::string& line) {
 HardwareResult Light(Hardware&, const Words& words) {
     if (words.size() != 1 || (words[0] != "on" && words[0] != "off"))
         return HardwareResult::Refused("usage: light on, or light off");
-    sim::SimPanel::instance().change(
+    sim::SimPanel::Instance().Change(
         [&](sim::PanelState& state) { state.lightOn = words[0] == "on"; });
     return HardwareResult::Done("the light is " + words[0], {});
 }
@@ -41,7 +41,7 @@ HardwareResult Brightness(Hardware&, const Words& words) {
     if (words.size() != 1 || (!isNone && !ParseWhole(words[0], 0, 100, percent)))
         return HardwareResult::Refused(
             "usage: brightness PERCENT, or brightness none for a panel without the control");
-    sim::SimPanel::instance().change(
+    sim::SimPanel::Instance().Change(
         [&](sim::PanelState& state) { state.brightness = static_cast<int>(percent); });
     return HardwareResult::Done(
         isNone ? "the panel has no brightness control" : "the brightness is " + words[0] + " %",
@@ -73,7 +73,7 @@ Words Failing(const Words& words) {
     Words names;
     if (!words.empty())
         return names;
-    for (const auto& failure : sim::SimPanel::instance().state().failures)
+    for (const auto& failure : sim::SimPanel::Instance().State().failures)
         names.push_back(failure.first);
     names.emplace_back("all");
     return names;
@@ -168,11 +168,11 @@ Words HardwareCommands::Candidates(const std::string& line) {
 HardwareCommands::HardwareCommands(const PanelRestart& restart,
                                    const std::vector<std::string>& panels)
     : m_restart(restart), m_load(panels) {
-    sim::SimPanel::instance().moveHeldClock();
+    sim::SimPanel::Instance().MoveHeldClock();
 }
 
 HardwareCommands::~HardwareCommands() {
-    sim::SimPanel::instance().runClock();
+    sim::SimPanel::Instance().RunClock();
 }
 
 HardwareResult HardwareCommands::Run(const std::string& line) {

@@ -41,7 +41,7 @@ bool Replace(const std::string& path, const std::string& text) {
 }  // namespace
 
 HardwareMemory::Settings HardwareMemory::Current() {
-    const sim::PanelState state = sim::SimPanel::instance().state();
+    const sim::PanelState state = sim::SimPanel::Instance().State();
     Settings settings = {{"panel/brightness", std::to_string(state.brightness)}};
     if (state.interfaces.empty())
         settings["panel/interfaces"] = "0";
@@ -96,7 +96,7 @@ HardwareMemory::HardwareMemory(const std::string& file) : m_file(file), m_descri
     std::string firstLine;
     std::getline(std::ifstream(file), firstLine);
     std::string error;
-    if (firstLine == m_title && !sim::SimPanel::instance().loadIni(file, error))
+    if (firstLine == m_title && !sim::SimPanel::Instance().LoadIni(file, error))
         std::fprintf(stderr, "hxdpanel: %s is damaged:\n%s", file.c_str(), error.c_str());
     m_saved = Current();
 }

@@ -35,9 +35,9 @@ void ForgetEvents(sim::PanelState& state) {
 
 // The stand-ins' factory state, but for what this program has set up.
 void ForgetHardware() {
-    sim::SimPanel& panel = sim::SimPanel::instance();
-    const sim::PanelState before = panel.state();
-    panel.change([&](sim::PanelState& state) {
+    sim::SimPanel& panel = sim::SimPanel::Instance();
+    const sim::PanelState before = panel.State();
+    panel.Change([&](sim::PanelState& state) {
         state = sim::PanelState();
         state.directories = before.directories;
         state.echoLogLevel = before.echoLogLevel;
@@ -62,17 +62,17 @@ PanelRestart::PanelRestart(const PanelFiles& files, HardwareMemory& memory,
 
 // The clock runs meanwhile: ending the device waits for threads that sleep by it.
 HardwareResult PanelRestart::Restart() {
-    sim::SimPanel& panel = sim::SimPanel::instance();
+    sim::SimPanel& panel = sim::SimPanel::Instance();
     m_memory.Save();
-    panel.change(ForgetEvents);
+    panel.Change(ForgetEvents);
     ForgetCommandsRun();
-    const double speed = panel.clockSpeed();
-    panel.runClock();
+    const double speed = panel.ClockSpeed();
+    panel.RunClock();
     const bool started = m_restartDriver();
     if (speed > 0.0)
-        panel.runClock(speed);
+        panel.RunClock(speed);
     else
-        panel.holdClock();
+        panel.HoldClock();
     return started ? HardwareResult::Done("the panel has restarted", AllChannels())
                    : HardwareResult::Refused("the driver refuses to start again");
 }

@@ -58,7 +58,7 @@ bool UseFolder(const std::string& root) {
         const std::string path = root + directory.second;
         if (!MakeFolder(path))
             return false;
-        sim::SimPanel::instance().change(
+        sim::SimPanel::Instance().Change(
             [&](sim::PanelState& state) { state.directories[directory.first] = path; });
     }
     return MakeFolder(root + "/root");
@@ -100,7 +100,7 @@ bool SetUpPanel(const sandbox::Setup& setup, int logLevel, PanelFiles& files) {
         std::fprintf(stderr, "hxdpanel: the panel is not described properly:\n%s", error.c_str());
         return false;
     }
-    sim::SimPanel::instance().change(
+    sim::SimPanel::Instance().Change(
         [&](sim::PanelState& state) { state.echoLogLevel = logLevel; });
     return files.isPrivate || SetUpGuarded(setup, files);
 }
@@ -108,7 +108,7 @@ bool SetUpPanel(const sandbox::Setup& setup, int logLevel, PanelFiles& files) {
 bool LoadDescription(const PanelFiles& files, std::string& error) {
     for (const std::string& folder : files.panels) {
         const std::string ini = folder + "/panel.ini";
-        if (::access(ini.c_str(), F_OK) == 0 && !sim::SimPanel::instance().loadIni(ini, error))
+        if (::access(ini.c_str(), F_OK) == 0 && !sim::SimPanel::Instance().LoadIni(ini, error))
             return false;
     }
     return true;

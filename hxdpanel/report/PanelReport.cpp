@@ -176,7 +176,7 @@ Json EventsJson(const sim::PanelState& state) {
 }  // namespace
 
 Json PanelJson(const PanelSource& source) {
-    const sim::PanelState state = sim::SimPanel::instance().state();
+    const sim::PanelState state = sim::SimPanel::Instance().State();
     const bool dimmable = state.brightness != -19;
     return {{"serialNumber", state.serialNumber},
             {"light", state.lightOn},
@@ -190,7 +190,7 @@ Json PanelJson(const PanelSource& source) {
 }
 
 void PrintPanel(std::FILE* out, const PanelSource& source) {
-    const sim::PanelState state = sim::SimPanel::instance().state();
+    const sim::PanelState state = sim::SimPanel::Instance().State();
     const bool dimmable = state.brightness != -19;
     PrintItem(out, "Serial number", Quoted(state.serialNumber));
     PrintItem(out, "Display",
@@ -221,7 +221,7 @@ void PrintPanel(std::FILE* out, const PanelSource& source) {
 std::vector<std::string> PanelEvents(const std::string& verb) {
     for (const EventKind& kind : EVENT_KINDS) {
         if (verb == kind.verb)
-            return kind.list(sim::SimPanel::instance().state());
+            return kind.list(sim::SimPanel::Instance().State());
     }
     return {};
 }

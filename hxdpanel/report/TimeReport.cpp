@@ -22,7 +22,7 @@ std::string LastClockCommand() {
 
 // What the real-time clock was set to last; empty: it was not.
 std::string LastRealTimeClock() {
-    const auto settings = sim::SimPanel::instance().state().rtcSettings;
+    const auto settings = sim::SimPanel::Instance().State().rtcSettings;
     return settings.empty() ? "" : TimeText(settings.back());
 }
 

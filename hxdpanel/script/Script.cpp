@@ -51,7 +51,7 @@ Script::Script(Session& session, const ScriptOptions& options, ScriptReport& rep
     : m_session(session), m_options(options), m_report(report), m_results(results) {}
 
 bool Script::Run(const std::string& name, std::istream& lines) {
-    sim::SimPanel::instance().holdClock();
+    sim::SimPanel::Instance().HoldClock();
     m_file = name;
     m_line = m_statusLine = 0;
     m_bAllowUnknown = m_bFailed = false;
@@ -167,7 +167,7 @@ Script::Observed Script::Await(const Expectation& expectation, long long withinM
         return observed.holds || !observed.error.empty() || interrupt::Pending();
     };
     for (long long left = withinMs; left > 0 && !isDone(); left -= step) {
-        sim::SimPanel::instance().passClock(std::min(step, left));
+        sim::SimPanel::Instance().PassClock(std::min(step, left));
         m_bRead = false;
         observed = Observe(expectation);
     }

@@ -10,13 +10,13 @@
 namespace sim {
 
 // work: int (PanelState&). -ENOMEM when memory is exhausted.
-template <class Work>
-int Guarded(const char* function, Work work) noexcept {
+template <class WORK>
+int Guarded(const char* function, WORK work) noexcept {
     try {
         int result = 0;
-        if (SimPanel::instance().shallFail(function, result))
+        if (SimPanel::Instance().ShallFail(function, result))
             return result;
-        SimPanel::instance().change([&](PanelState& state) { result = work(state); });
+        SimPanel::Instance().Change([&](PanelState& state) { result = work(state); });
         return result;
     } catch (...) {
         return -ENOMEM;
@@ -24,15 +24,15 @@ int Guarded(const char* function, Work work) noexcept {
 }
 
 // The same for functions that return text. work: std::string (PanelState&); "" on any failure.
-template <class Work>
-const char* GuardedText(const char* function, Work work) noexcept {
+template <class WORK>
+const char* GuardedText(const char* function, WORK work) noexcept {
     try {
         std::string text;
         int result = 0;
-        if (SimPanel::instance().shallFail(function, result))
+        if (SimPanel::Instance().ShallFail(function, result))
             return "";
-        SimPanel::instance().change([&](PanelState& state) { text = work(state); });
-        return SimPanel::instance().keepText(text);
+        SimPanel::Instance().Change([&](PanelState& state) { text = work(state); });
+        return SimPanel::Instance().KeepText(text);
     } catch (...) {
         return "";
     }

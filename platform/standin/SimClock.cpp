@@ -7,12 +7,12 @@
 namespace {
 
 // Far beyond any test, and far enough from the type's limits to add a sleep to it.
-const long long kLastTick = std::numeric_limits<long long>::max() / 4;
+const long long LAST_TICK = std::numeric_limits<long long>::max() / 4;
 
-const long long kStepMs = 1000;      // short beside what happens every hour
-const long long kMostSteps = 50000;  // of one pass
-const unsigned kAwakeMs = 1000;      // real time for what a sleeper does between two sleeps
-const unsigned kBusyMs = 50;         // real time for a thread that may be about to sleep
+const long long STEP_MS = 1000;      // short beside what happens every hour
+const long long MOST_STEPS = 50000;  // of one pass
+const unsigned AWAKE_MS = 1000;      // real time for what a sleeper does between two sleeps
+const unsigned BUSY_MS = 50;         // real time for a thread that may be about to sleep
 
 }  // namespace
 
@@ -26,18 +26,18 @@ SimClock::SimClock()
           duration_cast<std::chrono::milliseconds>(RealClock::now().time_since_epoch()).count()),
       m_baseTime(RealClock::now()) {}
 
-void SimClock::hold() {
+void SimClock::Hold() {
     std::lock_guard<std::mutex> guard(m_lock);
-    setBase(tickLocked());
+    SetBase(TickLocked());
     m_bHeld = true;
     for (Sleeper* sleeper : m_sleepers)
         sleeper->changed.notify_one();  // it must not wake by real time any more
 }
 
-void SimClock::advance(long long milliseconds) {
+void SimClock::Advance(long long milliseconds) {
     std::lock_guard<std::mutex> guard(m_lock);
-    const long long now = tickLocked();
-    setBase(now + std::min(std::max(milliseconds, 0LL), std::max(kLastTick - now, 0LL)));
+    const long long now = TickLocked();
+    SetBase(now + std::min(std::max(milliseconds, 0LL), std::max(LAST_TICK - now, 0LL)));
     for (Sleeper* sleeper : m_sleepers) {
         // With the clock running, the others must compute their deadline anew.
         if (!m_bHeld || sleeper->wakeTick <= m_llBaseTick)
@@ -45,79 +45,79 @@ void SimClock::advance(long long milliseconds) {
     }
 }
 
-void SimClock::moveHeld() {
+void SimClock::MoveHeld() {
     std::lock_guard<std::mutex> guard(m_lock);
     m_mover = std::this_thread::get_id();
 }
 
 // A thread that does not come back has ended, and is not waited for in the next step.
-void SimClock::step(long long milliseconds, unsigned int atRestMs) {
-    const int before = sleepers();
-    advance(milliseconds);
+void SimClock::Step(long long milliseconds, unsigned int atRestMs) {
+    const int before = Sleepers();
+    Advance(milliseconds);
     if (before > 0)
-        waitForSleepers(before, kAwakeMs);
+        WaitForSleepers(before, AWAKE_MS);
     else
-        waitForSleepers(1, atRestMs);
+        WaitForSleepers(1, atRestMs);
 }
 
-void SimClock::pass(long long milliseconds) {
-    const long long length = std::max(kStepMs, milliseconds / kMostSteps);
-    waitForSleepers(1, kBusyMs);
+void SimClock::Pass(long long milliseconds) {
+    const long long length = std::max(STEP_MS, milliseconds / MOST_STEPS);
+    WaitForSleepers(1, BUSY_MS);
     for (long long left = milliseconds; left > 0; left -= length)
-        step(std::min(left, length), 0);
+        Step(std::min(left, length), 0);
 }
 
-void SimClock::run(double speed) {
+void SimClock::Run(double speed) {
     std::lock_guard<std::mutex> guard(m_lock);
-    setBase(tickLocked());
+    SetBase(TickLocked());
     m_bHeld = false;
     m_dSpeed = std::isfinite(speed) && speed > 0.0 ? std::min(std::max(speed, 1e-3), 1e6) : 1.0;
     for (Sleeper* sleeper : m_sleepers)
         sleeper->changed.notify_one();
 }
 
-double SimClock::speed() const {
+double SimClock::Speed() const {
     std::lock_guard<std::mutex> guard(m_lock);
     return m_bHeld ? 0.0 : m_dSpeed;
 }
 
-long long SimClock::tick() const {
+long long SimClock::Tick() const {
     std::lock_guard<std::mutex> guard(m_lock);
-    return tickLocked();
+    return TickLocked();
 }
 
-void SimClock::sleep(unsigned int milliseconds) {
+void SimClock::Sleep(unsigned int milliseconds) {
     Sleeper self;
     std::unique_lock<std::mutex> guard(m_lock);
     if (m_bHeld && m_mover == std::this_thread::get_id()) {
         guard.unlock();
-        step(milliseconds, kBusyMs);  // what the caller waits for may be somebody's real work
+        Step(milliseconds, BUSY_MS);  // what the caller waits for may be somebody's real work
         return;
     }
-    self.wakeTick = tickLocked() + milliseconds;
+    self.wakeTick = TickLocked() + milliseconds;
     const auto place = m_sleepers.insert(m_sleepers.end(), &self);
     m_sleeperArrived.notify_all();
-    while (tickLocked() < self.wakeTick) {
+    while (TickLocked() < self.wakeTick) {
         if (m_bHeld)
             self.changed.wait(guard);
         else
-            self.changed.wait_until(guard, realTimeOf(self.wakeTick));
+            self.changed.wait_until(guard, RealTimeOf(self.wakeTick));
     }
     m_sleepers.erase(place);
 }
 
-int SimClock::sleepers() const {
+int SimClock::Sleepers() const {
     std::lock_guard<std::mutex> guard(m_lock);
-    return sleepersLocked();
+    return SleepersLocked();
 }
 
-bool SimClock::waitForSleepers(int count, unsigned int timeoutMs) const {
+bool SimClock::WaitForSleepers(int count, unsigned int timeoutMs) const {
     std::unique_lock<std::mutex> guard(m_lock);
     return m_sleeperArrived.wait_for(guard, std::chrono::milliseconds(timeoutMs),
-                                     [&] { return sleepersLocked() >= count; });
+                                     [&] { return SleepersLocked() >= count; });
 }
 
-long long SimClock::tickLocked() const {
+long long SimClock::TickLocked() const {
     if (m_bHeld)
         return m_llBaseTick;
     const auto passed = duration_cast<nanoseconds>(RealClock::now() - m_baseTime);
@@ -125,15 +125,15 @@ long long SimClock::tickLocked() const {
            static_cast<long long>(static_cast<double>(passed.count()) * m_dSpeed / 1e6);
 }
 
-int SimClock::sleepersLocked() const {
-    const long long now = tickLocked();
+int SimClock::SleepersLocked() const {
+    const long long now = TickLocked();
     return static_cast<int>(
         std::count_if(m_sleepers.begin(), m_sleepers.end(),
                       [now](const Sleeper* sleeper) { return sleeper->wakeTick > now; }));
 }
 
 // At most an hour ahead: a sleeper whose time has not come by then asks again.
-SimClock::RealClock::time_point SimClock::realTimeOf(long long tick) const {
+SimClock::RealClock::time_point SimClock::RealTimeOf(long long tick) const {
     const double ahead = static_cast<double>(tick - m_llBaseTick) * 1e6 / m_dSpeed;
     const auto limit = RealClock::now() + std::chrono::hours(1);
     const double toLimit =
@@ -142,7 +142,7 @@ SimClock::RealClock::time_point SimClock::realTimeOf(long long tick) const {
                            : limit;
 }
 
-void SimClock::setBase(long long tick) {
+void SimClock::SetBase(long long tick) {
     m_llBaseTick = tick;
     m_baseTime = RealClock::now();
 }

@@ -15,30 +15,30 @@ class SimClock {
 public:
     SimClock();
 
-    // While held, the clock moves only by advance().
-    void hold();
+    // While held, the clock moves only by Advance().
+    void Hold();
     // Moves the clock, held or running. Wakes those sleepers whose time has come and no other; a
     // number below 0 moves nothing.
-    void advance(long long milliseconds);
-    // Moves the clock like advance(), but in steps, and after each of them waits until the sleepers
+    void Advance(long long milliseconds);
+    // Moves the clock like Advance(), but in steps, and after each of them waits until the sleepers
     // whose time had come have gone to sleep again: what they do every so often happens so often.
-    void pass(long long milliseconds);
+    void Pass(long long milliseconds);
     // From now on a sleep of the calling thread moves a held clock to its end instead of waiting
     // for somebody to do so. One thread can have this.
-    void moveHeld();
+    void MoveHeld();
     // Ends a hold. A sleeper's remaining time passes at the new speed; speeds that are not positive
     // and finite count as 1.
-    void run(double speed = 1.0);
+    void Run(double speed = 1.0);
 
-    long long tick() const;  // milliseconds
-    double speed() const;    // 0 while the clock is held
-    void sleep(unsigned int milliseconds);
+    long long Tick() const;  // milliseconds
+    double Speed() const;    // 0 while the clock is held
+    void Sleep(unsigned int milliseconds);
 
-    // Threads in sleep() whose time has not come. advance() lowers it at once, so the next thread
+    // Threads in Sleep() whose time has not come. Advance() lowers it at once, so the next thread
     // counted has come to rest anew.
-    int sleepers() const;
+    int Sleepers() const;
     // Waits (real time) until at least count threads are counted; false if that takes too long.
-    bool waitForSleepers(int count, unsigned int timeoutMs) const;
+    bool WaitForSleepers(int count, unsigned int timeoutMs) const;
 
 private:
     using RealClock = std::chrono::steady_clock;
@@ -48,11 +48,11 @@ private:
         std::condition_variable changed;  // the clock's speed or position, in a way that matters
     };
 
-    void step(long long milliseconds, unsigned int atRestMs);
-    long long tickLocked() const;
-    int sleepersLocked() const;
-    RealClock::time_point realTimeOf(long long tick) const;
-    void setBase(long long tick);
+    void Step(long long milliseconds, unsigned int atRestMs);
+    long long TickLocked() const;
+    int SleepersLocked() const;
+    RealClock::time_point RealTimeOf(long long tick) const;
+    void SetBase(long long tick);
 
     mutable std::mutex m_lock;  // guards everything below
     mutable std::condition_variable m_sleeperArrived;

@@ -67,40 +67,40 @@ const std::vector<std::string>& FailableFunctions() {
     return names;
 }
 
-SimPanel& SimPanel::instance() {
+SimPanel& SimPanel::Instance() {
     static SimPanel& panel = *new SimPanel;
     return panel;
 }
 
-void SimPanel::reset() {
-    change([](PanelState& state) { state = PanelState(); });
-    m_clock.run();
+void SimPanel::Reset() {
+    Change([](PanelState& state) { state = PanelState(); });
+    m_clock.Run();
 }
 
-PanelState SimPanel::state() const {
+PanelState SimPanel::State() const {
     std::lock_guard<std::mutex> guard(m_lock);
     return m_state;
 }
 
-void SimPanel::change(const std::function<void(PanelState&)>& edit) {
+void SimPanel::Change(const std::function<void(PanelState&)>& edit) {
     std::lock_guard<std::mutex> guard(m_lock);
     edit(m_state);
 }
 
-void SimPanel::fail(const std::string& function, const Failure& failure) {
+void SimPanel::Fail(const std::string& function, const Failure& failure) {
     const auto& known = FailableFunctions();
     if (!std::binary_search(known.begin(), known.end(), function)) {
         std::fprintf(stderr, "no platform function '%s' can be made to fail\n", function.c_str());
         std::abort();
     }
-    change([&](PanelState& state) { state.failures[function] = failure; });
+    Change([&](PanelState& state) { state.failures[function] = failure; });
 }
 
-void SimPanel::mend(const std::string& function) {
-    change([&](PanelState& state) { state.failures.erase(function); });
+void SimPanel::Mend(const std::string& function) {
+    Change([&](PanelState& state) { state.failures.erase(function); });
 }
 
-bool SimPanel::shallFail(const char* function, int& result) {
+bool SimPanel::ShallFail(const char* function, int& result) {
     Failure failure;
     {
         std::lock_guard<std::mutex> guard(m_lock);
@@ -125,8 +125,8 @@ bool SimPanel::shallFail(const char* function, int& result) {
     return failure.fails;
 }
 
-const char* SimPanel::keepText(const std::string& text) {
-    return text.empty() ? "" : m_texts.keep(text);
+const char* SimPanel::KeepText(const std::string& text) {
+    return text.empty() ? "" : m_texts.Keep(text);
 }
 
 }  // namespace sim

@@ -104,13 +104,13 @@ struct PanelState {
 };
 
 // How many of each thing the panel keeps in mind.
-const std::size_t kKeptRecords = 1000;
+const std::size_t KEPT_RECORDS = 1000;
 
-// Appends to one of the lists above, dropping the oldest beyond kKeptRecords.
+// Appends to one of the lists above, dropping the oldest beyond KEPT_RECORDS.
 template <class T>
 void Keep(std::deque<T>& list, const T& item) {
     list.push_back(item);
-    while (list.size() > kKeptRecords)
+    while (list.size() > KEPT_RECORDS)
         list.pop_front();
 }
 
@@ -120,41 +120,41 @@ const std::vector<std::string>& FailableFunctions();
 class SimPanel {
 public:
     // Made at the first call and never destroyed, so threads may use it until the process ends.
-    static SimPanel& instance();
+    static SimPanel& Instance();
 
     // The factory state, and the clock running at its normal speed (it is not set back).
-    void reset();
+    void Reset();
     // Reads a panel.ini over the present state. Unknown keys and bad values are reported in error
     // (one line each) and make it return false; what was valid has been taken.
-    bool loadIni(const std::string& path, std::string& error);
+    bool LoadIni(const std::string& path, std::string& error);
 
-    PanelState state() const;  // a copy
+    PanelState State() const;  // a copy
     // edit runs under the panel's lock: it must not call the panel or a platform function, and
     // should be short.
-    void change(const std::function<void(PanelState&)>& edit);
+    void Change(const std::function<void(PanelState&)>& edit);
     // A name that is not in FailableFunctions() is a mistake of the caller: the program stops.
-    void fail(const std::string& function, const Failure& failure);
-    void mend(const std::string& function);
+    void Fail(const std::string& function, const Failure& failure);
+    void Mend(const std::string& function);
 
     // Consults the failures: waits if the function is slow; true if it is to fail with result.
-    bool shallFail(const char* function, int& result);
+    bool ShallFail(const char* function, int& result);
 
     // A copy of text that stays valid while the platform functions hand out fewer than
-    // TextStore::kCapacity other texts.
-    const char* keepText(const std::string& text);
+    // TextStore::CAPACITY other texts.
+    const char* KeepText(const std::string& text);
 
     // The clock behind Olma_GetTickCount and Olma_Sleep; see SimClock.
-    void holdClock() { m_clock.hold(); }
-    void advanceClock(long long milliseconds) { m_clock.advance(milliseconds); }
-    void runClock(double speed = 1.0) { m_clock.run(speed); }
-    double clockSpeed() const { return m_clock.speed(); }
-    void passClock(long long milliseconds) { m_clock.pass(milliseconds); }
-    void moveHeldClock() { m_clock.moveHeld(); }
-    long long tick() const { return m_clock.tick(); }
-    void sleep(unsigned int milliseconds) { m_clock.sleep(milliseconds); }
-    int sleepers() const { return m_clock.sleepers(); }
-    bool waitForSleepers(int count, unsigned int timeoutMs = 10000) const {
-        return m_clock.waitForSleepers(count, timeoutMs);
+    void HoldClock() { m_clock.Hold(); }
+    void AdvanceClock(long long milliseconds) { m_clock.Advance(milliseconds); }
+    void RunClock(double speed = 1.0) { m_clock.Run(speed); }
+    double ClockSpeed() const { return m_clock.Speed(); }
+    void PassClock(long long milliseconds) { m_clock.Pass(milliseconds); }
+    void MoveHeldClock() { m_clock.MoveHeld(); }
+    long long Tick() const { return m_clock.Tick(); }
+    void Sleep(unsigned int milliseconds) { m_clock.Sleep(milliseconds); }
+    int Sleepers() const { return m_clock.Sleepers(); }
+    bool WaitForSleepers(int count, unsigned int timeoutMs = 10000) const {
+        return m_clock.WaitForSleepers(count, timeoutMs);
     }
 
 private:

@@ -107,7 +107,7 @@ TEST_F(Dispatch, RoutesNamesWithoutRegardToCase) {
     EXPECT_FALSE(Panel().lightOn);
     EXPECT_EQ(Run("BACKLIGHTON()"), 0.0);
     EXPECT_TRUE(Panel().lightOn);
-    sim::SimPanel::instance().fail("hal_set_lcd_status", {});
+    sim::SimPanel::Instance().Fail("hal_set_lcd_status", {});
     EXPECT_EQ(Run("BACKLIGHTOFF()"), 9.0);
 }
 
@@ -232,7 +232,7 @@ TEST_F(ChannelWrites, TellTheGuiAndExpireTheValues) {
 }
 
 TEST_F(ChannelWrites, PauseBeforeTheTestTone) {
-    sim::SimPanel& panel = sim::SimPanel::instance();
+    sim::SimPanel& panel = sim::SimPanel::Instance();
     const struct {
         const char* stored;
         long long pauseMs;
@@ -241,19 +241,19 @@ TEST_F(ChannelWrites, PauseBeforeTheTestTone) {
         IniOperator::FileIniWriteValue(QLatin1String("/usr/olma_app/config/olma_app_conf.ini"),
                                        QLatin1String("DEVICE"), QLatin1String("buzz_duration"),
                                        QString::fromLatin1(c.stored));
-        panel.runClock(1000.0);
-        panel.holdClock();
-        const long long start = panel.tick();
+        panel.RunClock(1000.0);
+        panel.HoldClock();
+        const long long start = panel.Tick();
         const std::size_t beeped = Panel().beeps.size();
         std::thread writer([&] { EXPECT_EQ(Write(7, "2.9"), 0.0); });
         for (int i = 0; i < c.pauseMs; ++i) {
-            while (panel.sleepers() == 0)
+            while (panel.Sleepers() == 0)
                 std::this_thread::yield();
             EXPECT_EQ(Panel().beeps.size(), beeped);  // not yet
-            panel.advanceClock(1);
+            panel.AdvanceClock(1);
         }
         writer.join();
-        EXPECT_EQ(panel.tick() - start, c.pauseMs) << c.stored;
+        EXPECT_EQ(panel.Tick() - start, c.pauseMs) << c.stored;
     }
     EXPECT_EQ(Write(7, "-1"), 4.0);
     const auto beeps = Panel().beeps;
@@ -288,14 +288,14 @@ TEST_F(ChannelWrites, SetAddressesOfTheInterfaceTheyMean) {
     EXPECT_EQ(applied[1].netmask, 0x0000FFFFu);
     ChangePanel([](sim::PanelState& state) { state.interfaces.resize(1); });
     EXPECT_EQ(Write(8, "10.1.2.3"), 8.0);
-    sim::SimPanel::instance().fail("hal_set_ip_addr", {});
+    sim::SimPanel::Instance().Fail("hal_set_ip_addr", {});
     EXPECT_EQ(Write(1, "10.1.2.3"), 7.0);
-    sim::SimPanel::instance().fail("hal_get_network_count", {});
+    sim::SimPanel::Instance().Fail("hal_get_network_count", {});
     EXPECT_EQ(Write(1, "10.1.2.3"), 6.0);
 }
 
 TEST_F(ChannelWrites, ReportTheBrightnessHardware) {
-    sim::SimPanel::instance().fail("hal_display_set_backlight_brightness", {});
+    sim::SimPanel::Instance().Fail("hal_display_set_backlight_brightness", {});
     EXPECT_EQ(Write(21, "40"), 15.0);
     EXPECT_EQ(Stored(hxd::KEY_BACKLIGHT_BRIGHTNESS), "");
     ChangePanel([](sim::PanelState& state) { state.brightness = -19; });

@@ -130,7 +130,7 @@ class Settings : public testing::Test {
 protected:
     ~Settings() override {
         ::unlink(FILE_NAME);
-        sim::SimPanel::instance().reset();
+        sim::SimPanel::Instance().Reset();
     }
 };
 
@@ -214,7 +214,7 @@ TEST_F(Settings, SurviveTheEndOfProcessesInAWrite) {
 
 // On a disk with room for ever more of the new file's pages.
 TEST_F(Settings, ThatTheDiskRefusesLeaveNoTrace) {
-    sim::SimPanel::instance().change(
+    sim::SimPanel::Instance().Change(
         [](sim::PanelState& state) { state.directories[1] = "/storage"; });
     const char* const file = "/storage/olma_app_conf.ini";
     const char* const filler = "/storage/filler";
@@ -319,7 +319,7 @@ TEST_F(Settings, AreReadWithDefaultsAndRefuseEmptyNames) {
 }
 
 TEST_F(Settings, LieInThePanelsFolderWhereTheHostNamesNone) {
-    sim::SimPanel::instance().change([](sim::PanelState& state) { state.directories.clear(); });
+    sim::SimPanel::Instance().Change([](sim::PanelState& state) { state.directories.clear(); });
     EXPECT_EQ(hxd::AppSettings().Write(hxd::KEY_BUZZ_DURATION, QLatin1String("30")), 0);
     EXPECT_EQ(readFile(FILE_NAME), "[DEVICE]\nbuzz_duration=30\n");
 }

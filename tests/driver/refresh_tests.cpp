@@ -56,7 +56,7 @@ TEST_F(Refresh, InitialisesTheStorageManagerUntilThatWorksAndThenRefreshesIt) {
         const char* calls;
         double life, gear;
     } rounds[] = {{"i", -1, -1}, {"ii", -1, -1}, {"iii", 77, 2}, {"iiir??", 77, 2}};
-    sim::SimPanel::instance().runClock(100.0);
+    sim::SimPanel::Instance().RunClock(100.0);
     for (const auto& round : rounds) {
         Run();
         EXPECT_EQ(calls, round.calls);
@@ -76,7 +76,7 @@ TEST_F(Refresh, ShowsOneOrTwoInterfacesAndLeavesOtherNumbersAlone) {
         {3, {"old", "old", "old", "old"}},
     };
     for (const auto& c : cases) {
-        sim::SimPanel::instance().reset();
+        sim::SimPanel::Instance().Reset();
         ChangePanel([&](sim::PanelState& state) { state.interfaces.resize(c.interfaces); });
         PresetTexts("old");
         Run();
@@ -85,7 +85,7 @@ TEST_F(Refresh, ShowsOneOrTwoInterfacesAndLeavesOtherNumbersAlone) {
             EXPECT_EQ(Text(channels[i]), c.texts[i]) << c.interfaces;
     }
     // A MAC address that cannot be read leaves its text as it was.
-    sim::SimPanel::instance().reset();
+    sim::SimPanel::Instance().Reset();
     ChangePanel([](sim::PanelState& state) {
         state.interfaces[1].macAddress.clear();
         state.interfaces[0].macAddress = "aa:bb:0c:dd:ee:ff";
@@ -94,7 +94,7 @@ TEST_F(Refresh, ShowsOneOrTwoInterfacesAndLeavesOtherNumbersAlone) {
     Run();
     EXPECT_EQ(Text(22), "AA:BB:0C:DD:EE:FF");
     EXPECT_EQ(Text(23), "old");
-    sim::SimPanel::instance().fail("hal_get_network_count", {});
+    sim::SimPanel::Instance().Fail("hal_get_network_count", {});
     PresetTexts("old");
     Run();
     EXPECT_EQ(Text(1) + Text(22), "oldold");

@@ -42,7 +42,7 @@ protected:
     ~Device() override {
         destroy(device);
         ::dlclose(library);
-        sim::SimPanel::instance().reset();
+        sim::SimPanel::Instance().Reset();
     }
 
     int Init() { return device->InitDevice(BLOB, sizeof BLOB); }
@@ -137,7 +137,7 @@ TEST_F(Device, DeliversTheChannelsByTheirTypes) {
             return 3;
         return channel == 20 ? 1 : channel == 5 ? 77 : 2;  // 77: no type that anybody knows
     };
-    sim::SimPanel::instance().change([](sim::PanelState& state) {
+    sim::SimPanel::Instance().Change([](sim::PanelState& state) {
         state.interfaces[0].macAddress = "02:48:58:44:00:2a";
         state.uarts[0] = {true, {7350, 2650, 0, 4200}};
         state.uarts[2].present = false;
@@ -159,7 +159,7 @@ TEST_F(Device, DeliversTheChannelsByTheirTypes) {
 TEST_F(Device, ReadsItsSourcesAgainOnlyAfterACommandThatExpiresThem) {
     ASSERT_EQ(Init(), 0);
     Collect();
-    sim::SimPanel::instance().change([](sim::PanelState& state) { state.brightness = 35; });
+    sim::SimPanel::Instance().Change([](sim::PanelState& state) { state.brightness = 35; });
     Collect();
     EXPECT_EQ(host.numberChannels[20], 80.0);
     EXPECT_EQ(device->DevIOCtrl("GetCpuUse(10)"), 0);

@@ -30,7 +30,7 @@ __attribute__((constructor)) void SetUp() {
     std::string error;
     const char* const panel = std::getenv("HXD_PANEL_DIR");
     if (panel != nullptr && ::access((std::string(panel) + "/panel.ini").c_str(), R_OK) == 0 &&
-        !sim::SimPanel::instance().loadIni(std::string(panel) + "/panel.ini", error))
+        !sim::SimPanel::Instance().LoadIni(std::string(panel) + "/panel.ini", error))
         std::fprintf(stderr, "%s", error.c_str());
 }
 

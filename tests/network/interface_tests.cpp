@@ -19,7 +19,7 @@ protected:
         sim::Failure failure;
         failure.result = result;
         failure.after = after;
-        sim::SimPanel::instance().fail(function, failure);
+        sim::SimPanel::Instance().Fail(function, failure);
     }
     static void SetFlags(std::uint8_t flags) {
         ChangePanel([=](sim::PanelState& state) { state.interfaces[0].record.flags = flags; });

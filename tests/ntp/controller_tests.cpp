@@ -91,7 +91,7 @@ TEST_F(TimeControl, SetsBothClocksToTheServersTime) {
     EXPECT_EQ(Panel().rtcSettings.back().tm_hour, 30);
     EXPECT_EQ(Count(readFile(COMMANDS), " (refused)\n"), 1) << "but the other clock was set";
 
-    sim::SimPanel::instance().fail("hal_set_rtc_time", sim::Failure());
+    sim::SimPanel::Instance().Fail("hal_set_rtc_time", sim::Failure());
     EXPECT_EQ(Exec(), 10);
     EXPECT_EQ(ntp_commands::ExecNtp(record, "nobody"), -4);
     control.enableNtp(0);
@@ -205,16 +205,16 @@ TEST_F(TimeControl, SynchronisesByItselfWhenDue) {
     const auto synchronised = [&](int times) {
         return WaitFor([=] { return static_cast<int>(Panel().rtcSettings.size()) >= times; });
     };
-    sim::SimPanel::instance().holdClock();
+    sim::SimPanel::Instance().HoldClock();
     NtpCtrl& control = StartAutomatic({"127.0.0.11"});
     ASSERT_TRUE(synchronised(1));
     // Two ticks, in which the end of the synchronisation is noted.
     std::this_thread::sleep_for(std::chrono::milliseconds(450));
-    sim::SimPanel::instance().advanceClock(2 * 3600000 - 1);
+    sim::SimPanel::Instance().AdvanceClock(2 * 3600000 - 1);
     control.setNtpServer(QLatin1String("127.0.0.11"), 1);
     std::this_thread::sleep_for(std::chrono::milliseconds(450));
     EXPECT_EQ(Panel().rtcSettings.size(), 1u) << "neither the period is over nor do servers count";
-    sim::SimPanel::instance().advanceClock(1);
+    sim::SimPanel::Instance().AdvanceClock(1);
     ASSERT_TRUE(synchronised(2));
     control.setNtpFreq(3);
     ASSERT_TRUE(synchronised(3));

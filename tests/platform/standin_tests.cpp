@@ -28,16 +28,16 @@ using sim::SimPanel;
 namespace {
 
 struct StandIn : testing::Test {
-    SimPanel& panel = SimPanel::instance();
-    StandIn() { panel.reset(); }
-    ~StandIn() override { panel.reset(); }
+    SimPanel& panel = SimPanel::Instance();
+    StandIn() { panel.Reset(); }
+    ~StandIn() override { panel.Reset(); }
 };
 
 bool Load(const std::string& content, std::string& error) {
     static int number = 0;  // Qt may answer from its memory of a file of the same name and size
     const std::string path = testing::TempDir() + "panel" + std::to_string(++number) + ".ini";
     std::ofstream(path) << content;
-    const bool taken = SimPanel::instance().loadIni(path, error);
+    const bool taken = SimPanel::Instance().LoadIni(path, error);
     std::remove(path.c_str());
     return taken;
 }
@@ -91,31 +91,31 @@ TEST(SplitCsvStrPieces, AreOneMoreThanSeparators) {
 }
 
 TEST_F(StandIn, HeldClockWakesExactlyThoseWhoseTimeHasCome) {
-    panel.holdClock();
+    panel.HoldClock();
     const long long start = Olma_GetTickCount();
     std::thread late([] { Olma_Sleep(1000); });
     std::thread early([] { Olma_Sleep(200); });
-    EXPECT_TRUE(panel.waitForSleepers(2));
-    panel.advanceClock(199);
-    EXPECT_EQ(2, panel.sleepers());
-    panel.advanceClock(1);
-    EXPECT_EQ(1, panel.sleepers());
+    EXPECT_TRUE(panel.WaitForSleepers(2));
+    panel.AdvanceClock(199);
+    EXPECT_EQ(2, panel.Sleepers());
+    panel.AdvanceClock(1);
+    EXPECT_EQ(1, panel.Sleepers());
     early.join();
     EXPECT_EQ(start + 200, Olma_GetTickCount());
-    panel.runClock(100000.0);  // let run, the other one's 800 ms pass at the new speed
+    panel.RunClock(100000.0);  // let run, the other one's 800 ms pass at the new speed
     late.join();
     EXPECT_GE(Olma_GetTickCount(), start + 1000);
 }
 
 TEST_F(StandIn, FailsAsOftenAsItWasTold) {
-    panel.fail("Olma_Beep", {-7, 2});
+    panel.Fail("Olma_Beep", {-7, 2});
     EXPECT_EQ(-7, Olma_Beep(900, 30));
     EXPECT_EQ(-7, Olma_Beep(900, 30));
     EXPECT_EQ(0, Olma_Beep(900, 30));
-    EXPECT_EQ(1u, panel.state().beeps.size());
-    panel.fail("Olma_GetDirectory", {});
+    EXPECT_EQ(1u, panel.State().beeps.size());
+    panel.Fail("Olma_GetDirectory", {});
     EXPECT_STREQ("", Olma_GetDirectory(2));
-    panel.mend("Olma_GetDirectory");
+    panel.Mend("Olma_GetDirectory");
     EXPECT_STREQ("/usr/olma_app", Olma_GetDirectory(2));
 }
 
@@ -127,7 +127,7 @@ TEST_F(StandIn, PanelIniReplacesWhatItNamesAndReportsTheRest) {
              "hal_get_network=slow,20\n",
              error))
         << error;
-    PanelState state = panel.state();
+    PanelState state = panel.State();
     EXPECT_EQ(-19, state.brightness);
     EXPECT_FALSE(state.lightOn);
     ASSERT_EQ(1u, state.interfaces.size());
@@ -145,14 +145,14 @@ TEST_F(StandIn, PanelIniReplacesWhatItNamesAndReportsTheRest) {
                             "[failures]\nOlma_Beep=slow", "[failures]\nOlma_Beep=-1,0"}) {
         EXPECT_FALSE(Load(std::string(bad) + "\n[panel]\nserial=S7\n", error)) << bad;
         EXPECT_EQ(1, std::count(error.begin(), error.end(), '\n')) << error;
-        EXPECT_EQ("S7", panel.state().serialNumber) << bad;
+        EXPECT_EQ("S7", panel.State().serialNumber) << bad;
     }
-    EXPECT_FALSE(panel.loadIni("/does/not/exist", error));
+    EXPECT_FALSE(panel.LoadIni("/does/not/exist", error));
 }
 
 TEST_F(StandIn, CaptureIsAPictureOfTheWholeScreen) {
     const std::string directory = testing::TempDir() + "captures";
-    panel.change([&](PanelState& state) {
+    panel.Change([&](PanelState& state) {
         state.directories[8] = directory;
         state.screenRows = {{"CPU use", "3 %"}, {std::string(500, 'n'), std::string(500, 'v')}};
     });
@@ -163,7 +163,7 @@ TEST_F(StandIn, CaptureIsAPictureOfTheWholeScreen) {
     for (int x = 0; x < 800; ++x)
         colours.insert(picture.pixel(x, 60));
     EXPECT_GT(colours.size(), 2);
-    EXPECT_EQ(-10, panel.state().captures.back().width);
+    EXPECT_EQ(-10, panel.State().captures.back().width);
     for (const char* path : {"", "../s.bmp", "a b/", "a b"})
         EXPECT_NE(0, __gui_screen_capture("$OLMA_DIR_USER", path, 1, 0, 0, 0, 0)) << path;
 }

@@ -28,20 +28,20 @@ QVector<QString> Lines(const char* text) {
 // A manager of the panel's storage, under a held clock: its worker makes one pass a tick.
 class StorageHealth : public testing::Test {
 protected:
-    StorageHealth() { panel.holdClock(); }
+    StorageHealth() { panel.HoldClock(); }
     ~StorageHealth() override {
         Stop();
-        panel.reset();
+        panel.Reset();
     }
     void Stop() {
-        panel.runClock(1000.0);  // the worker's last sleep
+        panel.RunClock(1000.0);  // the worker's last sleep
         disk.reset();
-        panel.holdClock();
+        panel.HoldClock();
     }
-    bool Init() { return disk->init() && panel.waitForSleepers(1); }
+    bool Init() { return disk->init() && panel.WaitForSleepers(1); }
     void Advance(long long milliseconds) {
-        panel.advanceClock(milliseconds);
-        ASSERT_TRUE(panel.waitForSleepers(1));
+        panel.AdvanceClock(milliseconds);
+        ASSERT_TRUE(panel.WaitForSleepers(1));
     }
     // As the collection asks: request, and one pass later the answer.
     int GearNow() {
@@ -52,7 +52,7 @@ protected:
         return disk->getDiskIO();
     }
 
-    sim::SimPanel& panel = sim::SimPanel::instance();
+    sim::SimPanel& panel = sim::SimPanel::Instance();
     std::unique_ptr<DiskInterface> disk = MakeDiskManager();
 };
 
@@ -305,7 +305,7 @@ TEST_F(NandHealth, StartsAtTheThirdAttemptAndEndsInEveryState) {
     ASSERT_TRUE(Init());
     writeFile("/run/shims/mount", "sleep 0.2\n");
     disk->refresh();
-    panel.advanceClock(TICK_MS);
+    panel.AdvanceClock(TICK_MS);
     while (readFile("/run/panel-commands.log").size() <= Counts(3).size())
         ::usleep(1000);
     Stop();
@@ -319,14 +319,14 @@ TEST_F(NandHealth, ARequestDuringAMeasurementIsAnsweredByTheNextOne) {
     ASSERT_EQ(::mkdir("/run/shims", 0755), 0);
     writeFile("/run/shims/umount", ": >/tmp/read; until [ -e /tmp/go ]; do sleep 0.01; done\n");
     disk->refresh();
-    panel.advanceClock(TICK_MS);
+    panel.AdvanceClock(TICK_MS);
     while (::access("/tmp/read", F_OK) != 0)
         ::usleep(1000);
     EXPECT_FALSE(disk->refreshRes());
     SetErased(1000000 + 585);
     disk->refresh();
     writeFile("/tmp/go", "");
-    ASSERT_TRUE(panel.waitForSleepers(1));
+    ASSERT_TRUE(panel.WaitForSleepers(1));
     EXPECT_FALSE(disk->refreshRes());
     EXPECT_EQ(disk->getDiskIO(), 1);
     Advance(TICK_MS);

@@ -23,13 +23,13 @@ protected:
         record.m_pfnSetParamValue = CDevCtrl::SetParamValue_Fun;
         record.m_arrValue.SetSize(33);
         record.m_arrStrValue.SetSize(33);
-        sim::SimPanel::instance().reset();
+        sim::SimPanel::Instance().Reset();
     }
-    ~RecordTest() override { sim::SimPanel::instance().reset(); }
+    ~RecordTest() override { sim::SimPanel::Instance().Reset(); }
 
-    static sim::PanelState Panel() { return sim::SimPanel::instance().state(); }
+    static sim::PanelState Panel() { return sim::SimPanel::Instance().State(); }
     static void ChangePanel(const std::function<void(sim::PanelState&)>& edit) {
-        sim::SimPanel::instance().change(edit);
+        sim::SimPanel::Instance().Change(edit);
     }
 
     FakeHost host;

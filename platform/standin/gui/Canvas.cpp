@@ -13,7 +13,7 @@ std::string Characters(const std::string& utf8) {
         const bool printable = byte >= ' ' && byte <= '~';
         const bool continues = (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
         if (!continues)
-            characters += printable ? byte : sim::kBoxCharacter;
+            characters += printable ? byte : sim::BOX_CHARACTER;
     }
     return characters;
 }
@@ -21,7 +21,7 @@ std::string Characters(const std::string& utf8) {
 // A quarter of a glyph's pixel, right and down telling which: set if the pixel is, and rounded
 // where two neighbours at that corner say that a slanted line passes. The box keeps its corners.
 bool QuarterSet(char character, int column, int row, bool right, bool down) {
-    if (character == sim::kBoxCharacter)
+    if (character == sim::BOX_CHARACTER)
         return sim::GlyphPixel(character, column, row);
     const int aside = right ? 1 : -1;
     const int beyond = down ? 1 : -1;
@@ -42,7 +42,7 @@ Canvas::Canvas(int width, int height, QRgb background)
     m_image.fill(background);
 }
 
-void Canvas::fill(int x, int y, int width, int height, QRgb colour) {
+void Canvas::Fill(int x, int y, int width, int height, QRgb colour) {
     const int left = std::max(x, 0), right = std::min(x + width, m_image.width());
     const int top = std::max(y, 0), bottom = std::min(y + height, m_image.height());
     for (int row = top; row < bottom; ++row) {
@@ -52,38 +52,38 @@ void Canvas::fill(int x, int y, int width, int height, QRgb colour) {
     }
 }
 
-void Canvas::text(int x, int y, const std::string& text, QRgb colour, int scale) {
+void Canvas::Text(int x, int y, const std::string& text, QRgb colour, int scale) {
     for (const char character : Characters(text)) {
-        glyph(x, y, character, colour, scale);
-        x += kGlyphAdvance * scale;
+        Glyph(x, y, character, colour, scale);
+        x += GLYPH_ADVANCE * scale;
     }
 }
 
-int Canvas::textWidth(const std::string& text, int scale) {
-    return static_cast<int>(Characters(text).size()) * kGlyphAdvance * scale;
+int Canvas::TextWidth(const std::string& text, int scale) {
+    return static_cast<int>(Characters(text).size()) * GLYPH_ADVANCE * scale;
 }
 
-std::string Canvas::fitted(const std::string& text, int width, int scale) {
-    const std::size_t room = static_cast<std::size_t>(std::max(width, 0) / (kGlyphAdvance * scale));
+std::string Canvas::Fitted(const std::string& text, int width, int scale) {
+    const std::size_t room = static_cast<std::size_t>(std::max(width, 0) / (GLYPH_ADVANCE * scale));
     std::string characters = Characters(text);
     if (characters.size() <= room)
         return characters;
     return room <= 2 ? std::string(room, '.') : characters.substr(0, room - 2) + "..";
 }
 
-void Canvas::plot(int x, int y, QRgb colour) {
+void Canvas::Plot(int x, int y, QRgb colour) {
     if (m_image.rect().contains(x, y))
         m_image.setPixel(x, y, colour);
 }
 
-void Canvas::glyph(int x, int y, char character, QRgb colour, int scale) {
-    for (int row = 0; row < kGlyphHeight * scale; ++row) {
-        for (int column = 0; column < kGlyphWidth * scale; ++column) {
+void Canvas::Glyph(int x, int y, char character, QRgb colour, int scale) {
+    for (int row = 0; row < GLYPH_HEIGHT * scale; ++row) {
+        for (int column = 0; column < GLYPH_WIDTH * scale; ++column) {
             const bool set = scale == 2 ? QuarterSet(character, column / 2, row / 2,
                                                      column % 2 != 0, row % 2 != 0)
                                         : GlyphPixel(character, column / scale, row / scale);
             if (set)
-                plot(x + column, y + row, colour);
+                Plot(x + column, y + row, colour);
         }
     }
 }

@@ -12,21 +12,21 @@ class Canvas {
 public:
     Canvas(int width, int height, QRgb background);
 
-    const QImage& image() const { return m_image; }
+    const QImage& Image() const { return m_image; }
 
     // Everything is clipped to the image.
-    void fill(int x, int y, int width, int height, QRgb colour);
+    void Fill(int x, int y, int width, int height, QRgb colour);
 
     // Text is UTF-8, its top left corner at (x, y); a character outside ASCII is drawn as a box.
     // scale 2 smooths the corners.
-    void text(int x, int y, const std::string& text, QRgb colour, int scale);
-    static int textWidth(const std::string& text, int scale);
+    void Text(int x, int y, const std::string& text, QRgb colour, int scale);
+    static int TextWidth(const std::string& text, int scale);
     // text, cut and marked with ".." if it is wider than width.
-    static std::string fitted(const std::string& text, int width, int scale);
+    static std::string Fitted(const std::string& text, int width, int scale);
 
 private:
-    void plot(int x, int y, QRgb colour);
-    void glyph(int x, int y, char character, QRgb colour, int scale);
+    void Plot(int x, int y, QRgb colour);
+    void Glyph(int x, int y, char character, QRgb colour, int scale);
 
     QImage m_image;
 };

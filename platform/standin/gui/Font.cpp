@@ -3,12 +3,12 @@
 namespace {
 
 // A glyph is five columns; bit 0 is the top row, bit 7 the row below the base line.
-using Glyph = unsigned char[sim::kGlyphWidth];
+using Glyph = unsigned char[sim::GLYPH_WIDTH];
 
-const unsigned char kFirst = ' ';
-const unsigned char kLast = '~';
+const unsigned char FIRST = ' ';
+const unsigned char LAST = '~';
 
-const Glyph kGlyphs[kLast - kFirst + 1] = {
+const Glyph GLYPHS[LAST - FIRST + 1] = {
     {0x00, 0x00, 0x00, 0x00, 0x00},  // blank
     {0x00, 0x00, 0x5F, 0x00, 0x00},  // !
     {0x00, 0x07, 0x00, 0x07, 0x00},  // "
@@ -106,14 +106,14 @@ const Glyph kGlyphs[kLast - kFirst + 1] = {
     {0x08, 0x04, 0x08, 0x10, 0x08},  // ~
 };
 
-const Glyph kBox = {0x7F, 0x41, 0x41, 0x41, 0x7F};  // kBoxCharacter
+const Glyph BOX = {0x7F, 0x41, 0x41, 0x41, 0x7F};  // BOX_CHARACTER
 
 }  // namespace
 
 bool sim::GlyphPixel(char character, int column, int row) {
-    if (column < 0 || column >= kGlyphWidth || row < 0 || row >= kGlyphHeight)
+    if (column < 0 || column >= GLYPH_WIDTH || row < 0 || row >= GLYPH_HEIGHT)
         return false;
     const unsigned char code = static_cast<unsigned char>(character);
-    const Glyph& glyph = code >= kFirst && code <= kLast ? kGlyphs[code - kFirst] : kBox;
+    const Glyph& glyph = code >= FIRST && code <= LAST ? GLYPHS[code - FIRST] : BOX;
     return (glyph[column] >> row & 1) != 0;
 }

@@ -4,12 +4,12 @@
 
 namespace sim {
 
-const int kGlyphWidth = 5;
-const int kGlyphHeight = 8;  // 7 above the base line, 1 below
-const int kGlyphAdvance = 6;
+const int GLYPH_WIDTH = 5;
+const int GLYPH_HEIGHT = 8;  // 7 above the base line, 1 below
+const int GLYPH_ADVANCE = 6;
 
 // Drawn for every character that is not printable ASCII.
-const char kBoxCharacter = 0x7F;
+const char BOX_CHARACTER = 0x7F;
 
 // Whether the glyph covers a pixel; false outside the glyph.
 bool GlyphPixel(char character, int column, int row);

@@ -38,11 +38,11 @@ private:
 };
 
 std::string Trimmed(const std::string& text) {
-    const char* const kWhiteSpace = " \t\r";
-    const std::size_t first = text.find_first_not_of(kWhiteSpace);
+    const char* const whiteSpace = " \t\r";
+    const std::size_t first = text.find_first_not_of(whiteSpace);
     if (first == std::string::npos)
         return std::string();
-    return text.substr(first, text.find_last_not_of(kWhiteSpace) - first + 1);
+    return text.substr(first, text.find_last_not_of(whiteSpace) - first + 1);
 }
 
 // The keys of section DEVICE. Not read with QSettings: its process-wide memory of files would show
@@ -90,31 +90,31 @@ std::string SettingsPath(const PanelState& state) {
 }
 
 void NoteCall(const std::string& call) {
-    SimPanel::instance().change([&](PanelState& state) { sim::Keep(state.guiCalls, call); });
+    SimPanel::Instance().Change([&](PanelState& state) { sim::Keep(state.guiCalls, call); });
 }
 
 // The file is read outside the panel's lock: its own lock may be held by another process.
 void Reload(bool always) {
     GuiSettings settings;
     std::string path;
-    SimPanel::instance().change([&](PanelState& state) {
+    SimPanel::Instance().Change([&](PanelState& state) {
         settings = state.guiSettings;
         path = SettingsPath(state);
     });
     if (settings.loaded && !always)
         return;
     ReadSettingsFile(path, settings);
-    SimPanel::instance().change([&](PanelState& state) { state.guiSettings = settings; });
+    SimPanel::Instance().Change([&](PanelState& state) { state.guiSettings = settings; });
 }
 
 int Setting(const char* function, int reload, int GuiSettings::*setting) noexcept {
     try {
         NoteCall(function + ("(" + std::to_string(reload) + ")"));
         int result = 0;
-        if (SimPanel::instance().shallFail(function, result))
+        if (SimPanel::Instance().ShallFail(function, result))
             return result;
         Reload(reload == 1);
-        SimPanel::instance().change(
+        SimPanel::Instance().Change(
             [&](PanelState& state) { result = state.guiSettings.*setting; });
         return result;
     } catch (...) {
@@ -140,7 +140,7 @@ void __gui_reset_lcdlight_timer(void) {
     try {
         NoteCall(std::string(__func__) + "()");
         int ignored = 0;
-        SimPanel::instance().shallFail(__func__, ignored);
+        SimPanel::Instance().ShallFail(__func__, ignored);
     } catch (...) {
         // No memory to note the call down; there is nothing else to do.
     }

@@ -19,8 +19,8 @@ using sim::SimPanel;
 
 namespace {
 
-const char* const kUserDirectoryMacro = "$OLMA_DIR_USER";
-const int kUserDirectoryKind = 8;
+const char* const USER_DIRECTORY_MACRO = "$OLMA_DIR_USER";
+const int USER_DIRECTORY_KIND = 8;
 
 std::string TextOfAddress(uint32_t address) {
     char text[INET_ADDRSTRLEN] = "";
@@ -86,16 +86,16 @@ int Save(const QImage& picture, const std::string& directory, const QString& rel
 
 int Capture(const std::string& dirMacro, const std::string& relativePath) {
     int result = 0;
-    if (SimPanel::instance().shallFail("__gui_screen_capture", result))
+    if (SimPanel::Instance().ShallFail("__gui_screen_capture", result))
         return result;
     const QString path = QFile::decodeName(relativePath.c_str());
-    if (dirMacro != kUserDirectoryMacro || !StaysBelow(path))
+    if (dirMacro != USER_DIRECTORY_MACRO || !StaysBelow(path))
         return -EINVAL;
 
     std::string directory;
     ScreenContent content;
-    SimPanel::instance().change([&](PanelState& state) {
-        const auto found = state.directories.find(kUserDirectoryKind);
+    SimPanel::Instance().Change([&](PanelState& state) {
+        const auto found = state.directories.find(USER_DIRECTORY_KIND);
         if (found != state.directories.end())
             directory = found->second;
         content = ContentOf(state);
@@ -112,7 +112,7 @@ int __gui_screen_capture(const char* dirMacro, const char* relativePath, int fla
     try {
         const sim::Capture request = {
             dirMacro ? dirMacro : "", relativePath ? relativePath : "", flag, x, y, width, height};
-        SimPanel::instance().change([&](PanelState& state) { sim::Keep(state.captures, request); });
+        SimPanel::Instance().Change([&](PanelState& state) { sim::Keep(state.captures, request); });
         return Capture(request.dirMacro, request.relativePath);
     } catch (...) {
         return -ENOMEM;

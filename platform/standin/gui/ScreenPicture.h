@@ -19,8 +19,8 @@ struct ScreenContent {
     std::vector<std::pair<std::string, std::string>> rows;
 };
 
-const int kScreenWidth = 800;
-const int kScreenHeight = 480;
+const int SCREEN_WIDTH = 800;
+const int SCREEN_HEIGHT = 480;
 
 // Title bar, table in two columns, footer. Rows that find no place are counted in the footer.
 QImage DrawScreen(const ScreenContent& content);

@@ -5,7 +5,7 @@ using sim::Guarded;
 using sim::PanelState;
 
 namespace {
-const int kNoBrightnessControl = -19;
+const int NO_BRIGHTNESS_CONTROL = -19;
 }
 
 int hal_display_get_backlight_brightness(void) {
@@ -14,8 +14,8 @@ int hal_display_get_backlight_brightness(void) {
 
 int hal_display_set_backlight_brightness(int percent) {
     return Guarded(__func__, [percent](PanelState& state) {
-        if (state.brightness == kNoBrightnessControl)
-            return kNoBrightnessControl;
+        if (state.brightness == NO_BRIGHTNESS_CONTROL)
+            return NO_BRIGHTNESS_CONTROL;
         if (percent < 0 || percent > 100)
             return -EINVAL;
         state.brightness = percent;

@@ -15,12 +15,12 @@ const char* Olma_GetDirectory(int kind, int /*option*/) {
 }
 
 long long Olma_GetTickCount(void) {
-    return SimPanel::instance().tick();
+    return SimPanel::Instance().Tick();
 }
 
 void Olma_Sleep(unsigned int milliseconds) {
     try {
-        SimPanel::instance().sleep(milliseconds);
+        SimPanel::Instance().Sleep(milliseconds);
     } catch (...) {
         // No memory to note the sleeper down: the caller goes on at once.
     }

@@ -10,7 +10,7 @@ using sim::PanelState;
 
 namespace {
 
-const std::size_t kMacTextSize = 20;
+const std::size_t MAC_TEXT_SIZE = 20;
 
 // Names may fill the record's field without a terminating zero.
 Interface* FindInterface(PanelState& state, const char* name) {
@@ -88,7 +88,7 @@ int hal_get_mac_address(const char* name, char* text) {
             return -ENODEV;
         if (found->macAddress.empty())
             return -EIO;
-        std::snprintf(text, kMacTextSize, "%s", found->macAddress.c_str());
+        std::snprintf(text, MAC_TEXT_SIZE, "%s", found->macAddress.c_str());
         return 0;
     });
 }

@@ -1,4 +1,4 @@
-// SimPanel::loadIni: one table per kind of section says which keys there are and what they take.
+// SimPanel::LoadIni: one table per kind of section says which keys there are and what they take.
 #include "SimPanel.h"
 
 #include <QFile>
@@ -31,8 +31,8 @@ using sim::Uart;
 using Section = std::map<std::string, std::string>;
 using Sections = std::map<std::string, Section>;
 
-const std::size_t kMostInterfaces = 16;
-const unsigned kLongestDelayMs = 600000;
+const std::size_t MOST_INTERFACES = 16;
+const unsigned LONGEST_DELAY_MS = 600000;
 
 // ---- Reading the file -------------------------------------------------------------------------
 
@@ -100,9 +100,9 @@ bool TakeInt32(const std::string& text, int32_t& value) {
 }
 
 bool TakeSwitch(const std::string& text, bool& value) {
-    static const char* const kWords[][2] = {
+    static const char* const words[][2] = {
         {"off", "on"}, {"no", "yes"}, {"false", "true"}, {"0", "1"}};
-    for (const auto& pair : kWords) {
+    for (const auto& pair : words) {
         if (text == pair[0] || text == pair[1]) {
             value = text == pair[1];
             return true;
@@ -142,18 +142,18 @@ std::vector<std::string> SplitAtCommas(const std::string& text) {
 // ---- Keys -------------------------------------------------------------------------------------
 
 // take sets target from text, or leaves it alone and returns false; expected completes "must be".
-template <class Target>
+template <class TARGET>
 struct Key {
     const char* name;
     const char* expected;
-    bool (*take)(const std::string& text, Target& target);
+    bool (*take)(const std::string& text, TARGET& target);
 };
 
-const char* const kSwitchWords = "on or off";
-const char* const kAddressForm = "an IPv4 address";
-const char* const kCounterForm = "a whole number of 32 bits";
+const char* const SWITCH_WORDS = "on or off";
+const char* const ADDRESS_FORM = "an IPv4 address";
+const char* const COUNTER_FORM = "a whole number of 32 bits";
 
-const Key<PanelState> kPanelKeys[] = {
+const Key<PanelState> PANEL_KEYS[] = {
     {"serial", "a text",
      [](const std::string& text, PanelState& state) {
          state.serialNumber = text;
@@ -167,9 +167,9 @@ const Key<PanelState> kPanelKeys[] = {
          state.brightness = text == "-19" ? -19 : static_cast<int>(percent);
          return true;
      }},
-    {"light", kSwitchWords,
+    {"light", SWITCH_WORDS,
      [](const std::string& text, PanelState& state) { return TakeSwitch(text, state.lightOn); }},
-    {"storage_mounted", kSwitchWords,
+    {"storage_mounted", SWITCH_WORDS,
      [](const std::string& text, PanelState& state) {
          return TakeSwitch(text, state.storageMounted);
      }},
@@ -182,7 +182,7 @@ const Key<PanelState> kPanelKeys[] = {
      }},
 };
 
-const Key<Interface> kInterfaceKeys[] = {
+const Key<Interface> INTERFACE_KEYS[] = {
     {"name", "1 to 31 bytes",
      [](const std::string& text, Interface& port) {
          if (text.empty() || text.size() >= sizeof port.record.name)
@@ -190,15 +190,15 @@ const Key<Interface> kInterfaceKeys[] = {
          std::snprintf(port.record.name, sizeof port.record.name, "%s", text.c_str());
          return true;
      }},
-    {"address", kAddressForm,
+    {"address", ADDRESS_FORM,
      [](const std::string& text, Interface& port) {
          return TakeAddress(text, port.record.address);
      }},
-    {"netmask", kAddressForm,
+    {"netmask", ADDRESS_FORM,
      [](const std::string& text, Interface& port) {
          return TakeAddress(text, port.record.netmask);
      }},
-    {"gateway", kAddressForm,
+    {"gateway", ADDRESS_FORM,
      [](const std::string& text, Interface& port) {
          return TakeAddress(text, port.record.gateway);
      }},
@@ -218,16 +218,16 @@ const Key<Interface> kInterfaceKeys[] = {
      }},
 };
 
-const Key<Uart> kUartKeys[] = {
-    {"present", kSwitchWords,
+const Key<Uart> UART_KEYS[] = {
+    {"present", SWITCH_WORDS,
      [](const std::string& text, Uart& uart) { return TakeSwitch(text, uart.present); }},
-    {"first", kCounterForm,
+    {"first", COUNTER_FORM,
      [](const std::string& text, Uart& uart) { return TakeInt32(text, uart.counters.first); }},
-    {"second", kCounterForm,
+    {"second", COUNTER_FORM,
      [](const std::string& text, Uart& uart) { return TakeInt32(text, uart.counters.second); }},
-    {"third", kCounterForm,
+    {"third", COUNTER_FORM,
      [](const std::string& text, Uart& uart) { return TakeInt32(text, uart.counters.third); }},
-    {"fourth", kCounterForm,
+    {"fourth", COUNTER_FORM,
      [](const std::string& text, Uart& uart) { return TakeInt32(text, uart.counters.fourth); }},
 };
 
@@ -239,25 +239,25 @@ public:
     PanelReader(const std::string& path, Sections sections)
         : m_strPath(path), m_sections(std::move(sections)) {}
 
-    void applyTo(PanelState& state) {
-        applyTable("panel", kPanelKeys, state);
-        applyInterfaces(state);
+    void ApplyTo(PanelState& state) {
+        ApplyTable("panel", PANEL_KEYS, state);
+        ApplyInterfaces(state);
         for (int port = 1; port <= 4; ++port)
-            applyUart("uart" + std::to_string(port), state.uarts[port - 1]);
-        for (const auto& entry : taken("directories"))
-            applyDirectory(entry.first, entry.second, state);
-        for (const auto& entry : taken("failures"))
-            applyFailure(entry.first, entry.second, state);
+            ApplyUart("uart" + std::to_string(port), state.uarts[port - 1]);
+        for (const auto& entry : Taken("directories"))
+            ApplyDirectory(entry.first, entry.second, state);
+        for (const auto& entry : Taken("failures"))
+            ApplyFailure(entry.first, entry.second, state);
         for (const auto& section : m_sections)
-            report(section.first, "",
+            Report(section.first, "",
                    "unknown section (interfaces count from 1 without gaps to 16, uarts to 4)");
     }
 
-    const std::string& errors() const { return m_strErrors; }
+    const std::string& Errors() const { return m_strErrors; }
 
 private:
     // Removes the section, so that what is left in the end is unknown.
-    Section taken(const std::string& name) {
+    Section Taken(const std::string& name) {
         Section section;
         const auto found = m_sections.find(name);
         if (found != m_sections.end()) {
@@ -268,7 +268,7 @@ private:
     }
 
     // One line, whatever the file holds.
-    void report(const std::string& section, const std::string& key, const std::string& problem) {
+    void Report(const std::string& section, const std::string& key, const std::string& problem) {
         std::string line =
             m_strPath + ": [" + section + "]" + (key.empty() ? "" : " " + key) + ": " + problem;
         std::replace_if(
@@ -277,31 +277,31 @@ private:
         m_strErrors += line + "\n";
     }
 
-    template <class Target, std::size_t count>
-    void applyTable(const std::string& name, const Key<Target> (&keys)[count], Target& target) {
-        for (const auto& entry : taken(name)) {
+    template <class TARGET, std::size_t COUNT>
+    void ApplyTable(const std::string& name, const Key<TARGET> (&keys)[COUNT], TARGET& target) {
+        for (const auto& entry : Taken(name)) {
             const auto key = std::find_if(
                 std::begin(keys), std::end(keys),
-                [&](const Key<Target>& candidate) { return entry.first == candidate.name; });
+                [&](const Key<TARGET>& candidate) { return entry.first == candidate.name; });
             if (key == std::end(keys))
-                report(name, entry.first, "unknown key");
+                Report(name, entry.first, "unknown key");
             else if (!key->take(entry.second, target))
-                report(name, entry.first, "'" + entry.second + "': must be " + key->expected);
+                Report(name, entry.first, "'" + entry.second + "': must be " + key->expected);
         }
     }
 
     // Interfaces in the file take the place of all that were there; they are numbered from 1
     // without gaps, so a later one that is left over is reported as an unknown section.
-    void applyInterfaces(PanelState& state) {
+    void ApplyInterfaces(PanelState& state) {
         std::vector<Interface> ports;
-        while (ports.size() < kMostInterfaces) {
+        while (ports.size() < MOST_INTERFACES) {
             const std::string number = std::to_string(ports.size() + 1);
             if (m_sections.find("interface" + number) == m_sections.end())
                 break;
             Interface port = {};
             std::snprintf(port.record.name, sizeof port.record.name, "eth%zu", ports.size());
             TakeAddress("255.255.255.0", port.record.netmask);
-            applyTable("interface" + number, kInterfaceKeys, port);
+            ApplyTable("interface" + number, INTERFACE_KEYS, port);
             ports.push_back(port);
         }
         if (!ports.empty())
@@ -309,31 +309,31 @@ private:
     }
 
     // A port that is described is there, unless the section says otherwise.
-    void applyUart(const std::string& name, Uart& uart) {
+    void ApplyUart(const std::string& name, Uart& uart) {
         if (m_sections.find(name) == m_sections.end())
             return;
         uart = Uart();
         uart.present = true;
-        applyTable(name, kUartKeys, uart);
+        ApplyTable(name, UART_KEYS, uart);
     }
 
-    void applyDirectory(const std::string& key, const std::string& path, PanelState& state) {
+    void ApplyDirectory(const std::string& key, const std::string& path, PanelState& state) {
         long long kind = 0;
         if (!TakeInteger(key, 0, 1000, kind))
-            report("directories", key, "unknown key: must be a directory's number");
+            Report("directories", key, "unknown key: must be a directory's number");
         else if (!path.empty() && path[0] != '/')
-            report("directories", key, "'" + path + "': must be an absolute path, or empty");
+            Report("directories", key, "'" + path + "': must be an absolute path, or empty");
         else
             state.directories[static_cast<int>(kind)] = path;
     }
 
-    void applyFailure(const std::string& key, const std::string& text, PanelState& state) {
+    void ApplyFailure(const std::string& key, const std::string& text, PanelState& state) {
         const auto& known = sim::FailableFunctions();
         Failure failure;
         if (!std::binary_search(known.begin(), known.end(), key))
-            report("failures", key, "unknown platform function");
+            Report("failures", key, "unknown platform function");
         else if (!sim::ParseFailure(text, failure))
-            report("failures", key,
+            Report("failures", key,
                    "'" + text + "': must be RESULT, or RESULT,TIMES, or slow,MS, or slow,MS,TIMES");
         else
             state.failures[key] = failure;
@@ -351,7 +351,7 @@ bool sim::ParseFailure(const std::string& text, Failure& failure) {
     Failure taken;
     if (!pieces.empty() && pieces[0] == "slow") {
         long long delay = 0;
-        if (pieces.size() < 2 || !TakeInteger(pieces[1], 1, kLongestDelayMs, delay))
+        if (pieces.size() < 2 || !TakeInteger(pieces[1], 1, LONGEST_DELAY_MS, delay))
             return false;
         taken.delayMs = static_cast<unsigned>(delay);
         taken.fails = false;
@@ -368,7 +368,7 @@ bool sim::ParseFailure(const std::string& text, Failure& failure) {
     return true;
 }
 
-bool sim::SimPanel::loadIni(const std::string& path, std::string& error) {
+bool sim::SimPanel::LoadIni(const std::string& path, std::string& error) {
     Sections sections;
     std::string problem;
     if (!ReadSections(path, sections, problem)) {
@@ -376,7 +376,7 @@ bool sim::SimPanel::loadIni(const std::string& path, std::string& error) {
         return false;
     }
     PanelReader reader(path, std::move(sections));
-    change([&](PanelState& state) { reader.applyTo(state); });
-    error = (problem.empty() ? "" : path + ": " + problem + "\n") + reader.errors();
+    Change([&](PanelState& state) { reader.ApplyTo(state); });
+    error = (problem.empty() ? "" : path + ": " + problem + "\n") + reader.Errors();
     return error.empty();
 }

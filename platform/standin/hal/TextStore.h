@@ -12,10 +12,10 @@ namespace sim {
 class TextStore {
 public:
     // The most recently asked for texts that are kept; an older one loses its place.
-    static const std::size_t kCapacity = 256;
+    static const std::size_t CAPACITY = 256;
 
     // The stored copy of text, the same pointer every time while it is kept. Any thread.
-    const char* keep(const std::string& text);
+    const char* Keep(const std::string& text);
 
 private:
     std::mutex m_lock;

@@ -15,7 +15,7 @@ using sim::SimPanel;
 
 namespace {
 
-const std::size_t kLongestText = 64 * 1024;  // bytes; what is beyond is counted, not kept
+const std::size_t LONGEST_TEXT = 64 * 1024;  // bytes; what is beyond is counted, not kept
 
 const char* OrEmpty(const char* text) {
     return text ? text : "";
@@ -31,23 +31,23 @@ __attribute__((format(printf, 1, 0))) std::string Formatted(const char* format,
         return std::string("(cannot be formatted) ") + format;
 
     const std::size_t length = static_cast<std::size_t>(measured);
-    std::vector<char> buffer(std::min(length, kLongestText) + 1);
+    std::vector<char> buffer(std::min(length, LONGEST_TEXT) + 1);
     std::vsnprintf(buffer.data(), buffer.size(), format, arguments);
     std::string text(buffer.data());
-    if (length > kLongestText)
-        text += "... (" + std::to_string(length - kLongestText) + " bytes more)";
+    if (length > LONGEST_TEXT)
+        text += "... (" + std::to_string(length - LONGEST_TEXT) + " bytes more)";
     return text;
 }
 
 // "12:34:56 error [TAG] function: text (file:line)", in one write so that threads do not mix.
 void Echo(const LogLine& line) {
-    static const char* const kLevelNames[] = {"?", "error", "warning", "info", "trace"};
+    static const char* const LEVEL_NAMES[] = {"?", "error", "warning", "info", "trace"};
     const bool known = line.level >= 1 && line.level <= 4;
     const std::time_t now = std::time(nullptr);
     std::tm local = {};
     localtime_r(&now, &local);
     std::fprintf(stderr, "%02d:%02d:%02d %s [%s] %s: %s (%s:%d)\n", local.tm_hour, local.tm_min,
-                 local.tm_sec, kLevelNames[known ? line.level : 0], line.tag.c_str(),
+                 local.tm_sec, LEVEL_NAMES[known ? line.level : 0], line.tag.c_str(),
                  line.function.c_str(), line.text.c_str(), line.file.c_str(), line.line);
 }
 
@@ -65,7 +65,7 @@ void logger_printf(const char* function, const char* file, int line, int level, 
                                OrEmpty(tag),
                                format ? Formatted(format, arguments) : ""};
         bool echo = false;
-        SimPanel::instance().change([&](PanelState& state) {
+        SimPanel::Instance().Change([&](PanelState& state) {
             sim::Keep(state.log, entry);
             echo = state.echoLogLevel > 0 && level <= state.echoLogLevel;
         });

@@ -7,7 +7,7 @@
 
 namespace {
 
-const char* const kWhiteSpace = " \t\n\r\v\f";
+const char* const WHITE_SPACE = " \t\n\r\v\f";
 
 const char* OrEmpty(const char* text) {
     return text ? text : "";
@@ -86,13 +86,13 @@ CString& CString::Trim() {
 }
 
 CString& CString::TrimLeft() {
-    m_strText.erase(0, m_strText.find_first_not_of(kWhiteSpace));
+    m_strText.erase(0, m_strText.find_first_not_of(WHITE_SPACE));
     return *this;
 }
 
 CString& CString::TrimRight() {
     // npos + 1 is 0: text of white space only is erased whole.
-    m_strText.erase(m_strText.find_last_not_of(kWhiteSpace) + 1);
+    m_strText.erase(m_strText.find_last_not_of(WHITE_SPACE) + 1);
     return *this;
 }
 
