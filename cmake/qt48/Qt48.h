@@ -111,6 +111,8 @@ public:
     QByteArray& append(const QByteArray& other);
     QByteArray& operator+=(const QByteArray& other);
     bool startsWith(const char* text) const;
+    bool startsWith(char c) const;
+    bool endsWith(char c) const;
     QBool contains(const char* text) const;
     int count(char c) const;
     QList<QByteArray> split(char separator) const;
@@ -333,6 +335,7 @@ public:
     };
     typedef int OpenMode;
     virtual void close();
+    virtual bool atEnd() const;
     QString errorString() const;
     qint64 read(char* data, qint64 size);
     QByteArray read(qint64 size);
@@ -465,6 +468,7 @@ public:
     bool exactMatch(const QString& text) const;
     int indexIn(const QString& text, int offset = 0) const;
     QString cap(int number = 0) const;
+    bool isValid() const;
 };
 
 class QSemaphore {
