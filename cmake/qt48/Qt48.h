@@ -399,14 +399,17 @@ public:
     QStringList entryList(Filters filters) const;
     bool exists() const;
     bool mkpath(const QString& path) const;
+    QString filePath(const QString& name) const;
 };
 
 class QDirIterator {
 public:
     enum IteratorFlag { NoIteratorFlags = 0, FollowSymlinks = 1, Subdirectories = 2 };
-    QDirIterator(const QString& path, QDir::Filter filters, IteratorFlag flags = NoIteratorFlags);
+    QDirIterator(const QString& path, QDir::Filters filters, IteratorFlag flags = NoIteratorFlags);
     bool hasNext() const;
     QString next();
+    QString fileName() const;
+    QString filePath() const;
     QFileInfo fileInfo() const;
 };
 
@@ -442,6 +445,8 @@ public:
     enum ProcessState { NotRunning, Starting, Running };
     enum ExitStatus { NormalExit, CrashExit };
     explicit QProcess(QObject* parent = 0);
+    static int execute(const QString& program, const QStringList& arguments);
+    void setWorkingDirectory(const QString& folder);
     void start(const QString& program, const QStringList& arguments, OpenMode mode = ReadWrite);
     Q_PID pid() const;
     ProcessState state() const;
@@ -459,6 +464,19 @@ public:
 
 protected:
     virtual void setupChildProcess();
+};
+
+class QXmlStreamWriter {
+public:
+    explicit QXmlStreamWriter(QByteArray* text);
+    explicit QXmlStreamWriter(QString* text);
+    void setAutoFormatting(bool on);
+    void writeStartDocument();
+    void writeEndDocument();
+    void writeStartElement(const QString& name);
+    void writeEndElement();
+    void writeAttribute(const QString& name, const QString& value);
+    void writeCharacters(const QString& text);
 };
 
 class QRegExp {
