@@ -85,12 +85,12 @@ void AddGeneralOptions(CLI::App& app, Options& options) {
         ->type_name("DIR");
     app.add_flag("--over-default", options.overDefault,
                  "Lay the folder of --panel over the default panel instead of replacing it");
-    app.add_option("--root", options.root,
-                   "Keep the panel's files in DIR (default: a folder among the user's data; with "
-                   "--panel fresh files)")
-        ->check(NotEmpty)
-        ->type_name("DIR");
-    app.add_flag("--fresh", options.fresh, "Start with fresh files and keep none");
+    CLI::Option* const root = app.add_option(
+        "--root", options.root,
+        "Keep the panel's files in DIR (default: a folder among the user's data; with "
+        "--panel fresh files)");
+    root->check(NotEmpty)->type_name("DIR");
+    app.add_flag("--fresh", options.fresh, "Start with fresh files and keep none")->excludes(root);
     app.add_option("--driver", options.driver, "The driver library (default: the one built here)")
         ->check(NotEmpty)
         ->type_name("FILE");

@@ -274,12 +274,20 @@ int RunTerminal(Session& session, DriverOutput& output, const std::string& histo
     return EXIT_DONE;
 }
 
+// What ends only with Ctrl-C would keep the lines behind it waiting for ever.
+int RunPiped(Session& session, const std::string& line) {
+    if (Trimmed(line) != "watch" && Trimmed(line).compare(0, 6, "watch ") != 0)
+        return session.Run(line);
+    std::fputs("watch has no end in a pipe; use: hxdpanel watch --count N\n", stderr);
+    return EXIT_USAGE;
+}
+
 int RunPipe(Session& session, DriverOutput& output) {
     int worst = EXIT_DONE;
     char* buffer = nullptr;
     std::size_t size = 0;
     while (!session.Ended() && !interrupt::Pending() && ::getline(&buffer, &size, stdin) >= 0) {
-        worst = std::max(worst, session.Run(buffer));
+        worst = std::max(worst, RunPiped(session, buffer));
         std::fflush(output.Results());
     }
     std::free(buffer);

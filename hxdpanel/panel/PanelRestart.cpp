@@ -1,18 +1,22 @@
 #include "hxdpanel/panel/PanelRestart.h"
 
 #include "SimPanel.h"
+#include "common/Retry.h"
 #include "driver/record/ChannelTable.h"
 #include "hxdpanel/panel/CommandsRun.h"
 #include "hxdpanel/panel/HardwareMemory.h"
 #include "hxdpanel/panel/PanelFile.h"
 #include "hxdpanel/sandbox/Sandbox.h"
 
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <numeric>
 #include <utility>
 
 #include <QDir>
 #include <QFile>
-#include <QProcess>
 #include <QStringList>
 
 namespace {
@@ -52,6 +56,18 @@ void RestoreProc(const std::string& panel) {
         if (panelfile::Read(QFile::encodeName(folder.filePath(name)).constData(), text))
             panelfile::Write("/proc/" + std::string(QFile::encodeName(name).constData()), text);
     }
+}
+
+// Not a QProcess, which an emulated program could not wait for.
+bool RunScript(const std::string& script, const std::string& panels) {
+    std::string words[] = {"sh", script, panels, "reset"};
+    char* const arguments[] = {&words[0][0], &words[1][0], &words[2][0], &words[3][0], nullptr};
+    pid_t child = -1;
+    if (::posix_spawnp(&child, "sh", nullptr, nullptr, arguments, environ) != 0)
+        return false;
+    int status = 0;
+    return hxd::RetryInterrupted([&] { return ::waitpid(child, &status, 0); }) == child &&
+           WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
 }  // namespace
@@ -95,10 +111,7 @@ bool PanelRestart::RestoreFiles() const {
     for (const std::string& panel : m_files.panels)
         panels += panel + "\n";
     const std::string script = sandbox::Companion("sandbox/panel-files");
-    QStringList arguments;
-    arguments << QFile::decodeName(script.c_str()) << QFile::decodeName(panels.c_str())
-              << QLatin1String("reset");
-    if (script.empty() || QProcess::execute(QLatin1String("sh"), arguments) != 0)
+    if (script.empty() || !RunScript(script, panels))
         return false;
     for (const std::string& panel : m_files.panels)
         RestoreProc(panel);

@@ -4,6 +4,7 @@
 #include "hxdpanel/sandbox/ChildProcess.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -111,8 +112,12 @@ int OpenFolder(bool wanted) {
 
 bool CanRead(const std::vector<std::string>& scripts) {
     for (const std::string& script : scripts) {
-        if (script == "-" || ::access(script.c_str(), R_OK) == 0)
+        struct stat status = {};
+        const bool isFolder = ::stat(script.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+        if (script == "-" || (!isFolder && ::access(script.c_str(), R_OK) == 0))
             continue;
+        if (isFolder)
+            errno = EISDIR;
         std::fprintf(stderr, "hxdpanel: cannot read %s: %s\n", script.c_str(),
                      std::strerror(errno));
         return false;

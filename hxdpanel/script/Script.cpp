@@ -60,7 +60,8 @@ bool Script::Run(const std::string& name, std::istream& lines) {
         ended = !std::getline(lines, m_text);
         if (ended)
             break;
-        ++m_line;
+        if (++m_line == 1 && m_text.compare(0, 3, "\xEF\xBB\xBF") == 0)
+            m_text.erase(0, 3);  // some editors begin so
         m_text = Trimmed(m_text);
         if (!m_text.empty() && m_text[0] != '#')
             RunLine(m_text);
