@@ -200,6 +200,7 @@ CommandInfo Describe(const Description& description) {
 
 std::vector<CommandInfo> DescribeAll() {
     std::vector<CommandInfo> commands;
+    commands.reserve(DESCRIPTIONS.size());
     for (const Description& description : DESCRIPTIONS)
         commands.push_back(Describe(description));
     return commands;
