@@ -11,7 +11,7 @@ public:
 private:
     bool FindStorage(long long& hourlyAllowance) override;
     long long ReadWear() override;
-    int ReadLifePercent(long long wear) override;
+    int ReadLifePercent(long long eraseSum) override;
 
     long long m_llTotalBlocks = 0;  // erase blocks of the UBI device
 };

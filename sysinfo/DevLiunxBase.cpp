@@ -54,7 +54,7 @@ std::string DevLiunxBase::DevReadFile(std::string& fileName, long /*length*/, in
         return std::string();
     }
     if (mode == READ_FIRST_LINE) {
-        const std::string line = FirstLine(file);
+        std::string line = FirstLine(file);
         DEV_TRACE("DevReadFile end", "Read strFileContext = %s ", line.c_str());
         return line;
     }

@@ -41,13 +41,13 @@ __attribute__((format(printf, 1, 0))) std::string Formatted(const char* format,
 
 // "12:34:56 error [TAG] function: text (file:line)", in one write so that threads do not mix.
 void Echo(const LogLine& line) {
-    static const char* const LEVEL_NAMES[] = {"?", "error", "warning", "info", "trace"};
+    static const char* const levelNames[] = {"?", "error", "warning", "info", "trace"};
     const bool known = line.level >= 1 && line.level <= 4;
     const std::time_t now = std::time(nullptr);
     std::tm local = {};
     localtime_r(&now, &local);
     std::fprintf(stderr, "%02d:%02d:%02d %s [%s] %s: %s (%s:%d)\n", local.tm_hour, local.tm_min,
-                 local.tm_sec, LEVEL_NAMES[known ? line.level : 0], line.tag.c_str(),
+                 local.tm_sec, levelNames[known ? line.level : 0], line.tag.c_str(),
                  line.function.c_str(), line.text.c_str(), line.file.c_str(), line.line);
 }
 
