@@ -21,9 +21,9 @@ bool IsFault(const char* name) {
     return fault != nullptr && std::strcmp(fault, name) == 0;
 }
 
-template <class Function>
-Function* Real(const char* name) {
-    return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
+template <class FUNCTION>
+FUNCTION* Real(const char* name) {
+    return reinterpret_cast<FUNCTION*>(::dlsym(RTLD_NEXT, name));
 }
 
 __attribute__((constructor)) void SetUp() {
