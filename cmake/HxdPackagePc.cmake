@@ -12,7 +12,7 @@ install(TARGETS hxdcontrol MfcToQt olma-hal olma-gui logger toolscom
 install(PROGRAMS hxdpanel/in-panel DESTINATION ${program_dir}/bin COMPONENT pc)
 install(DIRECTORY hxdpanel/sandbox/shims DESTINATION ${program_dir}/bin/sandbox USE_SOURCE_PERMISSIONS
     COMPONENT pc)
-install(PROGRAMS hxdpanel/sandbox/panel-boot DESTINATION ${program_dir}/bin/sandbox COMPONENT pc)
+install(PROGRAMS hxdpanel/sandbox/panel-boot hxdpanel/sandbox/panel-files DESTINATION ${program_dir}/bin/sandbox COMPONENT pc)
 install(DIRECTORY hxdpanel/default-panel DESTINATION ${program_dir}/bin COMPONENT pc)
 file(MAKE_DIRECTORY ${made})
 file(CREATE_LINK ../${program_dir}/bin/hxdpanel ${made}/hxdpanel SYMBOLIC)
