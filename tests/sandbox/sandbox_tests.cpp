@@ -20,7 +20,7 @@
 
 namespace {
 
-bool canWrite(const std::string& path, int flags) {
+bool CanWrite(const std::string& path, int flags) {
     const int fd = open(path.c_str(), O_WRONLY | O_CLOEXEC | flags, 0644);
     if (fd < 0) {
         return false;
@@ -32,15 +32,15 @@ bool canWrite(const std::string& path, int flags) {
 TEST(Sandbox, FoldersOfAPanelCanBeWritten) {
     for (const char* folder : {"/etc", "/etc/iot_cfg", "/tmp", "/storage/log", "/storage/user_dir",
                                "/media/usb0", "/usr/olma_app/config", "/sys", "/dev"}) {
-        EXPECT_TRUE(canWrite(std::string(folder) + "/probe", O_CREAT)) << folder;
+        EXPECT_TRUE(CanWrite(std::string(folder) + "/probe", O_CREAT)) << folder;
     }
 }
 
 TEST(Sandbox, TheMachineIsReadOnly) {
-    EXPECT_FALSE(canWrite("/usr/bin/probe", O_CREAT));
-    EXPECT_FALSE(canWrite(HXD_SOURCE_DIR "/probe", O_CREAT));
-    EXPECT_FALSE(canWrite("/proc/sys/vm/swappiness", 0));
-    EXPECT_TRUE(canWrite("/proc/sys/net/ipv4/icmp_echo_ignore_all", 0));  // the panel's own network
+    EXPECT_FALSE(CanWrite("/usr/bin/probe", O_CREAT));
+    EXPECT_FALSE(CanWrite(HXD_SOURCE_DIR "/probe", O_CREAT));
+    EXPECT_FALSE(CanWrite("/proc/sys/vm/swappiness", 0));
+    EXPECT_TRUE(CanWrite("/proc/sys/net/ipv4/icmp_echo_ignore_all", 0));  // the panel's own network
 
     timespec now = {};
     ASSERT_EQ(0, clock_gettime(CLOCK_REALTIME, &now));
