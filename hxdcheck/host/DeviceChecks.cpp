@@ -10,8 +10,10 @@
 #include <fcntl.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <memory>
+#include <thread>
 
 namespace {
 
@@ -135,7 +137,8 @@ public:
             return Ok("ended");
         });
         m_findings.Run("memory", [&] { return JudgeMemory(before, running); });
-        m_findings.Run("threads", [&] { return JudgeThreads(before, running, CurrentUsage()); });
+        m_findings.Run("threads",
+                       [&] { return JudgeThreads(before, running, UsageWhenEnded(before)); });
         ShowChannels();
     }
 
@@ -159,6 +162,16 @@ private:
         const long kibibytes = std::max(0L, running.memoryKiB - before.memoryKiB);
         const std::string text = std::to_string(kibibytes) + " KiB more than without the driver";
         return kibibytes < 16 * 1024 ? Ok(text) : Look(text, "look whether it grows: top -p PID");
+    }
+
+    // A thread that has been joined may be listed by the kernel for a moment yet.
+    static Usage UsageWhenEnded(const Usage& before) {
+        Usage usage = CurrentUsage();
+        for (int i = 0; i < 200 && usage.threads > before.threads; ++i) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+            usage = CurrentUsage();
+        }
+        return usage;
     }
 
     static Finding JudgeThreads(const Usage& before, const Usage& running, const Usage& after) {
