@@ -86,6 +86,7 @@ private:
 
     int RunMeaningful(const std::string& line);
 
+    static int Complain(const std::string& message);
     const JsonLayout* AsJson() const { return m_json ? &m_layout : nullptr; }
     int Report(const Outcome& outcome);
 
