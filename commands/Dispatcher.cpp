@@ -5,6 +5,7 @@
 #include "commands/Screenshot.h"
 #include "commands/StringHash.h"
 #include "commands/VncPassword.h"
+#include "common/Mutex.h"
 #include "common/ResultCodes.h"
 #include "driver/record/ChannelTable.h"
 #include "driver/record/CommandTable.h"
@@ -13,14 +14,12 @@
 #include "ntp/NtpCommands.h"
 #include "sysinfo/DevManger.h"
 
-#include <mutex>
-
 namespace {
 
 // Held for the whole of every command, so commands of all devices of the process take turns, long
 // ones included. Taken before any lock of a subsystem. Recursive: the host may send a command from
 // within its parameter callbacks, which must not block for ever.
-std::recursive_mutex g_halMutex;
+hxd::RecursiveMutex g_halMutex;
 
 // What a command leaves behind: the result arrays of a device with the fixed channels.
 constexpr int RESULT_ELEMENTS = CHANNEL_COUNT + 1;
@@ -67,14 +66,14 @@ static_assert(sizeof HANDLERS / sizeof *HANDLERS == FIRST_REGISTRY_COMMAND &&
                   HandlersFollowTheTable(0),
               "a command of the dispatcher has no handler here, or not in its place");
 
-int AskRegistry(OLMA_DATA& data, const CString& cmd) {
+int AskRegistry(OLMA_DATA& data, const CString& cmd) HXD_REQUIRES(g_halMutex) {
     DevManger* const registry = ServiceOf(data, &DEV_CONTEXT::m_pDevManger);
     if (registry == nullptr)
         return RESULT_DONE;
     return registry->DevOpear(data, std::string(cmd, static_cast<std::size_t>(cmd.GetLength())));
 }
 
-int Run(OLMA_DATA& data, const CString& cmd) {
+int Run(OLMA_DATA& data, const CString& cmd) HXD_REQUIRES(g_halMutex) {
     CString name;
     CString args;
     if (!dispatcher::SplitCommand(cmd, name, args))
@@ -102,7 +101,7 @@ int olma_device::SvrDevIOCtrl(OLMA_DATA& data, CString& cmd, CArray<double, doub
                               CStringArray& strings) {
     if (values.GetSize() < 1)
         return 0;
-    const std::lock_guard<std::recursive_mutex> locker(g_halMutex);
+    const hxd::RecursiveMutexLock locker(g_halMutex);
     values.SetSize(RESULT_ELEMENTS);
     strings.SetSize(RESULT_ELEMENTS);
     const int result = Run(data, cmd);

@@ -1,12 +1,11 @@
 #include "ntp/ntpCfgParam.h"
 
+#include "common/Mutex.h"
 #include "common/SettingsFile.h"
 #include "olma_host.h"
 
 #include <QDir>
 #include <QFile>
-
-#include <mutex>
 
 const char* const ntp_cfg_name = "/ntp_param_cfg.ini";
 const char* const ntpCfgSection = "NTP_PARAM";
@@ -23,7 +22,7 @@ namespace {
 constexpr int FIRST_SERVER = NTP_SETTING_COUNT - NTP_SERVER_COUNT;
 
 // The controllers of several devices share the file.
-std::mutex g_fileLock;
+hxd::Mutex g_fileLock;
 
 QString SettingsDirectory() {
     return QFile::decodeName(Olma_GetDirectory(2, 1)) + QLatin1String("/config/");
@@ -40,6 +39,10 @@ QString KeyPath(int setting) {
 
 QString Text(const hxd::SettingsFile& file, int setting) {
     return file.Value(KeyPath(setting), QLatin1String(ntpDefCfg[setting]));
+}
+
+void Store(const hxd::SettingsValues& values) HXD_REQUIRES(g_fileLock) {
+    hxd::SettingsFile(SettingsPath(), hxd::CODEC_UTF8).Store(values);
 }
 
 }  // namespace
@@ -77,6 +80,6 @@ void ntpCfgParam::writeCfg() const {
         values[KeyPath(i)] = QString::number(numbers[i]);
     for (int i = 0; i < NTP_SERVER_COUNT; ++i)
         values[KeyPath(FIRST_SERVER + i)] = i < servers.size() ? servers.at(i) : QString();
-    const std::lock_guard<std::mutex> locker(g_fileLock);
-    hxd::SettingsFile(SettingsPath(), hxd::CODEC_UTF8).Store(values);
+    const hxd::MutexLock locker(g_fileLock);
+    Store(values);
 }

@@ -19,8 +19,6 @@
 
 namespace {
 
-using Locker = std::lock_guard<std::mutex>;
-
 // A driver that prints without ever ending a line must not fill the memory.
 constexpr std::size_t MAX_LINE = 65536;
 // One that never stops printing must not keep anybody waiting for the end of it.
@@ -97,7 +95,7 @@ DriverOutput::~DriverOutput() {
     Release();
     Settle();
     {
-        const Locker locker(m_lock);
+        const hxd::MutexLock locker(m_lock);
         m_bStop = true;
     }
     Signal(m_nWakeEvent);
@@ -114,26 +112,27 @@ DriverOutput::~DriverOutput() {
 
 void DriverOutput::Settle() {
     std::fflush(stdout);
-    std::unique_lock<std::mutex> locker(m_lock);
+    hxd::MutexLock locker(m_lock);
     const unsigned asked = ++m_nSettleAsked;
     Signal(m_nWakeEvent);
-    m_settled.wait(locker, [&] { return m_nSettleDone >= asked; });
+    while (m_nSettleDone < asked)
+        locker.Wait(m_settled);
 }
 
 void DriverOutput::Mute() {
     Settle();
-    const Locker locker(m_lock);
+    const hxd::MutexLock locker(m_lock);
     ++m_nMuted;
 }
 
 void DriverOutput::Unmute() {
     Settle();
-    const Locker locker(m_lock);
+    const hxd::MutexLock locker(m_lock);
     --m_nMuted;
 }
 
 void DriverOutput::Hold() {
-    const Locker locker(m_lock);
+    const hxd::MutexLock locker(m_lock);
     m_bHold = true;
     std::fflush(stderr);
     if (m_nErrorsEnd >= 0)
@@ -141,7 +140,7 @@ void DriverOutput::Hold() {
 }
 
 void DriverOutput::Release() {
-    const Locker locker(m_lock);
+    const hxd::MutexLock locker(m_lock);
     if (m_bHold && m_nErrorsEnd >= 0)
         ::dup2(m_nErrors, STDERR_FILENO);
     m_bHold = false;
@@ -154,19 +153,18 @@ void DriverOutput::Release() {
 void DriverOutput::BeginWork(const std::string& what) {
     if (!terminal::CanRedraw(stderr))
         return;
-    const Locker locker(m_lock);
+    const hxd::MutexLock locker(m_lock);
     m_strWork = what;
     m_workBegun = std::chrono::steady_clock::now();
     Signal(m_nWakeEvent);
 }
 
 void DriverOutput::EndWork() {
-    const Locker locker(m_lock);
+    const hxd::MutexLock locker(m_lock);
     EraseWork();
     m_strWork.clear();
 }
 
-// Under the lock.
 void DriverOutput::DrawWork() {
     const auto lasted = std::chrono::steady_clock::now() - m_workBegun;
     if (m_strWork.empty() || lasted < WORK_SHOWN_AFTER)
@@ -178,14 +176,12 @@ void DriverOutput::DrawWork() {
     m_bWorkDrawn = true;
 }
 
-// Under the lock.
 void DriverOutput::EraseWork() {
     if (m_bWorkDrawn)
         std::fputs("\r\033[K", stderr);
     m_bWorkDrawn = false;
 }
 
-// Under the lock.
 void DriverOutput::Print(const std::string& text) {
     EraseWork();
     std::fputs(text.c_str(), stderr);
@@ -197,7 +193,7 @@ void DriverOutput::Run() {
             {m_standard.pipe, POLLIN, 0}, {m_errors.pipe, POLLIN, 0}, {m_nWakeEvent, POLLIN, 0}};
         int patience = -1;
         {
-            const Locker locker(m_lock);
+            const hxd::MutexLock locker(m_lock);
             DrawWork();
             patience = m_strWork.empty() ? -1 : WORK_STEP_MS;
         }
@@ -205,7 +201,7 @@ void DriverOutput::Run() {
         unsigned asked = 0;
         bool stop = false;
         {
-            const Locker locker(m_lock);
+            const hxd::MutexLock locker(m_lock);
             Reset(m_nWakeEvent);
             asked = m_nSettleAsked;
             stop = m_bStop;
@@ -216,7 +212,7 @@ void DriverOutput::Run() {
             if (stop && !source->partLine.empty())
                 Show(*source, source->partLine);
         }
-        const Locker locker(m_lock);
+        const hxd::MutexLock locker(m_lock);
         m_nSettleDone = asked;
         m_settled.notify_all();
         if (stop)
@@ -247,7 +243,7 @@ void DriverOutput::Show(const Source& source, const std::string& line) {
     const bool isDriver = &source == &m_standard;
     const std::string visible = (isDriver ? "driver: " : "") + Visible(line);
     const std::string marked = terminal::Styled(stderr, terminal::FAINT, visible) + "\n";
-    const Locker locker(m_lock);
+    const hxd::MutexLock locker(m_lock);
     if (isDriver && !m_bShowAll && (m_nMuted > 0 || IsRoutine(line)))
         return;
     // A thread that tries again and again would push what the user types off the screen.

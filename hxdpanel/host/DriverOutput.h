@@ -5,11 +5,12 @@
 #ifndef HXDPANEL_DRIVEROUTPUT_H
 #define HXDPANEL_DRIVEROUTPUT_H
 
+#include "common/Mutex.h"
+
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstdio>
-#include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
@@ -51,9 +52,9 @@ private:
     void Run();
     bool ReadSome(Source& source);
     void Show(const Source& source, const std::string& line);
-    void Print(const std::string& text);
-    void DrawWork();
-    void EraseWork();
+    void Print(const std::string& text) HXD_REQUIRES(m_lock);
+    void DrawWork() HXD_REQUIRES(m_lock);
+    void EraseWork() HXD_REQUIRES(m_lock);
 
     std::FILE* m_pResults;
     Source m_standard;      // of the driver alone
@@ -63,19 +64,19 @@ private:
     int m_nWakeEvent = -1;  // asks the reader to settle or to end
     int m_nHeldEvent = -1;
 
-    std::mutex m_lock;  // guards everything below
+    hxd::Mutex m_lock;
     std::condition_variable m_settled;
-    unsigned m_nSettleAsked = 0;
-    unsigned m_nSettleDone = 0;
-    bool m_bStop = false;
-    bool m_bHold = false;
-    std::string m_strWork;  // empty: nothing is at work
-    std::chrono::steady_clock::time_point m_workBegun;
-    bool m_bWorkDrawn = false;
-    std::vector<std::string> m_held;
-    std::string m_lastLine;
+    unsigned m_nSettleAsked HXD_GUARDED_BY(m_lock) = 0;
+    unsigned m_nSettleDone HXD_GUARDED_BY(m_lock) = 0;
+    bool m_bStop HXD_GUARDED_BY(m_lock) = false;
+    bool m_bHold HXD_GUARDED_BY(m_lock) = false;
+    std::string m_strWork HXD_GUARDED_BY(m_lock);  // empty: nothing is at work
+    std::chrono::steady_clock::time_point m_workBegun HXD_GUARDED_BY(m_lock);
+    bool m_bWorkDrawn HXD_GUARDED_BY(m_lock) = false;
+    std::vector<std::string> m_held HXD_GUARDED_BY(m_lock);
+    std::string m_lastLine HXD_GUARDED_BY(m_lock);
+    int m_nMuted HXD_GUARDED_BY(m_lock) = 0;  // Mute() calls without their Unmute()
 
-    int m_nMuted = 0;  // Mute() calls without their Unmute()
     std::atomic<bool> m_bShowAll{false};
 
     std::thread m_reader;  // started last, joined by the destructor

@@ -8,14 +8,12 @@ namespace {
 
 constexpr int UNKNOWN_NAME = 1;  // any number but 0 tells the driver that the name is no variable
 
-using Locker = std::lock_guard<std::mutex>;
-
 }  // namespace
 
 int HostDatabase::GetParamType(const char* name, DATATYPE* type) {
     if (name == nullptr || type == nullptr)
         return HOST_BAD_ARGUMENT;
-    const Locker locker(m_lock);
+    const hxd::MutexLock locker(m_lock);
     const auto found = m_variables.find(name);
     if (found == m_variables.end()) {
         m_trace.unknown.insert(name);
@@ -28,7 +26,7 @@ int HostDatabase::GetParamType(const char* name, DATATYPE* type) {
 int HostDatabase::Read(const char* name, DATATYPE type, HostValue& value) const {
     if (name == nullptr)
         return HOST_BAD_ARGUMENT;
-    const Locker locker(m_lock);
+    const hxd::MutexLock locker(m_lock);
     const auto found = m_variables.find(name);
     if (found == m_variables.end())
         return UNKNOWN_NAME;
@@ -64,7 +62,7 @@ int HostDatabase::GetParamString(const char* name, std::string* value) {
 int HostDatabase::Write(const char* name, const HostValue& value) {
     if (name == nullptr)
         return HOST_BAD_ARGUMENT;
-    const Locker locker(m_lock);
+    const hxd::MutexLock locker(m_lock);
     const auto found = m_variables.find(name);
     if (found == m_variables.end()) {
         m_trace.unknown.insert(name);
@@ -102,7 +100,7 @@ int HostDatabase::GetChannelType(int channel, int* type) {
 int HostDatabase::Deliver(int channel, const HostValue& value) {
     if (channel < 0 || channel >= MAX_CHANNELS)
         return HOST_BAD_ARGUMENT;
-    const Locker locker(m_lock);
+    const hxd::MutexLock locker(m_lock);
     const std::size_t index = static_cast<std::size_t>(channel);
     if (index >= m_channels.size())
         m_channels.resize(index + 1);
@@ -123,12 +121,12 @@ int HostDatabase::SetChannelString(int channel, const std::string* value) {
 }
 
 void HostDatabase::SetVariable(const std::string& name, const HostValue& value) {
-    const Locker locker(m_lock);
+    const hxd::MutexLock locker(m_lock);
     m_variables[name] = value;
 }
 
 bool HostDatabase::FindVariable(const std::string& name, HostValue& value) const {
-    const Locker locker(m_lock);
+    const hxd::MutexLock locker(m_lock);
     const auto found = m_variables.find(name);
     if (found == m_variables.end())
         return false;
@@ -137,24 +135,24 @@ bool HostDatabase::FindVariable(const std::string& name, HostValue& value) const
 }
 
 std::map<std::string, HostValue> HostDatabase::Variables() const {
-    const Locker locker(m_lock);
+    const hxd::MutexLock locker(m_lock);
     return m_variables;
 }
 
 HostDatabase::Trace HostDatabase::TakeTrace() {
-    const Locker locker(m_lock);
+    const hxd::MutexLock locker(m_lock);
     Trace taken;
     std::swap(taken, m_trace);
     return taken;
 }
 
 HostDatabase::Received HostDatabase::Channel(int number) const {
-    const Locker locker(m_lock);
+    const hxd::MutexLock locker(m_lock);
     const std::size_t index = static_cast<std::size_t>(number) - 1;
     return index < m_channels.size() ? m_channels[index] : Received();
 }
 
 int HostDatabase::ChannelCount() const {
-    const Locker locker(m_lock);
+    const hxd::MutexLock locker(m_lock);
     return static_cast<int>(m_channels.size());
 }

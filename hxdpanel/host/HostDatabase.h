@@ -2,10 +2,10 @@
 #ifndef HXDPANEL_HOSTDATABASE_H
 #define HXDPANEL_HOSTDATABASE_H
 
+#include "common/Mutex.h"
 #include "hxdpanel/host/HostValue.h"
 
 #include <map>
-#include <mutex>
 #include <set>
 #include <string>
 #include <vector>
@@ -55,10 +55,10 @@ private:
     int Write(const char* name, const HostValue& value);
     int Deliver(int channel, const HostValue& value);
 
-    mutable std::mutex m_lock;  // guards everything below
-    std::map<std::string, HostValue> m_variables;
-    Trace m_trace;
-    std::vector<Received> m_channels;
+    mutable hxd::Mutex m_lock;
+    std::map<std::string, HostValue> m_variables HXD_GUARDED_BY(m_lock);
+    Trace m_trace HXD_GUARDED_BY(m_lock);
+    std::vector<Received> m_channels HXD_GUARDED_BY(m_lock);
 };
 
 #endif

@@ -1,5 +1,6 @@
 #include "hxdpanel/sandbox/GuardedCalls.h"
 
+#include "common/Mutex.h"
 #include "hxdpanel/base/Text.h"
 #include "hxdpanel/sandbox/HarmlessCommand.h"
 
@@ -11,7 +12,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <deque>
-#include <mutex>
 
 #define HXD_EXPORT extern "C" __attribute__((visibility("default")))
 
@@ -27,8 +27,8 @@ std::atomic<bool> g_rebooted{false};
 
 // Never destroyed: a thread of the driver may call until the very end.
 struct Log {
-    std::mutex lock;  // guards calls
-    std::deque<std::string> calls;
+    hxd::Mutex lock;
+    std::deque<std::string> calls HXD_GUARDED_BY(lock);
 };
 Log& TheLog() {
     static Log* const log = new Log;
@@ -38,7 +38,7 @@ Log& TheLog() {
 void Remember(const std::string& outcome, const std::string& command) {
     const std::string line = outcome + ": " + Visible(command);
     Log& log = TheLog();
-    const std::lock_guard<std::mutex> locker(log.lock);
+    const hxd::MutexLock locker(log.lock);
     log.calls.push_back(line);
     if (log.calls.size() > MAX_CALLS)
         log.calls.pop_front();
@@ -81,13 +81,13 @@ bool Enabled() {
 
 std::vector<std::string> Calls() {
     Log& log = TheLog();
-    const std::lock_guard<std::mutex> locker(log.lock);
+    const hxd::MutexLock locker(log.lock);
     return {log.calls.begin(), log.calls.end()};
 }
 
 void ForgetCalls() {
     Log& log = TheLog();
-    const std::lock_guard<std::mutex> locker(log.lock);
+    const hxd::MutexLock locker(log.lock);
     log.calls.clear();
 }
 

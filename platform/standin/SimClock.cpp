@@ -27,7 +27,7 @@ SimClock::SimClock()
       m_baseTime(RealClock::now()) {}
 
 void SimClock::Hold() {
-    std::lock_guard<std::mutex> guard(m_lock);
+    const hxd::MutexLock guard(m_lock);
     SetBase(TickLocked());
     m_bHeld = true;
     for (Sleeper* sleeper : m_sleepers)
@@ -35,7 +35,7 @@ void SimClock::Hold() {
 }
 
 void SimClock::Advance(long long milliseconds) {
-    std::lock_guard<std::mutex> guard(m_lock);
+    const hxd::MutexLock guard(m_lock);
     const long long now = TickLocked();
     SetBase(now + std::min(std::max(milliseconds, 0LL), std::max(LAST_TICK - now, 0LL)));
     for (Sleeper* sleeper : m_sleepers) {
@@ -46,7 +46,7 @@ void SimClock::Advance(long long milliseconds) {
 }
 
 void SimClock::MoveHeld() {
-    std::lock_guard<std::mutex> guard(m_lock);
+    const hxd::MutexLock guard(m_lock);
     m_mover = std::this_thread::get_id();
 }
 
@@ -68,7 +68,7 @@ void SimClock::Pass(long long milliseconds) {
 }
 
 void SimClock::Run(double speed) {
-    std::lock_guard<std::mutex> guard(m_lock);
+    const hxd::MutexLock guard(m_lock);
     SetBase(TickLocked());
     m_bHeld = false;
     m_dSpeed = std::isfinite(speed) && speed > 0.0 ? std::min(std::max(speed, 1e-3), 1e6) : 1.0;
@@ -77,44 +77,52 @@ void SimClock::Run(double speed) {
 }
 
 double SimClock::Speed() const {
-    std::lock_guard<std::mutex> guard(m_lock);
+    const hxd::MutexLock guard(m_lock);
     return m_bHeld ? 0.0 : m_dSpeed;
 }
 
 long long SimClock::Tick() const {
-    std::lock_guard<std::mutex> guard(m_lock);
+    const hxd::MutexLock guard(m_lock);
     return TickLocked();
 }
 
+bool SimClock::IsMover() const {
+    const hxd::MutexLock guard(m_lock);
+    return m_bHeld && m_mover == std::this_thread::get_id();
+}
+
 void SimClock::Sleep(unsigned int milliseconds) {
-    Sleeper self;
-    std::unique_lock<std::mutex> guard(m_lock);
-    if (m_bHeld && m_mover == std::this_thread::get_id()) {
-        guard.unlock();
+    if (IsMover()) {
         Step(milliseconds, BUSY_MS);  // what the caller waits for may be somebody's real work
         return;
     }
+    Sleeper self;
+    hxd::MutexLock guard(m_lock);
     self.wakeTick = TickLocked() + milliseconds;
     const auto place = m_sleepers.insert(m_sleepers.end(), &self);
     m_sleeperArrived.notify_all();
     while (TickLocked() < self.wakeTick) {
         if (m_bHeld)
-            self.changed.wait(guard);
+            guard.Wait(self.changed);
         else
-            self.changed.wait_until(guard, RealTimeOf(self.wakeTick));
+            guard.WaitUntil(self.changed, RealTimeOf(self.wakeTick));
     }
     m_sleepers.erase(place);
 }
 
 int SimClock::Sleepers() const {
-    std::lock_guard<std::mutex> guard(m_lock);
+    const hxd::MutexLock guard(m_lock);
     return SleepersLocked();
 }
 
 bool SimClock::WaitForSleepers(int count, unsigned int timeoutMs) const {
-    std::unique_lock<std::mutex> guard(m_lock);
-    return m_sleeperArrived.wait_for(guard, std::chrono::milliseconds(timeoutMs),
-                                     [&] { return SleepersLocked() >= count; });
+    const auto deadline = RealClock::now() + std::chrono::milliseconds(timeoutMs);
+    hxd::MutexLock guard(m_lock);
+    while (SleepersLocked() < count) {
+        if (!guard.WaitUntil(m_sleeperArrived, deadline))
+            return SleepersLocked() >= count;
+    }
+    return true;
 }
 
 long long SimClock::TickLocked() const {

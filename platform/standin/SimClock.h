@@ -3,10 +3,11 @@
 #ifndef SIMCLOCK_H
 #define SIMCLOCK_H
 
+#include "common/Mutex.h"
+
 #include <chrono>
 #include <condition_variable>
 #include <list>
-#include <mutex>
 #include <thread>
 
 namespace sim {
@@ -49,19 +50,21 @@ private:
     };
 
     void Step(long long milliseconds, unsigned int atRestMs);
-    long long TickLocked() const;
-    int SleepersLocked() const;
-    RealClock::time_point RealTimeOf(long long tick) const;
-    void SetBase(long long tick);
+    bool IsMover() const;  // whether a sleep of this thread moves the clock
+    long long TickLocked() const HXD_REQUIRES(m_lock);
+    int SleepersLocked() const HXD_REQUIRES(m_lock);
+    RealClock::time_point RealTimeOf(long long tick) const HXD_REQUIRES(m_lock);
+    void SetBase(long long tick) HXD_REQUIRES(m_lock);
 
-    mutable std::mutex m_lock;  // guards everything below
+    mutable hxd::Mutex m_lock;
     mutable std::condition_variable m_sleeperArrived;
-    bool m_bHeld = false;
-    double m_dSpeed = 1.0;
-    std::thread::id m_mover;
-    long long m_llBaseTick;            // the clock's position ...
-    RealClock::time_point m_baseTime;  // ... at this moment
-    std::list<Sleeper*> m_sleepers;    // they live on the stacks of their threads
+    bool m_bHeld HXD_GUARDED_BY(m_lock) = false;
+    double m_dSpeed HXD_GUARDED_BY(m_lock) = 1.0;
+    std::thread::id m_mover HXD_GUARDED_BY(m_lock);
+    long long m_llBaseTick HXD_GUARDED_BY(m_lock);            // the clock's position ...
+    RealClock::time_point m_baseTime HXD_GUARDED_BY(m_lock);  // ... at this moment
+    // They live on the stacks of their threads.
+    std::list<Sleeper*> m_sleepers HXD_GUARDED_BY(m_lock);
 };
 
 }  // namespace sim

@@ -78,12 +78,12 @@ void SimPanel::Reset() {
 }
 
 PanelState SimPanel::State() const {
-    std::lock_guard<std::mutex> guard(m_lock);
+    const hxd::MutexLock guard(m_lock);
     return m_state;
 }
 
 void SimPanel::Change(const std::function<void(PanelState&)>& edit) {
-    std::lock_guard<std::mutex> guard(m_lock);
+    const hxd::MutexLock guard(m_lock);
     edit(m_state);
 }
 
@@ -103,7 +103,7 @@ void SimPanel::Mend(const std::string& function) {
 bool SimPanel::ShallFail(const char* function, int& result) {
     Failure failure;
     {
-        std::lock_guard<std::mutex> guard(m_lock);
+        const hxd::MutexLock guard(m_lock);
         if (m_state.failures.empty())
             return false;
         const auto found = m_state.failures.find(function);

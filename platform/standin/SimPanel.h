@@ -7,6 +7,7 @@
 #define SIMPANEL_H
 
 #include "SimClock.h"
+#include "common/Mutex.h"
 #include "hal/TextStore.h"
 #include "olma_hal.h"
 
@@ -15,7 +16,6 @@
 #include <deque>
 #include <functional>
 #include <map>
-#include <mutex>
 #include <string>
 #include <utility>
 #include <vector>
@@ -160,8 +160,8 @@ public:
 private:
     SimPanel() = default;
 
-    mutable std::mutex m_lock;  // guards m_state
-    PanelState m_state;
+    mutable hxd::Mutex m_lock;
+    PanelState m_state HXD_GUARDED_BY(m_lock);
     SimClock m_clock;
     TextStore m_texts;
 };

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 const char* sim::TextStore::Keep(const std::string& text) {
-    std::lock_guard<std::mutex> guard(m_lock);
+    const hxd::MutexLock guard(m_lock);
     const auto found = std::find(m_texts.begin(), m_texts.end(), text);
     if (found != m_texts.end()) {
         m_texts.splice(m_texts.begin(), m_texts, found);

@@ -2,9 +2,10 @@
 #ifndef TEXTSTORE_H
 #define TEXTSTORE_H
 
+#include "common/Mutex.h"
+
 #include <cstddef>
 #include <list>
-#include <mutex>
 #include <string>
 
 namespace sim {
@@ -18,8 +19,8 @@ public:
     const char* Keep(const std::string& text);
 
 private:
-    std::mutex m_lock;
-    std::list<std::string> m_texts;  // most recently asked for first
+    hxd::Mutex m_lock;
+    std::list<std::string> m_texts HXD_GUARDED_BY(m_lock);  // most recently asked for first
 };
 
 }  // namespace sim
