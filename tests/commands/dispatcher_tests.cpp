@@ -331,7 +331,13 @@ TEST(ScreenshotPath, ChoosesTheRoot) {
         EXPECT_EQ(target.subDirectory, c.directory) << c.path;
         EXPECT_EQ(target.fileName, c.file) << c.path;
     }
-    EXPECT_EQ(panel_actions::ShellWord("/a-Z_0.9/"), "/a-Z_0.9/");
+    const std::string harmless =
+        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789._/-";
+    EXPECT_EQ(panel_actions::ShellWord(harmless), harmless);
+    for (const char character : std::string(" \t\n!\"#$%&()*+,:;<=>?@[\\]^`{|}~\x7f\xe9")) {
+        const std::string word(1, character);
+        EXPECT_EQ(panel_actions::ShellWord(word), "'" + word + "'");
+    }
     EXPECT_EQ(panel_actions::ShellWord("/a b/it's"), "'/a b/it'\\''s'");
 }
 

@@ -144,6 +144,33 @@ TEST_F(VncLock, FollowsTheChannelsMouseBeforeKeyboard) {
     }
 }
 
+TEST_F(VncLock, IsShownByTheChannels) {
+    FakePlugin* const plugin = new FakePlugin(calls);
+    Install(plugin);
+    FakeHost host;
+    CDevCtrl device("panel", &host);
+    const unsigned char blob[] = {0, 0};
+    const int channel = 1;
+    device.InitDevice(blob, sizeof blob);
+    const struct {
+        void (IVNCLock::*set)(bool);
+        double local, remote;
+    } locks[] = {
+        {&IVNCLock::setHMIMouseState, 1, 0},
+        {&IVNCLock::setHMIKeyboardState, 1, 0},
+        {&IVNCLock::setVNCMouseState, 0, 1},
+        {&IVNCLock::setVNCKeyboardState, 0, 1},
+    };
+    for (const auto& lock : locks) {
+        (plugin->*lock.set)(true);
+        EXPECT_EQ(device.CollectDevData(&channel, 1), 0);
+        EXPECT_EQ(host.numberChannels[23], lock.local) << &lock - locks;
+        EXPECT_EQ(host.numberChannels[24], lock.remote) << &lock - locks;
+        (plugin->*lock.set)(false);
+    }
+    device.CleanupDevice();
+}
+
 TEST_F(VncLock, IsInertWithoutAPluginOrWithAnotherInterface) {
     ExpectInert(*Make(NO_PLUGIN));
     Install(new QObject);

@@ -1,5 +1,6 @@
 #include "Adversity.h"
 #include "SimPanel.h"
+#include "SystemCalls.h"
 #include "TestFiles.h"
 #include "WaitStatus.h"
 #include "common/AppSettings.h"
@@ -279,6 +280,17 @@ TEST_F(Settings, KeepModeTimeLinksAndForeignKeys) {
     EXPECT_EQ(StatusOf("/tmp/links/three").st_mode, S_IFREG | 0644u);
     EXPECT_TRUE(S_ISLNK(StatusOf("/tmp/one").st_mode) &&
                 S_ISLNK(StatusOf("/tmp/links/two").st_mode));
+}
+
+TEST_F(Settings, AreOnTheStorageBeforeTheyTakeTheirPlaceAndTheirPlaceAfterwards) {
+    Write(OWN_KEY[0], QLatin1String("old"));
+    std::string calls;
+    g_systemCalls.onFlush = [&](const std::string& call) {
+        calls += call + ": " + readFile(FILE_NAME).substr(28);
+    };
+    Write(OWN_KEY[0], QLatin1String("new"));
+    g_systemCalls.onFlush = nullptr;
+    EXPECT_EQ(calls, "fsync: old\nsync: new\n");
 }
 
 TEST_F(Settings, AreNeitherReadFromNorWrittenToWhatIsNoFile) {

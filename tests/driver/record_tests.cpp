@@ -1,9 +1,14 @@
 #include "Record.h"
+#include "commands/VNCLockProxy.h"
 #include "driver/DeviceParameters.h"
 #include "driver/record/CDevServer.h"
 #include "driver/record/COwnerArchive.h"
+#include "network/NetworkTask.h"
+#include "ntp/NtpCtrl.h"
+#include "storage/DiskInterface.h"
 
 #include <cmath>
+#include <functional>
 
 namespace {
 
@@ -29,6 +34,27 @@ protected:
     }
 };
 
+// A service that tells of its end.
+template <class SERVICE>
+class Ending : public SERVICE {
+public:
+    template <class... ARGUMENTS>
+    explicit Ending(std::function<void()> tell, ARGUMENTS... arguments)
+        : SERVICE(arguments...), m_tell(std::move(tell)) {}
+    ~Ending() override { m_tell(); }
+
+private:
+    const std::function<void()> m_tell;
+};
+
+struct NoDisk : DiskInterface {
+    bool init() override { return false; }
+    int getDiskLifeTime() override { return 0; }
+    int getDiskIO() override { return 0; }
+    void refresh() override {}
+    bool refreshRes() override { return true; }
+};
+
 using Conversions = testing::Test;
 using ParameterAccess = RecordTest;
 
@@ -52,6 +78,25 @@ TEST_F(Blobs, GiveTheDeviceParameters) {
     };
     for (const auto& c : cases)
         EXPECT_EQ(Parameters(c.blob), c.parameters) << testing::PrintToString(c.blob);
+}
+
+TEST(Context, ReleasesItsServicesInTheirOrder) {
+    std::string left;  // at the end of each of three services
+    {
+        DEV_CONTEXT context;
+        const auto tell = [&] {
+            left += context.m_pNetworkTask != nullptr ? "network " : "";
+            left += context.m_pVncLock != nullptr ? "lock " : "";
+            left += context.m_pNtpCtrl != nullptr ? "time " : "";
+            left += context.m_pDevManger != nullptr ? "registry; " : "; ";
+        };
+        context.m_pDisk = std::make_unique<Ending<NoDisk>>(tell);
+        context.m_pNetworkTask = std::make_unique<NetworkTask>();
+        context.m_pVncLock = std::make_unique<Ending<VNCLockProxy>>(tell, nullptr);
+        context.m_pNtpCtrl = std::make_unique<NtpCtrl>();
+        context.m_pDevManger = std::make_unique<Ending<DevManger>>(tell);
+    }
+    EXPECT_EQ(left, "network lock time registry; time registry; ; ");
 }
 
 TEST(Archive, StepsThroughItsModes) {

@@ -3,6 +3,7 @@
 #include "FakeHost.h"
 #include "FakeLink.h"
 #include "SimPanel.h"
+#include "SystemCalls.h"
 #include "WaitStatus.h"
 
 #include <gtest/gtest.h>
@@ -16,10 +17,12 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 #include <algorithm>
+#include <atomic>
 #include <csignal>
 #include <fstream>
 #include <functional>
 #include <stdexcept>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -111,12 +114,13 @@ TEST_F(Device, RefusesBadArgumentsInEveryState) {
         EXPECT_EQ(device->UpdataCommunication(nullptr), HOST_BAD_ARGUMENT) << state;
         EXPECT_EQ(device->ChannelRefChange(nullptr, 5), HOST_BAD_ARGUMENT) << state;
         EXPECT_EQ(device->ChannelRefChange(&channel, 0), HOST_BAD_ARGUMENT) << state;
-        EXPECT_EQ(device->ChannelRefChange(&channel, 2147483647), HOST_BAD_ARGUMENT) << state;
+        EXPECT_EQ(device->ChannelRefChange(&channel, 65537), HOST_BAD_ARGUMENT) << state;
+        EXPECT_EQ(device->ChannelRefChange(&channel, 65536), 0) << state;
         EXPECT_EQ(device->CollectDevData(nullptr, 5), 0) << state;
         EXPECT_EQ(device->CollectDevData(&channel, -5), 0) << state;
         EXPECT_EQ(device->CollectDevData(&channel, 65537), HOST_BAD_ARGUMENT) << state;
         EXPECT_EQ(device->SetChannelAddress(-1, -1), 0) << state;
-        EXPECT_EQ(Collect(), 0) << state;
+        EXPECT_EQ(Collect(65536), 0) << state;
         if (std::string(state) == "created")
             EXPECT_EQ(Init(), 0);
         else
@@ -128,6 +132,22 @@ TEST_F(Device, RefusesBadArgumentsInEveryState) {
     EXPECT_EQ(destroy(&foreign), 0);
     EXPECT_EQ(destroy(create(nullptr, nullptr)), 0);
     EXPECT_EQ(host.unexpectedCalls, 0);
+}
+
+// The thread of the time control or the one of the network task is refused.
+TEST_F(Device, StartsEverythingOrNothing) {
+    for (const int threads : {0, 1}) {
+        g_systemCalls.threads = threads;
+        EXPECT_EQ(Init(), 0);
+        g_systemCalls.threads = -1;
+        EXPECT_EQ(Collect(), 0);
+        EXPECT_TRUE(host.numberChannels.empty()) << threads;
+        EXPECT_EQ(Init(), 0);
+        EXPECT_EQ(Collect(), 0);
+        EXPECT_EQ(host.numberChannels.size(), 32u) << threads;
+        device->CleanupDevice();
+        host.numberChannels.clear();
+    }
 }
 
 TEST_F(Device, DeliversTheChannelsByTheirTypes) {
@@ -223,6 +243,15 @@ TEST_F(Device, SurvivesCommandsBetweenAndWithinLargerCollections) {
     EXPECT_EQ(deliveries, 40 + 32);
     host.onDelivery = [&] { device->DevIOCtrl("REFLESH()"); };
     EXPECT_EQ(Collect(60), 0);
+    host.onDelivery = [] {};
+    host.numberChannels.clear();
+    host.channelType = [&](int channel) {
+        if (channel == 40)
+            device->DevIOCtrl("nothing");
+        return 2;
+    };
+    EXPECT_EQ(Collect(61), 0);
+    EXPECT_EQ(host.numberChannels.size(), 40u);  // the values are cut, so this was the last
     host.onDelivery = [] { throw std::runtime_error("host"); };
     EXPECT_EQ(Collect(32), HOST_BAD_ARGUMENT);
     host.onDelivery = [] {};
@@ -289,6 +318,8 @@ protected:
             {&host.onParameter, command("ReadAppLog(n,n,t,s)")},
             {&host.onDelivery, [this] { return Collect(); }},
             {&link.onCall, command("STRSHA256(t,r)")},
+            {&link.onCall, [this] { return device->WriteChannel(32, DATATYPE_INTEGER, &zero); }},
+            {&link.onCall, [this] { return Collect(); }},
             {&link.onCall, [this] { return device->UpdataCommunication(&link); }},
         };
         for (const auto& way : ways) {
@@ -302,6 +333,7 @@ protected:
 
     FakeLink link;
     FakeLink silent;
+    int zero = 0;
 };
 
 TEST_F(FromWithin, AReleaseWaitsForTheEndOfTheOperation) {
@@ -313,6 +345,7 @@ TEST_F(FromWithin, AReleaseWaitsForTheEndOfTheOperation) {
         call();
         host.onDelivery = [] { ADD_FAILURE() << "it was to be released"; };
         Collect();
+        host.onDelivery = [] {};
     });
     OfEach([&] { EXPECT_EQ(destroy(device), 0); },
            [&](const std::function<int()>& call) {
@@ -321,6 +354,40 @@ TEST_F(FromWithin, AReleaseWaitsForTheEndOfTheOperation) {
                EXPECT_LT(Used().threads, threads);
                device = create("next", &host);
            });
+}
+
+TEST_F(FromWithin, CommandsAreDoneAtOnceAndExceptionsBecomeTheAnswer) {
+    bool inside = false;
+    const auto sends = [&] {
+        if (inside)
+            return;
+        inside = true;
+        EXPECT_EQ(device->DevIOCtrl("GetMacInfo(0)"), 5);
+        inside = false;
+    };
+    OfEach(sends, [](const std::function<int()>& call) { call(); });
+    OfEach([] { throw std::runtime_error("host"); },
+           [](const std::function<int()>& call) { EXPECT_EQ(call(), HOST_BAD_ARGUMENT); });
+    EXPECT_EQ(device->DevIOCtrl("REFLESH()"), 0);
+}
+
+TEST_F(Device, CommandsOfAllDevicesTakeTurns) {
+    IDeviceCtrl* const other = create("other", nullptr);
+    std::atomic<bool> answered{false};
+    std::thread thread;
+    host.onParameter = [&] {
+        if (thread.joinable())
+            return;
+        thread = std::thread([&] {
+            other->DevIOCtrl("REFLESH()");
+            answered = true;
+        });
+        ::usleep(50000);
+        EXPECT_FALSE(answered);
+    };
+    EXPECT_EQ(device->DevIOCtrl("STRSHA256(t,r)"), 0);
+    thread.join();
+    destroy(other);
 }
 
 // What ends the thread leaves neither a lock held nor the process dead.

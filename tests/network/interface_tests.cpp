@@ -4,8 +4,11 @@
 #include "network/NetworkTask.h"
 
 #include <arpa/inet.h>
+#include <dlfcn.h>
+#include <QSemaphore>
 #include <atomic>
 #include <cstring>
+#include <functional>
 #include <thread>
 
 namespace {
@@ -55,7 +58,24 @@ protected:
     }
 };
 
+// What happens right after the answer of a task and right after its caller has got it.
+std::function<void()> g_onAnswered, g_onReceived;
+
 }  // namespace
+
+// The tasks' semaphore: the program's functions come before the library's.
+void QSemaphore::release(int n) {
+    reinterpret_cast<void (*)(QSemaphore*, int)>(::dlsym(RTLD_NEXT, "_ZN10QSemaphore7releaseEi"))(
+        this, n);
+    if (g_onAnswered)
+        g_onAnswered();
+}
+void QSemaphore::acquire(int n) {
+    reinterpret_cast<void (*)(QSemaphore*, int)>(::dlsym(RTLD_NEXT, "_ZN10QSemaphore7acquireEi"))(
+        this, n);
+    if (g_onReceived)
+        g_onReceived();
+}
 
 TEST(Addresses, AreFourNumbersInTheirRanges) {
     const struct {
@@ -338,4 +358,38 @@ TEST_F(NetworkMode, TaskEndsFromEveryState) {
     EXPECT_TRUE(result == 0 || result == -6) << result;  // -6: the task ended before it began
     context.m_pNetworkTask = std::make_unique<NetworkTask>();
     EXPECT_EQ(SetNetworkMode(record, "i,m,r"), -6);  // no thread to do it, but an answer
+}
+
+// The caller goes on while the task still shows its state; another request is refused meanwhile.
+TEST_F(NetworkMode, AnswersBeforeItIsIdle) {
+    std::atomic<int> answered{-99}, again{-99};
+    Fail("hal_set_ip_addr", -33);
+    g_onAnswered = [&] {
+        for (int i = 0; i < 5000 && answered == -99; ++i)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        int result = 0;
+        if (context.m_pNetworkTask->GetState() == NetworkTask::STATE_EXECUTING)
+            again = context.m_pNetworkTask->Execute(0, 0, result);
+    };
+    answered = SetNetworkMode(record, "i,m,r");
+    EXPECT_EQ(answered, -33);
+    WaitFor(NetworkTask::STATE_IDLE);
+    g_onAnswered = nullptr;
+    EXPECT_EQ(again, NetworkTask::REQUEST_BUSY);
+}
+
+TEST_F(NetworkMode, TaskOutlivesItsCaller) {
+    std::thread owner;
+    std::atomic<bool> ended{false};
+    g_onReceived = [&] {
+        owner = std::thread([&] {
+            context.m_pNetworkTask.reset();
+            ended = true;
+        });
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        EXPECT_FALSE(ended);
+    };
+    EXPECT_EQ(SetNetworkMode(record, "i,m,r"), 0);
+    g_onReceived = nullptr;
+    owner.join();
 }

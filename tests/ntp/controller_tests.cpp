@@ -1,4 +1,5 @@
 // Commands, workers and the control thread, against servers on the panel's own network.
+#include "SystemCalls.h"
 #include "common/QtText.h"
 #include "tests/ntp/TimeControl.h"
 #include "tests/ntp/TimeServer.h"
@@ -216,6 +217,8 @@ TEST_F(TimeControl, SynchronisesByItselfWhenDue) {
     EXPECT_EQ(Panel().rtcSettings.size(), 1u) << "neither the period is over nor do servers count";
     sim::SimPanel::Instance().AdvanceClock(1);
     ASSERT_TRUE(synchronised(2));
+    std::this_thread::sleep_for(std::chrono::milliseconds(450));
+    EXPECT_EQ(Panel().rtcSettings.size(), 2u) << "the period begins anew";
     control.setNtpFreq(3);
     ASSERT_TRUE(synchronised(3));
     control.setNtpMode(0);
@@ -252,6 +255,43 @@ TEST_F(TimeControl, ServesSeveralThreads) {
     writer.join();
     commands.join();
     EXPECT_EQ(control.getParam().freq, 6);
+}
+
+// Whatever a setter writes, everybody else waits for it.
+TEST_F(TimeControl, ChangesOneSettingAtATime) {
+    NtpCtrl& control = StartOnDemand({});
+    const QString name = QLatin1String("a");
+    const std::function<void()> changes[] = {
+        [&] { control.setNtpFreq(3); },
+        [&] { control.setNtpServer(name, 0); },
+        [&] {
+            control.setNtpServers({name, name, name, name});
+        },
+    };
+    const std::function<void()> others[] = {
+        [&] { control.enableNtp(1); },
+        [&] { control.setNtpServer(name, 4); },
+        [&] { control.getParam(); },
+    };
+    for (const auto& change : changes) {
+        std::atomic<int> done{0};
+        std::vector<std::thread> threads;
+        g_systemCalls.onFlush = [&](const std::string&) {
+            for (const auto& other : others) {
+                if (threads.size() < 3)
+                    threads.emplace_back([&] {
+                        other();
+                        ++done;
+                    });
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+            EXPECT_EQ(done, 0) << &change - changes;
+        };
+        change();
+        g_systemCalls.onFlush = nullptr;
+        for (std::thread& thread : threads)
+            thread.join();
+    }
 }
 
 TEST_F(TimeControl, AWorkerWithoutDescriptorsFailsAndIsStartedLater) {

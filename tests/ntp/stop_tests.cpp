@@ -1,4 +1,5 @@
 // The end of a device, in every state of its time synchronisation that can last.
+#include "driver/record/ChannelTable.h"
 #include "host.h"
 #include "network/NerworkCheck.h"
 #include "tests/ntp/TimePanel.h"
@@ -56,9 +57,18 @@ constexpr const char* SILENT_NAME_SERVERS =
 
 TEST_F(Stopping, TakesLittleTimeInEveryState) {
     const TimeServer silent("127.0.0.11", nullptr);
+    const TimeServer good("127.0.0.12", TimeServer::Showing(1900000000));
     const TimeServer silentNames("127.0.0.53", nullptr, 53);
     const TimeServer silentNamesToo("127.0.0.54", nullptr, 53);
     writeFile("/etc/resolv.conf", SILENT_NAME_SERVERS);
+    IDeviceCtrl* device = nullptr;
+    // The second synchronisation waits for what is left of the first one, at the silent server.
+    const auto askedTwice = [&] {
+        int hours = 3;
+        if (!Panel().rtcSettings.empty())
+            device->WriteChannel(CHANNEL_NTP_PERIOD - 1, DATATYPE_INTEGER, &hours);
+        return Runs("ping") > 1;
+    };
     constexpr const char* NO_LOCK = nullptr;
     const auto pinged = [] { return Runs("ping") > 0; };
     const auto soon = [] {
@@ -76,6 +86,7 @@ TEST_F(Stopping, TakesLittleTimeInEveryState) {
         {"idle", "exit 0", NO_LOCK, {}, soon, 1500},
         {"no network", "exit 1", NO_LOCK, {"127.0.0.11"}, pinged, 1500},
         {"waiting", "exit 0", NO_LOCK, {"127.0.0.11"}, [&] { return silent.Requests() > 2; }, 1500},
+        {"posting", "exit 0", NO_LOCK, {"127.0.0.11", "127.0.0.12"}, askedTwice, 1500},
         {"resolving",
          "exit 0",
          NO_LOCK,
@@ -90,7 +101,7 @@ TEST_F(Stopping, TakesLittleTimeInEveryState) {
         ::unlink(COMMANDS);
         OnPing(c.ping);
         const HeldLock lock(c.lock);
-        IDeviceCtrl* const device = Start(c.servers);
+        device = Start(c.servers);
         EXPECT_TRUE(WaitFor(c.reached)) << c.name;
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
         EXPECT_LT(StopMs(device), c.limitMs) << c.name;

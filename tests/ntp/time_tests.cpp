@@ -1,4 +1,5 @@
 // Settings, triggers, packet arithmetic and clock text.
+#include "SystemCalls.h"
 #include "common/QtText.h"
 #include "ntp/ClockText.h"
 #include "ntp/NtpTriggers.h"
@@ -181,6 +182,25 @@ TEST_F(TimeSettings, AreWrittenWholeAndReadBack) {
     settings.writeCfg();
     EXPECT_TRUE(Loaded().servers == Record(0, 0, 0).servers);
     EXPECT_EQ(EntriesOf("/storage"), 5u) << "., .., log, user_dir and the file";
+}
+
+TEST_F(TimeSettings, OfTwoDevicesAreWrittenOneAfterTheOther) {
+    std::thread other;
+    std::atomic<bool> written{false};
+    g_systemCalls.onFlush = [&](const std::string&) {
+        if (other.joinable())
+            return;
+        other = std::thread([&] {
+            Record(1, 1, 4).writeCfg();
+            written = true;
+        });
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        EXPECT_FALSE(written);
+    };
+    Record(1, 1, 3).writeCfg();
+    other.join();
+    g_systemCalls.onFlush = nullptr;
+    EXPECT_EQ(Loaded().freq, 4);
 }
 
 TEST_F(TimeSettings, MakeTheirFoldersOrAreDropped) {

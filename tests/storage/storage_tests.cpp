@@ -2,6 +2,7 @@
 // panel "emmc" of tests/panels/, those of NandHealth on "nand", and change its files.
 #include "Adversity.h"
 #include "Record.h"
+#include "SystemCalls.h"
 #include "TestFiles.h"
 #include "storage/DiskCommon.h"
 #include "storage/DiskManager.h"
@@ -240,7 +241,7 @@ TEST_F(EmmcHealth, IsReadUnderATimerThatRestartsNothing) {
     }
 }
 
-TEST_F(EmmcHealth, IsUnknownWhileAnAttributeIsMissingOrAmbiguous) {
+TEST_F(EmmcHealth, IsUnknownWhileAnAttributeIsMissingOrAmbiguousOrThreadsAre) {
     const std::string eraseSize = Attribute("erase_size");
     const std::string second = Attribute("erase_size", "mmc0:0002");
     ::unlink(eraseSize.c_str());
@@ -252,6 +253,9 @@ TEST_F(EmmcHealth, IsUnknownWhileAnAttributeIsMissingOrAmbiguous) {
     ::unlink(second.c_str());
     ::unlink(Attribute("life_time").c_str());
     ::unlink(Attribute("pre_eol_info").c_str());
+    g_systemCalls.threads = 0;
+    EXPECT_FALSE(disk->init());
+    g_systemCalls.threads = -1;
     ASSERT_TRUE(Init());
     EXPECT_EQ(disk->getDiskLifeTime(), wear::LIFE_UNKNOWN);
 }
@@ -271,9 +275,13 @@ TEST_F(NandHealth, MountsDebugfsForEachCountOnly) {
     SetErased(20 * 256000 + 200);
     GearNow();
     EXPECT_EQ(CommandLog(), Counts(3));
+    g_systemCalls.hasDebugfs = true;  // somebody else's
+    Advance(HOUR_MS);
+    EXPECT_EQ(CommandLog(), Counts(3));
+    g_systemCalls.hasDebugfs = false;
     testing::internal::CaptureStdout();
     ::unlink(TABLE);
-    Advance(HOUR_MS);
+    Advance(HOUR_MS + TICK_MS);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "can not load file!");
     EXPECT_EQ(disk->getDiskIO(), 1);  // nothing is known to be erased
     EXPECT_EQ(CommandLog(), Counts(4));

@@ -269,6 +269,17 @@ TEST_F(Registry, ReadsOddLogFiles) {
     EXPECT_EQ(host.texts["txt"], "");
 }
 
+TEST(FirstLine, HasUpTo127Bytes) {
+    const std::string ends[] = {std::string(126, 'x') + "\n", std::string(127, 'x') + "\n", "\n",
+                                ""};
+    for (const std::string& text : ends) {
+        writeFile("/tmp/line", text + (text.empty() ? "" : "next\n"));
+        std::string path = "/tmp/line";
+        EXPECT_EQ(DevLiunxCpuUse().DevReadFile(path, 0, DevLiunxBase::READ_FIRST_LINE),
+                  text.substr(0, 127));
+    }
+}
+
 TEST_F(Registry, ReadsTheKernelLogThroughAFileOfItsOwn) {
     ::mkdir("/run/shims", 0755);
     writeFile("/run/shims/dmesg", "echo $(stat -c '%a %F' /tmp/dmesg.log)\n");

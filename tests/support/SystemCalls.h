@@ -1,0 +1,17 @@
+// Calls of the system that a test looks at or has refused, in every thread of its program.
+#ifndef HXD_TESTS_SYSTEMCALLS_H
+#define HXD_TESTS_SYSTEMCALLS_H
+
+#include <atomic>
+#include <functional>
+#include <string>
+
+// As long as nothing is set, everything goes its usual way.
+struct SystemCalls {
+    std::function<void(const std::string& call)> onFlush;  // before each "fsync" and "sync"
+    std::atomic<int> threads{-1};         // how many more can be started; below 0: any number
+    std::atomic<bool> hasDebugfs{false};  // every file system is a debugfs
+};
+extern SystemCalls g_systemCalls;
+
+#endif
