@@ -1,5 +1,6 @@
 #include "hxdcheck/host/HostChecks.h"
 
+#include "common/ResultCodes.h"
 #include "mfc/CArray.h"
 #include "mfc/CString.h"
 #include "olma_gui.h"
@@ -90,11 +91,13 @@ Finding JudgeNetwork(int result, const Guarded<hal_network_t>& record) {
 
 Finding CheckBrightness() {
     const int percent = hal_display_get_backlight_brightness();
-    if (percent == -19)
-        return Ok("no brightness control (-19); channel 21 shows 100");
+    const std::string none = std::to_string(HAL_NO_SUCH_DEVICE);
+    if (percent == HAL_NO_SUCH_DEVICE)
+        return Ok("no brightness control (" + none + "); channel 21 shows 100");
     return percent >= 0 && percent <= 100
                ? Ok(std::to_string(percent) + " %")
-               : Wrong(ResultText(percent), "must give 0 to 100, or -19; a wrapper can translate");
+               : Wrong(ResultText(percent),
+                       "must give 0 to 100, or " + none + "; a wrapper can translate");
 }
 
 Finding CheckNetworkCount() {

@@ -1,6 +1,7 @@
 #include "hxdpanel/panel/HardwareCommands.h"
 
 #include "SimPanel.h"
+#include "common/ResultCodes.h"
 #include "driver/record/ChannelTable.h"
 #include "hxdpanel/base/Amounts.h"
 #include "hxdpanel/base/Text.h"
@@ -16,8 +17,6 @@ namespace {
 
 using Hardware = HardwareCommands;
 using Words = Hardware::Words;
-
-constexpr int NO_BRIGHTNESS_CONTROL = -19;
 
 Words SplitWords(const std::string& line) {
     std::istringstream stream(line);
@@ -36,7 +35,7 @@ HardwareResult Light(Hardware&, const Words& words) {
 }
 
 HardwareResult Brightness(Hardware&, const Words& words) {
-    long long percent = NO_BRIGHTNESS_CONTROL;
+    long long percent = HAL_NO_SUCH_DEVICE;
     const bool isNone = words.size() == 1 && words[0] == "none";
     if (words.size() != 1 || (!isNone && !ParseWhole(words[0], 0, 100, percent)))
         return HardwareResult::Refused(

@@ -1,6 +1,7 @@
 #include "hxdpanel/report/CommandReference.h"
 
 #include "common/ResultCodes.h"
+#include "driver/record/ChannelTable.h"
 #include "hxdpanel/base/Text.h"
 
 namespace {
@@ -15,7 +16,7 @@ const char* const NO_BLANKS =
 struct Description {
     Command command;
     const char* summary;
-    std::vector<const char*> meanings;  // of the arguments, in their order
+    std::vector<std::string> meanings;  // of the arguments, in their order
     std::vector<CommandStatus> codes;
     std::vector<const char*> example;
     std::vector<const char*> notes;
@@ -25,13 +26,19 @@ struct Description {
 constexpr bool SAVES_FILE = true;
 constexpr bool LEAVES_NO_FILE = false;
 
+// What a write to the channel accepts, put together by the word.
+std::string Range(Channel channel, const std::string& between) {
+    const ChannelRow& row = *FindChannel(channel);
+    return std::to_string(row.minimum) + between + std::to_string(row.maximum);
+}
+
 const std::vector<Description> DESCRIPTIONS = {
     {COMMAND_OLMA_WRITE,
      "write a channel; what the console's write sends",
      {"number of the channel", "the value as text"},
      {{1, "no \"=\", or the channel cannot be written"},
       {4, "value out of the channel's range, or no valid address"},
-      {5, "brightness below 0 or above 100"}},
+      {5, "brightness below " + Range(CHANNEL_BRIGHTNESS, " or above ")}},
      {"OLMA_WRITE(21=40)", "OLMA_WRITE(1=192.168.1.50)"},
      {"A number that is no channel is ignored with status 0.", "A text ends at its first \")\"."},
      LEAVES_NO_FILE},
@@ -127,7 +134,7 @@ const std::vector<Description> DESCRIPTIONS = {
      LEAVES_NO_FILE},
     {COMMAND_SET_NTP_FREQ,
      "set the period of the time synchronisation",
-     {"1 to 24", "receives 0, or 4 when refused"},
+     {Range(CHANNEL_NTP_PERIOD, " to "), "receives 0, or 4 when refused"},
      {{4, UNREADABLE}, {5, "neither one nor two arguments"}},
      {"set result 0", "SetNTPFreq(12,result)"},
      {STATUS_IN_RESULT},
@@ -234,7 +241,7 @@ std::string CommandSignature(const CommandInfo& command) {
     return text + std::string(static_cast<std::size_t>(open), ']') + ")";
 }
 
-const char* CommandStatusMeaning(const CommandInfo* command, int status) {
+std::string CommandStatusMeaning(const CommandInfo* command, int status) {
     if (command != nullptr) {
         for (const CommandStatus& code : command->codes) {
             if (code.status == status)

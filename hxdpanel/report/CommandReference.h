@@ -9,14 +9,14 @@
 #include <vector>
 
 struct DescribedArgument : CommandArgument {
-    DescribedArgument(const CommandArgument& argument, const char* itsMeaning)
+    DescribedArgument(const CommandArgument& argument, const std::string& itsMeaning)
         : CommandArgument(argument), meaning(itsMeaning) {}
-    const char* meaning;
+    std::string meaning;
 };
 
 struct CommandStatus {
     int status;
-    const char* meaning;
+    std::string meaning;
 };
 
 // A row of the driver's table of commands, described.
@@ -40,7 +40,7 @@ const CommandInfo* FindCommand(const std::string& name);
 // "GetMacInfo(index,name,mac)"; what may be left out in brackets.
 std::string CommandSignature(const CommandInfo& command);
 // What the status of this command means.
-const char* CommandStatusMeaning(const CommandInfo* command, int status);
+std::string CommandStatusMeaning(const CommandInfo* command, int status);
 const char* KindName(CommandArgument::Kind kind);
 
 #endif

@@ -43,7 +43,7 @@ void PrintJson(std::FILE* out, JsonLayout layout, const char* kind, const Json& 
     std::fflush(out);
 }
 
-Json JsonStatus(int status, const char* meaning) {
+Json JsonStatus(int status, const std::string& meaning) {
     return {{"code", status}, {"meaning", meaning}};
 }
 

@@ -22,7 +22,7 @@ enum class JsonLayout {
 // kind: what the object is about. Bytes that are no UTF-8 become replacement characters.
 void PrintJson(std::FILE* out, JsonLayout layout, const char* kind, const Json& members);
 
-Json JsonStatus(int status, const char* meaning);
+Json JsonStatus(int status, const std::string& meaning);
 // Whole numbers without a fraction.
 Json JsonValue(const HostValue& value);
 Json JsonVariable(const std::string& name, const HostValue& value);

@@ -37,7 +37,7 @@ HostValue Variable(const HostDatabase& database, const std::string& name) {
 
 }  // namespace
 
-std::string StatusText(int status, const char* meaning) {
+std::string StatusText(int status, const std::string& meaning) {
     std::array<char, 16> number = {};
     const bool isFlag = status < -0x40000000;
     std::snprintf(number.data(), number.size(), isFlag ? "0x%X" : "%d",

@@ -13,7 +13,7 @@ struct Outcome {
     std::string command;  // as given; empty: a write
     int channel = 0;      // of a write
     int status = 0;
-    const char* meaning = "";
+    std::string meaning;
     std::vector<std::string> variables = {};  // names of those that the command wrote
     std::vector<std::string> files = {};      // saved, as they are found on the machine
     bool filesVanish = false;                 // with the end of this run
@@ -23,7 +23,7 @@ struct Outcome {
 };
 
 // "0 (done)"; the host interface's own codes in hexadecimal, as they are documented.
-std::string StatusText(int status, const char* meaning);
+std::string StatusText(int status, const std::string& meaning);
 // Notes go to standard error.
 void PrintOutcome(std::FILE* out, const HostDatabase& database, const Outcome& outcome);
 Json OutcomeJson(const HostDatabase& database, const Outcome& outcome);

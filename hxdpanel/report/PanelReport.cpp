@@ -1,6 +1,7 @@
 #include "hxdpanel/report/PanelReport.h"
 
 #include "SimPanel.h"
+#include "common/ResultCodes.h"
 #include "hxdpanel/base/Terminal.h"
 #include "hxdpanel/base/Text.h"
 #include "hxdpanel/panel/ClockCommand.h"
@@ -177,7 +178,7 @@ Json EventsJson(const sim::PanelState& state) {
 
 Json PanelJson(const PanelSource& source) {
     const sim::PanelState state = sim::SimPanel::Instance().State();
-    const bool dimmable = state.brightness != -19;
+    const bool dimmable = state.brightness != HAL_NO_SUCH_DEVICE;
     return {{"serialNumber", state.serialNumber},
             {"light", state.lightOn},
             {"brightness", dimmable ? Json(state.brightness) : Json(nullptr)},
@@ -191,7 +192,7 @@ Json PanelJson(const PanelSource& source) {
 
 void PrintPanel(std::FILE* out, const PanelSource& source) {
     const sim::PanelState state = sim::SimPanel::Instance().State();
-    const bool dimmable = state.brightness != -19;
+    const bool dimmable = state.brightness != HAL_NO_SUCH_DEVICE;
     PrintItem(out, "Serial number", Quoted(state.serialNumber));
     PrintItem(out, "Display",
               std::string("light ") + (state.lightOn ? "on" : "off") +

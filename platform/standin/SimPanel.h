@@ -78,7 +78,7 @@ struct PanelState {
     PanelState();  // a plausible panel with two ports
 
     std::string serialNumber;
-    int brightness;  // per cent; -19: no brightness control
+    int brightness;  // per cent; HAL_NO_SUCH_DEVICE: no brightness control
     bool lightOn;
     std::vector<Interface> interfaces;
     Uart uarts[4];

@@ -1,12 +1,9 @@
 #include "Guarded.h"
+#include "common/ResultCodes.h"
 #include "olma_hal.h"
 
 using sim::Guarded;
 using sim::PanelState;
-
-namespace {
-const int NO_BRIGHTNESS_CONTROL = -19;
-}
 
 int hal_display_get_backlight_brightness(void) {
     return Guarded(__func__, [](PanelState& state) { return state.brightness; });
@@ -14,8 +11,8 @@ int hal_display_get_backlight_brightness(void) {
 
 int hal_display_set_backlight_brightness(int percent) {
     return Guarded(__func__, [percent](PanelState& state) {
-        if (state.brightness == NO_BRIGHTNESS_CONTROL)
-            return NO_BRIGHTNESS_CONTROL;
+        if (state.brightness == HAL_NO_SUCH_DEVICE)
+            return HAL_NO_SUCH_DEVICE;
         if (percent < 0 || percent > 100)
             return -EINVAL;
         state.brightness = percent;

@@ -1,5 +1,6 @@
 // SimPanel::LoadIni: one table per kind of section says which keys there are and what they take.
 #include "SimPanel.h"
+#include "common/ResultCodes.h"
 
 #include <QFile>
 #include <QSettings>
@@ -162,9 +163,10 @@ const Key<PanelState> PANEL_KEYS[] = {
     {"brightness", "0 to 100, or -19 for no brightness control",
      [](const std::string& text, PanelState& state) {
          long long percent = 0;
-         if (text != "-19" && !TakeInteger(text, 0, 100, percent))
+         if (!TakeInteger(text, 0, 100, percent) &&
+             !TakeInteger(text, HAL_NO_SUCH_DEVICE, HAL_NO_SUCH_DEVICE, percent))
              return false;
-         state.brightness = text == "-19" ? -19 : static_cast<int>(percent);
+         state.brightness = static_cast<int>(percent);
          return true;
      }},
     {"light", SWITCH_WORDS,
