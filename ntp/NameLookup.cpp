@@ -2,7 +2,7 @@
 
 #include "common/File.h"
 #include "common/Retry.h"
-#include "network/NerworkCheck.h"
+#include "network/ResolverText.h"
 
 #include <netdb.h>
 #include <poll.h>
@@ -79,7 +79,7 @@ bool Start(const std::shared_ptr<LookUp>& lookUp) {
 }  // namespace
 
 int LookUpName(const std::string& name, int stopDescriptor, std::vector<sockaddr_in>& addresses) {
-    if (NerworkCheck::isIp(QLatin1String(name.c_str())))
+    if (IsDottedAddress(name))
         return Resolve(name, addresses);  // nobody is asked
     const auto lookUp = std::make_shared<LookUp>(name);
     if (lookUp->isOneTooMany || !lookUp->doneEvent.IsOpen() || !Start(lookUp))

@@ -27,8 +27,14 @@ constexpr std::chrono::seconds CLOCK_STEP(1);
 // The numbers belong to the texts, which people look for in logs; they are no lines of this file.
 constexpr const char* MESSAGE = "[%s:%d]%s\n\n";
 
-void ReportAttempt(int line, const char* text, const QByteArray& server) {
-    std::printf("[%s:%d]%s:%s\n\n", "tryToSend", line, text, server.constData());
+void ReportAttempt(int line, const char* text, const std::string& server) {
+    std::printf("[%s:%d]%s:%s\n\n", "tryToSend", line, text, server.c_str());
+}
+
+// Characters of its own: threads that share them would free them under Qt's counter alone, which
+// neither our locks nor the thread checker know of.
+QString Unshared(const QString& text) {
+    return QString(text.constData(), text.size());
 }
 
 bool MayBeAsked(const QString& server, std::int32_t reachMode) {
@@ -64,7 +70,8 @@ bool SendRequest(int socket, sockaddr_in address) {
 }
 
 // True when the request has left for one address at least.
-bool SendRequests(int socket, const std::vector<sockaddr_in>& addresses, const QByteArray& server) {
+bool SendRequests(int socket, const std::vector<sockaddr_in>& addresses,
+                  const std::string& server) {
     bool sent = false;
     const sockaddr_in* last = nullptr;
     for (const sockaddr_in& address : addresses) {
@@ -123,8 +130,7 @@ void NtpThread::Post(const QString& server, std::int32_t reachMode) {
         locker.Wait(m_requestDone);
     if (!m_bRunning)
         return;
-    const QByteArray name = hxd::ToHostBytes(server);
-    m_strServer.assign(name.constData(), static_cast<std::size_t>(name.size()));
+    m_strServer = Unshared(server);
     m_nReachMode = reachMode;
     m_eState = STATE_PENDING;
     m_requestPosted.notify_one();
@@ -178,7 +184,7 @@ bool NtpThread::Serve(Answer& answer) {
     std::int32_t reachMode = -1;
     {
         const hxd::MutexLock locker(m_lock);
-        server = hxd::FromHost(m_strServer.data(), static_cast<int>(m_strServer.size()));
+        server = Unshared(m_strServer);
         reachMode = m_nReachMode;
     }
     return MayBeAsked(server, reachMode) && sendPacketToServer(server, answer);
@@ -216,8 +222,9 @@ bool NtpThread::sendPacketToServer(const QString& server, Answer& answer) {
     return false;
 }
 
+// Here the name becomes bytes, for the look-up and for the lines printed.
 bool NtpThread::tryToSend(int socket, const QString& server) {
-    const QByteArray name = hxd::ToHostBytes(server);
+    const std::string name = hxd::ToHostBytes(server).constData();
     bool isFirstRequest = true;
     for (int attempt = 0; attempt < ATTEMPTS && m_bRunning; ++attempt) {
         std::vector<sockaddr_in> addresses;
@@ -237,18 +244,18 @@ bool NtpThread::tryToSend(int socket, const QString& server) {
     return false;
 }
 
-bool NtpThread::LookUp(const QByteArray& server, std::vector<sockaddr_in>& addresses) const {
-    const int error = LookUpName(server.constData(), m_pWakeUp->Descriptor(), addresses);
+bool NtpThread::LookUp(const std::string& server, std::vector<sockaddr_in>& addresses) const {
+    const int error = LookUpName(server, m_pWakeUp->Descriptor(), addresses);
     if (!addresses.empty() || error == LOOK_UP_STOPPED)
         return !addresses.empty();
-    std::fprintf(stderr, "server:%s,getaddrinfo error: %s\n", server.constData(),
+    std::fprintf(stderr, "server:%s,getaddrinfo error: %s\n", server.c_str(),
                  ::gai_strerror(error));
     return false;
 }
 
 // poll() takes every descriptor, also one that does not fit a select() set; the texts tell of
 // select() all the same, for those who know them.
-bool NtpThread::AwaitReadable(int socket, const QByteArray& server) const {
+bool NtpThread::AwaitReadable(int socket, const std::string& server) const {
     pollfd watched[] = {{socket, POLLIN, 0}, {m_pWakeUp->Descriptor(), POLLIN, 0}};
     const int ready = hxd::PollUntil(watched, Clock::now() + ANSWER_TIMEOUT);
     if (ready < 0 || (watched[0].revents & POLLNVAL) != 0)

@@ -7,7 +7,6 @@
 #include "ntp/SntpPacket.h"
 
 #include <netinet/in.h>
-#include <QByteArray>
 #include <QString>
 
 #include <atomic>
@@ -69,14 +68,14 @@ private:
     bool AwaitRequest();
     bool Serve(Answer& answer);
     bool sendPacketToServer(const QString& server, Answer& answer);
-    bool LookUp(const QByteArray& server, std::vector<sockaddr_in>& addresses) const;
-    bool AwaitReadable(int socket, const QByteArray& server) const;
+    bool LookUp(const std::string& server, std::vector<sockaddr_in>& addresses) const;
+    bool AwaitReadable(int socket, const std::string& server) const;
     void Finish(bool success, const Answer& answer);
 
     hxd::Mutex m_lock;
     std::condition_variable m_requestPosted;
     std::condition_variable m_requestDone;
-    std::string m_strServer HXD_GUARDED_BY(m_lock);  // not shared with the controller's copy
+    QString m_strServer HXD_GUARDED_BY(m_lock);  // shares its characters with no other text
     std::int32_t m_nReachMode HXD_GUARDED_BY(m_lock) = -1;
     State m_eState HXD_GUARDED_BY(m_lock) = STATE_IDLE;
     std::atomic<bool> m_bRunning{false};             // written under the lock, and read without it
