@@ -142,7 +142,7 @@ int WriteBrightness(Write& write) {
         return RESULT_NO_BRIGHTNESS;
     if (!write.InRange())
         return RESULT_BAD_ARGUMENTS;
-    const int rounded = channel_write::RoundBrightness(write.value);
+    const int rounded = CDevBas::RoundBrightness(write.value);
     if (hal_display_set_backlight_brightness(rounded) != 0)
         return RESULT_BRIGHTNESS_FAILED;
     write.Store(hxd::KEY_BACKLIGHT_BRIGHTNESS,
@@ -194,7 +194,7 @@ constexpr WriterRow WRITERS[] = {
 
 }  // namespace
 
-int channel_write::RoundBrightness(int percent) {
+int CDevBas::RoundBrightness(int percent) {
     return (percent + 2) / 5 * 5;
 }
 

@@ -11,13 +11,9 @@ namespace CDevBas {
 // dispatcher under g_halMutex.
 int mfDevIOWriteChannel(OLMA_DATA& data, const CString& args);
 
-}  // namespace CDevBas
-
-namespace channel_write {
-
 // The nearest multiple of 5; percent is 0 to 100.
 int RoundBrightness(int percent);
 
-}  // namespace channel_write
+}  // namespace CDevBas
 
 #endif

@@ -51,11 +51,11 @@ constexpr HandlerRow HANDLERS[] = {
     {COMMAND_MOD_VNC_PWD, CDevBas::ModVncPwd},
     {COMMAND_GET_MAC_INFO, network_commands::GetMacInfo},
     {COMMAND_SET_NETWORK_MODE, network_commands::SetNetworkMode},
-    {COMMAND_ENABLE_NTP, ntp_commands::EnableNtp},
-    {COMMAND_SET_NTP_MODE, ntp_commands::SetNtpMode},
-    {COMMAND_SET_NTP_FREQ, ntp_commands::SetNtpFreq},
-    {COMMAND_SET_NTP_SERVER, ntp_commands::SetNtpServer},
-    {COMMAND_EXEC_NTP, ntp_commands::ExecNtp},
+    {COMMAND_ENABLE_NTP, CDevBas::EnableNtp},
+    {COMMAND_SET_NTP_MODE, CDevBas::SetNtpMode},
+    {COMMAND_SET_NTP_FREQ, CDevBas::SetNtpFreq},
+    {COMMAND_SET_NTP_SERVER, CDevBas::SetNtpServer},
+    {COMMAND_EXEC_NTP, CDevBas::ExecNtp},
 };
 
 constexpr bool HandlersFollowTheTable(int command) {
@@ -74,27 +74,25 @@ int AskRegistry(OLMA_DATA& data, const CString& cmd) HXD_REQUIRES(g_halMutex) {
 }
 
 int Run(OLMA_DATA& data, const CString& cmd) HXD_REQUIRES(g_halMutex) {
-    CString name;
-    CString args;
-    if (!dispatcher::SplitCommand(cmd, name, args))
+    const auto parts = olma_device::SplitCommand(cmd);
+    if (!parts)
         return RESULT_DONE;
-    const CommandRow* const row = FindCommandRow(name);
+    const CommandRow* const row = FindCommandRow(parts->name);
     if (row == nullptr || row->IsOfRegistry())
         return AskRegistry(data, cmd);
-    return HANDLERS[row->command].run(data, args);
+    return HANDLERS[row->command].run(data, parts->args);
 }
 
 }  // namespace
 
-bool dispatcher::SplitCommand(const CString& cmd, CString& name, CString& args) {
+hxd::Maybe<olma_device::CommandParts> olma_device::SplitCommand(const CString& cmd) {
     const int open = cmd.Find('(');
     const int close = cmd.Find(')');
     if (open < 0 || close < 0)
-        return false;
-    name = cmd.Left(open);
-    name.Trim().MakeUpper();
-    args = cmd.Mid(open + 1, close - open - 1);
-    return true;
+        return {};
+    CommandParts parts = {cmd.Left(open), cmd.Mid(open + 1, close - open - 1)};
+    parts.name.Trim().MakeUpper();
+    return parts;
 }
 
 int olma_device::SvrDevIOCtrl(OLMA_DATA& data, CString& cmd, CArray<double, double>& values,

@@ -2,6 +2,7 @@
 #ifndef HXD_DISPATCHER_H
 #define HXD_DISPATCHER_H
 
+#include "common/Maybe.h"
 #include "driver/record/OlmaData.h"
 
 namespace olma_device {
@@ -15,14 +16,14 @@ namespace olma_device {
 int SvrDevIOCtrl(OLMA_DATA& data, CString& cmd, CArray<double, double>& values,
                  CStringArray& strings);
 
+// The parts of a command text.
+struct CommandParts {
+    CString name;  // trimmed and in upper case
+    CString args;  // up to the first ")" of the whole text; empty when that precedes the "("
+};
+// None when a parenthesis is missing.
+hxd::Maybe<CommandParts> SplitCommand(const CString& cmd);
+
 }  // namespace olma_device
-
-namespace dispatcher {
-
-// The parts of a command text; false when a parenthesis is missing. NAME is trimmed and in upper
-// case. ARGS ends at the first ")" of the whole text, and is empty when that precedes the "(".
-bool SplitCommand(const CString& cmd, CString& name, CString& args);
-
-}  // namespace dispatcher
 
 #endif

@@ -131,11 +131,10 @@ void Capture(const panel_actions::ScreenshotTarget& target, const Region& region
 
 int Save(const Call& call) {
     const ScreenshotRequest request = ReadRequest(call);
-    panel_actions::ScreenshotTarget target;
+    const auto target = panel_actions::ParseScreenshotPath(static_cast<const char*>(request.path));
     PictureFolder folder;
-    if (panel_actions::ParseScreenshotPath(static_cast<const char*>(request.path), target) &&
-        OpenFolder(target, folder))
-        Capture(target, request.region, folder);
+    if (target && OpenFolder(*target, folder))
+        Capture(*target, request.region, folder);
     return RESULT_DONE;
 }
 
@@ -145,19 +144,20 @@ int panel_actions::SaveScreen(OLMA_DATA& data, const CString& args) {
     return RunCall(data, COMMAND_SAVE_SCREEN, args, Save);
 }
 
-bool panel_actions::ParseScreenshotPath(const std::string& path, ScreenshotTarget& target) {
+hxd::Maybe<panel_actions::ScreenshotTarget> panel_actions::ParseScreenshotPath(
+    const std::string& path) {
     const std::vector<std::string> components = SplitPath(path);
     const bool macro = components.front().find('$') != std::string::npos;
     if (macro && ::strcasecmp(components.front().c_str(), USER_MACRO) != 0)
-        return false;
+        return {};
     if (std::find(components.begin(), components.end(), "..") != components.end())
-        return false;
+        return {};
+    ScreenshotTarget target;
     target.root = macro ? USER_ROOT : USB_ROOT;
-    target.subDirectory.clear();
     for (std::size_t i = macro ? 1 : 0; i + 1 < components.size(); ++i)
         target.subDirectory += components[i] + "/";
     target.fileName = components.back();
-    return true;
+    return target;
 }
 
 std::string panel_actions::ShellWord(const std::string& text) {

@@ -2,6 +2,7 @@
 #ifndef HXD_SCREENSHOT_H
 #define HXD_SCREENSHOT_H
 
+#include "common/Maybe.h"
 #include "driver/record/OlmaData.h"
 
 #include <string>
@@ -20,8 +21,8 @@ struct ScreenshotTarget {
     std::string subDirectory;  // empty or ends with "/"
     std::string fileName;
 };
-// False for a macro that nobody knows, and for a path with "..", which could lead anywhere.
-bool ParseScreenshotPath(const std::string& path, ScreenshotTarget& target);
+// None for a macro that nobody knows, and for a path with "..", which could lead anywhere.
+hxd::Maybe<ScreenshotTarget> ParseScreenshotPath(const std::string& path);
 
 // A directory name for a shell command: as it stands while it is harmless, otherwise in single
 // quotes, so that nothing of it ever runs.

@@ -36,6 +36,8 @@ constexpr const char* NO_CODEC = nullptr;
 
 }  // namespace
 
+namespace CDevBas {
+
 CString ReadVncPwd() {
     const QString path = PasswordFile();
     if (path.isEmpty())
@@ -44,8 +46,6 @@ CString ReadVncPwd() {
     file.Load();
     return hxd::ToHost(file.Value(PasswordKey()));
 }
-
-namespace CDevBas {
 
 int writeVncPwd(const CString& password) {
     const QString path = PasswordFile();

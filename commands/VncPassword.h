@@ -8,10 +8,10 @@
 #include "driver/record/OlmaData.h"
 #include "mfc/CString.h"
 
+namespace CDevBas {
+
 // Empty when there is no file or no password in it.
 CString ReadVncPwd();
-
-namespace CDevBas {
 
 // Stores the password if it differs from the stored one; on return it has reached the storage. The
 // file is never created. Always 0: without a file the password is dropped.

@@ -46,7 +46,7 @@ private:
 // Panels have one or two interfaces; with any other number nothing is known about which is which,
 // and the four texts stay as they were.
 void ReadInterfaces(Channels& channels) {
-    const std::vector<InterfaceAddress> interfaces = ListInterfaceAddresses();
+    const std::vector<InterfaceAddress> interfaces = CDevBas::ListInterfaceAddresses();
     if (interfaces.size() != 1 && interfaces.size() != 2)
         return;
     const InterfaceAddress second = interfaces.size() == 2 ? interfaces[1] : InterfaceAddress();
@@ -63,9 +63,10 @@ void ReadSettings(hxd::AppSettings& settings, Channels& channels) {
         channels.Set(CHANNEL_BUZZER_ENABLED, durationMs != 0 ? 1.0 : 0.0);
         channels.Set(CHANNEL_BUZZER_DURATION, durationMs);
     }
-    double autoOff = 0.0;
-    if (settings.Read(hxd::KEY_BACKLIGHT_STATUS, text) == 1 && refresh::ParseSwitch(text, autoOff))
-        channels.Set(CHANNEL_BACKLIGHT_AUTO_OFF, autoOff);
+    if (settings.Read(hxd::KEY_BACKLIGHT_STATUS, text) == 1) {
+        if (const hxd::Maybe<double> autoOff = CDevBas::ParseSwitch(text))
+            channels.Set(CHANNEL_BACKLIGHT_AUTO_OFF, *autoOff);
+    }
     if (settings.Read(hxd::KEY_BACKLIGHT_DURATION, text) == 1) {
         const int wholeSeconds = text.toInt() / 1000;
         channels.Set(CHANNEL_BACKLIGHT_DELAY, wholeSeconds);
@@ -119,10 +120,10 @@ void ReadMacAddresses(Channels& channels) {
         return;
     int channel = CHANNEL_MAC_ADDRESS_1;
     for (unsigned int i = 0; i < count && i < 2; ++i) {
-        CString mac;
-        if (!ReadMacAddress(names[i], mac))
+        const hxd::Maybe<CString> mac = CDevBas::ReadMacAddress(names[i]);
+        if (!mac)
             return;
-        channels.Set(channel++, mac);
+        channels.Set(channel++, *mac);
     }
 }
 
@@ -157,21 +158,21 @@ void ReadUarts(Channels& channels) {
         if (result != 0)
             std::printf("hal_uart_info failed,com:%d, res:%d\n", port, result);
         channels.Set(CHANNEL_UART_1 + port - 1,
-                     result == 0 ? refresh::UartUsePercent(info) : UART_UNREADABLE);
+                     result == 0 ? CDevBas::UartUsePercent(info) : UART_UNREADABLE);
     }
 }
 
 }  // namespace
 
-bool refresh::ParseSwitch(const QString& text, double& value) {
-    const bool on = text == QLatin1String("1") || text == QLatin1String("true");
-    const bool off = text == QLatin1String("0") || text == QLatin1String("false");
-    if (on || off)
-        value = on ? 1.0 : 0.0;
-    return on || off;
+hxd::Maybe<double> CDevBas::ParseSwitch(const QString& text) {
+    if (text == QLatin1String("1") || text == QLatin1String("true"))
+        return 1.0;
+    if (text == QLatin1String("0") || text == QLatin1String("false"))
+        return 0.0;
+    return {};
 }
 
-double refresh::UartUsePercent(const hal_uart_info_t& info) {
+double CDevBas::UartUsePercent(const hal_uart_info_t& info) {
     const long long sum = static_cast<long long>(info.first) + info.second;
     const long long wholePercent = sum == 0 ? 0 : info.fourth * 100LL / sum;
     return static_cast<double>(wholePercent);
@@ -186,7 +187,7 @@ int CDevBas::refleshData(OLMA_DATA& data, CArray<double, double>& values, CStrin
     ReadSettings(settings, channels);
     ReadSystemUse(data, channels);
     ReadTimeSettings(data, channels);
-    channels.Set(CHANNEL_VNC_PASSWORD, ReadVncPwd());
+    channels.Set(CHANNEL_VNC_PASSWORD, CDevBas::ReadVncPwd());
     ReadSerialNumber(channels);
     ReadBrightness(channels);
     ReadMacAddresses(channels);

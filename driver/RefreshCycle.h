@@ -2,6 +2,7 @@
 #ifndef HXD_REFRESHCYCLE_H
 #define HXD_REFRESHCYCLE_H
 
+#include "common/Maybe.h"
 #include "driver/record/OlmaData.h"
 #include "olma_hal.h"
 
@@ -16,14 +17,10 @@ namespace CDevBas {
 // (usually 200 ms; as long as the commands that it runs take, where a storage has died).
 int refleshData(OLMA_DATA& data, CArray<double, double>& values, CStringArray& strings);
 
-}  // namespace CDevBas
-
-namespace refresh {
-
 // What the channels make of their sources.
-bool ParseSwitch(const QString& text, double& value);  // "0", "false", "1", "true"; else false
+hxd::Maybe<double> ParseSwitch(const QString& text);  // "0" and "false", "1" and "true"
 double UartUsePercent(const hal_uart_info_t& info);
 
-}  // namespace refresh
+}  // namespace CDevBas
 
 #endif

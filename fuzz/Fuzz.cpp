@@ -72,8 +72,7 @@ void ProcFiles(const std::string& text) {
     const cpu_occupy_ sample = cpu::ParseSample(cpu::SplitAtBlanks(text));
     cpu::BusyHundredths(static_cast<double>(cpu::IdleJiffies(sample)) /
                         static_cast<double>(cpu::TotalJiffies(sample)));
-    int availableKb = 0;
-    meminfo::ParseAvailable(text, availableKb);
+    meminfo::ParseAvailable(text);
     std::string line = text;
     meminfo::OldEstimate estimate;
     for (int i = 0; i < 4 && estimate.Feed(&line[0]) == meminfo::OldEstimate::MORE; ++i)

@@ -43,15 +43,15 @@ bool BeginsWithin(const char* text, const ChannelRow& row) {
     return true;
 }
 
-bool CountInterfaces(unsigned int& count) {
-    count = 0;
-    if (hal_get_network_count(&count) != 0)
-        return false;
-    count = std::min(count, INTERFACE_LIMIT);
-    return true;
+// 0 also when they cannot be counted.
+unsigned int CountInterfaces() {
+    unsigned int count = 0;
+    return hal_get_network_count(&count) == 0 ? std::min(count, INTERFACE_LIMIT) : 0;
 }
 
 }  // namespace
+
+namespace CDevBas {
 
 CString InterfaceName(const hal_network_t& record) {
     return CString(record.name, static_cast<int>(::strnlen(record.name, sizeof record.name)));
@@ -59,9 +59,7 @@ CString InterfaceName(const hal_network_t& record) {
 
 std::vector<InterfaceAddress> ListInterfaceAddresses() {
     std::vector<InterfaceAddress> list;
-    unsigned int count = 0;
-    if (!CountInterfaces(count))
-        return list;
+    const unsigned int count = CountInterfaces();
     for (unsigned int i = 0; i < count; ++i) {
         hal_network_t record = {};
         if (hal_get_network(i, &record) != 0)
@@ -71,20 +69,18 @@ std::vector<InterfaceAddress> ListInterfaceAddresses() {
     return list;
 }
 
-bool ReadMacAddress(const char* interfaceName, CString& mac) {
+hxd::Maybe<CString> ReadMacAddress(const char* interfaceName) {
     char text[MAC_BUFFER_BYTES] = {};
     if (hal_get_mac_address(interfaceName, text) != 0)
-        return false;
-    mac = CString(text, static_cast<int>(::strnlen(text, sizeof text)));
+        return {};
+    CString mac(text, static_cast<int>(::strnlen(text, sizeof text)));
     mac.MakeUpper();
-    return true;
+    return mac;
 }
 
-namespace CDevBas {
-
 bool getLocalcount_name(unsigned int& count, std::vector<QString>& names) {
-    unsigned int found = 0;
-    if (!CountInterfaces(found) || found == 0)
+    const unsigned int found = CountInterfaces();
+    if (found == 0)
         return false;
     for (unsigned int i = 0; i < found; ++i) {
         hal_network_t record = {};

@@ -3,12 +3,18 @@
 #ifndef HXD_INTERFACESETTINGS_H
 #define HXD_INTERFACESETTINGS_H
 
+#include "common/Maybe.h"
 #include "mfc/CString.h"
 #include "olma_hal.h"
 
 #include <QString>
 
 #include <vector>
+
+struct InterfaceAddress {
+    CString address;  // "192.168.1.10"
+    CString netmask;
+};
 
 namespace CDevBas {
 
@@ -29,21 +35,16 @@ bool IsAvailableMaskAddr(const char* text);
 // read or set.
 bool setLocalIp(QString& address, int which, QString& interfaceName);
 
-}  // namespace CDevBas
-
-struct InterfaceAddress {
-    CString address;  // "192.168.1.10"
-    CString netmask;
-};
-
 // The interfaces in the platform's order, up to the first that cannot be read; empty when they
 // cannot be counted.
 std::vector<InterfaceAddress> ListInterfaceAddresses();
 
-// The MAC address as the platform writes it, in upper case; false and mac unchanged on failure.
-bool ReadMacAddress(const char* interfaceName, CString& mac);
+// The MAC address as the platform writes it, in upper case.
+hxd::Maybe<CString> ReadMacAddress(const char* interfaceName);
 
 // The name inside a record, also when the platform left its end mark out.
 CString InterfaceName(const hal_network_t& record);
+
+}  // namespace CDevBas
 
 #endif

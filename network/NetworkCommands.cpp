@@ -28,12 +28,12 @@ int ReportMac(const Call& call) {
     hal_network_t record = {};
     if (hal_get_network(static_cast<unsigned int>(index), &record) != 0)
         return RESULT_HARDWARE_FAILED;
-    const CString interfaceName = InterfaceName(record);
+    const CString interfaceName = CDevBas::InterfaceName(record);
     call.Write(1, interfaceName);
-    CString mac;
-    if (!ReadMacAddress(interfaceName, mac))
+    const hxd::Maybe<CString> mac = CDevBas::ReadMacAddress(interfaceName);
+    if (!mac)
         return RESULT_HARDWARE_FAILED;
-    call.Write(2, mac);
+    call.Write(2, *mac);
     return RESULT_DONE;
 }
 

@@ -61,24 +61,24 @@ Command CommandOfType(CDevBas::NTP_CTRL_TYPE type) {
 
 }  // namespace
 
-int CDevBas::execSameCtrl(OLMA_DATA& data, const CString& args, NTP_CTRL_TYPE type) {
+namespace CDevBas {
+
+int execSameCtrl(OLMA_DATA& data, const CString& args, NTP_CTRL_TYPE type) {
     return RunCall(
         data, CommandOfType(type), args, &DEV_CONTEXT::m_pNtpCtrl,
         [type](const Call& call, NtpCtrl& ntp) { return ChangeSetting(call, ntp, type); });
 }
 
-namespace ntp_commands {
-
 int EnableNtp(OLMA_DATA& data, const CString& args) {
-    return CDevBas::execSameCtrl(data, args, CDevBas::NTP_CTRL_ENABLE);
+    return execSameCtrl(data, args, NTP_CTRL_ENABLE);
 }
 
 int SetNtpMode(OLMA_DATA& data, const CString& args) {
-    return CDevBas::execSameCtrl(data, args, CDevBas::NTP_CTRL_MODE);
+    return execSameCtrl(data, args, NTP_CTRL_MODE);
 }
 
 int SetNtpFreq(OLMA_DATA& data, const CString& args) {
-    return CDevBas::execSameCtrl(data, args, CDevBas::NTP_CTRL_FREQ);
+    return execSameCtrl(data, args, NTP_CTRL_FREQ);
 }
 
 int SetNtpServer(OLMA_DATA& data, const CString& args) {
@@ -89,4 +89,4 @@ int ExecNtp(OLMA_DATA& data, const CString& args) {
     return RunCall(data, COMMAND_EXEC_NTP, args, &DEV_CONTEXT::m_pNtpCtrl, Synchronise);
 }
 
-}  // namespace ntp_commands
+}  // namespace CDevBas

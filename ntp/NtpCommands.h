@@ -25,10 +25,6 @@ enum NTP_CTRL_TYPE : int {
 // or result cannot be written; RESULT_BAD_ARGUMENTS for another number of arguments or type.
 int execSameCtrl(OLMA_DATA& data, const CString& args, NTP_CTRL_TYPE type);
 
-}  // namespace CDevBas
-
-namespace ntp_commands {
-
 // execSameCtrl with its three types.
 int EnableNtp(OLMA_DATA& data, const CString& args);
 int SetNtpMode(OLMA_DATA& data, const CString& args);
@@ -43,6 +39,6 @@ int SetNtpServer(OLMA_DATA& data, const CString& args);
 // also after a failed synchronisation; RESULT_REFUSED when result cannot be written.
 int ExecNtp(OLMA_DATA& data, const CString& args);
 
-}  // namespace ntp_commands
+}  // namespace CDevBas
 
 #endif

@@ -104,17 +104,19 @@ int NtpCtrl::execNtp() {
 }
 
 bool NtpCtrl::Synchronise(const QStringList& servers) {
-    std::int32_t reachMode = REACH_BOTH;
-    std::int32_t seconds = 0;
-    if (AllEmpty(servers) || !FindReachMode(servers, reachMode))
+    if (AllEmpty(servers))
         return false;
-    PostRequests(servers, reachMode);
-    return AwaitAnswer(seconds) && SetPanelClock(seconds);
+    const hxd::Maybe<ReachMode> reachMode = FindReachMode(servers);
+    if (!reachMode)
+        return false;
+    PostRequests(servers, *reachMode);
+    const hxd::Maybe<std::int32_t> seconds = AwaitAnswer();
+    return seconds && SetPanelClock(*seconds);
 }
 
-// Pings for the kinds of server that are in the list; an empty entry counts as a host name. False
+// Pings for the kinds of server that are in the list; an empty entry counts as a host name. None
 // when no kind can be reached.
-bool NtpCtrl::FindReachMode(const QStringList& servers, std::int32_t& reachMode) const {
+hxd::Maybe<ReachMode> NtpCtrl::FindReachMode(const QStringList& servers) const {
     int literals = 0;
     for (int i = 0; i < servers.size(); ++i)
         literals += NerworkCheck::isIp(servers.at(i)) ? 1 : 0;
@@ -122,13 +124,13 @@ bool NtpCtrl::FindReachMode(const QStringList& servers, std::int32_t& reachMode)
     const bool reachesNames =
         literals < servers.size() && NerworkCheck::pingNetWork(false, m_bRunning);
     if (reachesLiterals && reachesNames)
-        reachMode = REACH_BOTH;
-    else
-        reachMode = reachesLiterals ? REACH_LITERALS : REACH_NAMES;
-    return reachesLiterals || reachesNames;
+        return REACH_BOTH;
+    if (reachesLiterals)
+        return REACH_LITERALS;
+    return reachesNames ? REACH_NAMES : hxd::Maybe<ReachMode>();
 }
 
-void NtpCtrl::PostRequests(const QStringList& servers, std::int32_t reachMode) {
+void NtpCtrl::PostRequests(const QStringList& servers, ReachMode reachMode) {
     for (int i = 0; i < NTP_SERVER_COUNT && i < servers.size() && m_bRunning; ++i) {
         NtpThread& worker = m_workers[static_cast<std::size_t>(i)];
         worker.Start();
@@ -138,20 +140,21 @@ void NtpCtrl::PostRequests(const QStringList& servers, std::int32_t reachMode) {
 
 // Without a time-out of its own: each worker bounds its request, and one that could not be started
 // counts as failed.
-bool NtpCtrl::AwaitAnswer(std::int32_t& seconds) {
+hxd::Maybe<std::int32_t> NtpCtrl::AwaitAnswer() {
+    std::int32_t seconds = 0;
     bool working = true;
     while (m_bRunning && working) {
         working = false;
         for (NtpThread& worker : m_workers) {
             const NtpThread::Outcome outcome = worker.Look(seconds);
             if (outcome == NtpThread::Outcome::ANSWERED)
-                return true;
+                return seconds;
             working = working || outcome == NtpThread::Outcome::WORKING;
         }
         if (working)
             Pause();
     }
-    return false;
+    return {};
 }
 
 void NtpCtrl::Run() {

@@ -3,6 +3,7 @@
 #define HXD_NTPCTRL_H
 
 #include "common/File.h"
+#include "common/Maybe.h"
 #include "common/Mutex.h"
 #include "driver/record/ChannelTable.h"
 #include "ntp/NtpThread.h"
@@ -50,9 +51,9 @@ public:
 private:
     int Change(std::int32_t ntpCfgParam::*field, Channel channel, int value);
     bool Synchronise(const QStringList& servers);
-    bool FindReachMode(const QStringList& servers, std::int32_t& reachMode) const;
-    void PostRequests(const QStringList& servers, std::int32_t reachMode);
-    bool AwaitAnswer(std::int32_t& seconds);
+    hxd::Maybe<ReachMode> FindReachMode(const QStringList& servers) const;
+    void PostRequests(const QStringList& servers, ReachMode reachMode);
+    hxd::Maybe<std::int32_t> AwaitAnswer();
 
     void Run();
     void SynchroniseIfDue();

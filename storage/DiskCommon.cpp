@@ -24,10 +24,9 @@ bool DiskCommon::readFileOfLine(const QString& path, QVector<QString>& lines) {
     return true;
 }
 
-bool DiskCommon::readFirstLine(const QString& path, QString& line) {
+hxd::Maybe<QString> DiskCommon::FirstLineOf(const QString& path) {
     QVector<QString> lines;
     if (!readFileOfLine(path, lines) || lines.isEmpty())
-        return false;
-    line = lines.first();
-    return true;
+        return {};
+    return lines.first();
 }

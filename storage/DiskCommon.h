@@ -2,6 +2,8 @@
 #ifndef HXD_DISKCOMMON_H
 #define HXD_DISKCOMMON_H
 
+#include "common/Maybe.h"
+
 #include <QString>
 #include <QVector>
 
@@ -12,8 +14,8 @@ public:
     // the file cannot be opened.
     static bool readFileOfLine(const QString& path, QVector<QString>& lines);
 
-    // The file's first line; false when the file cannot be opened or has none.
-    static bool readFirstLine(const QString& path, QString& line);
+    // None when the file cannot be opened or has no line.
+    static hxd::Maybe<QString> FirstLineOf(const QString& path);
 };
 
 #endif

@@ -25,8 +25,10 @@ void DiskWorker::StopWorker() {
 bool DiskWorker::init() {
     if (m_thread.joinable())
         return true;
-    if (!FindStorage(m_llHourlyAllowance))
+    const hxd::Maybe<long long> hourlyAllowance = FindStorage();
+    if (!hourlyAllowance)
         return false;
+    m_llHourlyAllowance = *hourlyAllowance;
     m_llBaseline = ReadWear();
     m_nLifePercent = ReadLifePercent(m_llBaseline);
     try {

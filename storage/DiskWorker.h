@@ -3,6 +3,7 @@
 #ifndef HXD_DISKWORKER_H
 #define HXD_DISKWORKER_H
 
+#include "common/Maybe.h"
 #include "storage/DiskInterface.h"
 
 #include <atomic>
@@ -33,8 +34,8 @@ protected:
 
     // How a storage is measured. On the caller's thread before the worker starts, on the worker's
     // afterwards, never on both.
-    virtual bool FindStorage(long long& hourlyAllowance) = 0;  // false: not there
-    virtual long long ReadWear() = 0;  // sectors written or blocks erased so far
+    virtual hxd::Maybe<long long> FindStorage() = 0;  // its hourly allowance; none: not there
+    virtual long long ReadWear() = 0;                 // sectors written or blocks erased so far
     virtual int ReadLifePercent(long long wear) = 0;
 
 private:

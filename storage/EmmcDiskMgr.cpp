@@ -18,28 +18,29 @@ void FindAttribute(const char* command, QString& path) {
 
 // In 512-byte sectors; 0 for a device that is not there.
 long long Capacity(const char* path) {
-    QString line;
     const QString file = QLatin1String(path);
-    return QFile::exists(file) && DiskCommon::readFirstLine(file, line) ? line.toLongLong() : 0;
+    if (!QFile::exists(file))
+        return 0;
+    const hxd::Maybe<QString> line = DiskCommon::FirstLineOf(file);
+    return line ? line->toLongLong() : 0;
 }
 
-bool ReadAttribute(const QString& path, QString& line) {
-    return !path.isEmpty() && DiskCommon::readFirstLine(path, line);
+hxd::Maybe<QString> ReadAttribute(const QString& path) {
+    return path.isEmpty() ? hxd::Maybe<QString>() : DiskCommon::FirstLineOf(path);
 }
 
 }  // namespace
 
-bool EmmcDiskMgr::FindStorage(long long& hourlyAllowance) {
+hxd::Maybe<long long> EmmcDiskMgr::FindStorage() {
     FindAttribute("find /sys/devices/platform -name erase_size", m_strEraseSizePath);
     FindAttribute("find /sys/devices/platform -name life_time", m_strLifeTimePath);
     FindAttribute("find /sys/devices/platform -name pre_eol_info", m_strPreEolPath);
-    QString eraseSize;
-    if (!ReadAttribute(m_strEraseSizePath, eraseSize))
-        return false;
+    const hxd::Maybe<QString> eraseSize = ReadAttribute(m_strEraseSizePath);
+    if (!eraseSize)
+        return {};
     const long long capacity = wear::Sum(Capacity("/sys/class/block/mmcblk0/size"),
                                          Capacity("/sys/class/block/mmcblk0gp0/size"));
-    hourlyAllowance = wear::HourlyAllowance(capacity, wear::EmmcEndurance(eraseSize.toLongLong()));
-    return true;
+    return wear::HourlyAllowance(capacity, wear::EmmcEndurance(eraseSize->toLongLong()));
 }
 
 long long EmmcDiskMgr::ReadWear() {
@@ -49,10 +50,9 @@ long long EmmcDiskMgr::ReadWear() {
 }
 
 int EmmcDiskMgr::ReadLifePercent(long long /*wear*/) {
-    QString line;
-    if (ReadAttribute(m_strLifeTimePath, line))
-        return wear::LifeFromEstimates(line);
-    if (ReadAttribute(m_strPreEolPath, line))
-        return wear::LifeFromPreEol(line);
+    if (const hxd::Maybe<QString> line = ReadAttribute(m_strLifeTimePath))
+        return wear::LifeFromEstimates(*line);
+    if (const hxd::Maybe<QString> line = ReadAttribute(m_strPreEolPath))
+        return wear::LifeFromPreEol(*line);
     return wear::LIFE_UNKNOWN;
 }

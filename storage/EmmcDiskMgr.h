@@ -11,7 +11,7 @@ public:
     ~EmmcDiskMgr() override { StopWorker(); }
 
 private:
-    bool FindStorage(long long& hourlyAllowance) override;
+    hxd::Maybe<long long> FindStorage() override;
     long long ReadWear() override;
     int ReadLifePercent(long long wear) override;
 

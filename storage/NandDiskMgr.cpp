@@ -41,19 +41,19 @@ private:
 };
 
 int ReadCount(const char* path) {
-    QString line;
-    return DiskCommon::readFirstLine(QLatin1String(path), line) ? line.toInt() : 0;
+    const hxd::Maybe<QString> line = DiskCommon::FirstLineOf(QLatin1String(path));
+    return line ? line->toInt() : 0;
 }
 
 }  // namespace
 
-bool NandDiskMgr::FindStorage(long long& hourlyAllowance) {
-    QString line;
-    if (!DiskCommon::readFirstLine(QLatin1String("/sys/class/ubi/ubi0/total_eraseblocks"), line))
-        return false;
-    m_llTotalBlocks = line.toLongLong();
-    hourlyAllowance = wear::HourlyAllowance(m_llTotalBlocks, CYCLES_OF_A_BLOCK);
-    return true;
+hxd::Maybe<long long> NandDiskMgr::FindStorage() {
+    const hxd::Maybe<QString> total =
+        DiskCommon::FirstLineOf(QLatin1String("/sys/class/ubi/ubi0/total_eraseblocks"));
+    if (!total)
+        return {};
+    m_llTotalBlocks = total->toLongLong();
+    return wear::HourlyAllowance(m_llTotalBlocks, CYCLES_OF_A_BLOCK);
 }
 
 long long NandDiskMgr::ReadWear() {

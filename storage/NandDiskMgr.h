@@ -9,7 +9,7 @@ public:
     ~NandDiskMgr() override { StopWorker(); }
 
 private:
-    bool FindStorage(long long& hourlyAllowance) override;
+    hxd::Maybe<long long> FindStorage() override;
     long long ReadWear() override;
     int ReadLifePercent(long long eraseSum) override;
 

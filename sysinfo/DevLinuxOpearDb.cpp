@@ -18,7 +18,7 @@ CString HostText(const std::string& text) {
 
 int DevLinuxOpearDb::DevGetParaValue(OLMA_DATA& data, const std::string& name, int& value) const {
     const CString hostName = HostText(name);
-    const DATATYPE type = ParameterType(data, hostName);
+    const DATATYPE type = CDevBas::ParameterType(data, hostName);
     if (type == DATATYPE_DOUBLE || type == DATATYPE_TEXT)
         return -1;
     if (type != DATATYPE_INTEGER)
@@ -30,7 +30,7 @@ int DevLinuxOpearDb::DevGetParaValue(OLMA_DATA& data, const std::string& name, i
 
 int DevLinuxOpearDb::DevSetParaValue(OLMA_DATA& data, const std::string& name, double value) const {
     const CString hostName = HostText(name);
-    const DATATYPE type = ParameterType(data, hostName);
+    const DATATYPE type = CDevBas::ParameterType(data, hostName);
     if (type == DATATYPE_INTEGER) {
         int rounded = hxd::RoundToInt(value);
         Set(data, hostName, type, &rounded);
@@ -46,7 +46,7 @@ int DevLinuxOpearDb::DevSetParaValue(OLMA_DATA& data, const std::string& name, d
 int DevLinuxOpearDb::DevSetParaValue(OLMA_DATA& data, const std::string& name,
                                      const std::string& value) const {
     const CString hostName = HostText(name);
-    if (ParameterType(data, hostName) != DATATYPE_TEXT)
+    if (CDevBas::ParameterType(data, hostName) != DATATYPE_TEXT)
         return -1;
     CString text = HostText(value);
     Set(data, hostName, DATATYPE_TEXT, &text);

@@ -21,9 +21,9 @@ int DevLiunxMemUse::DevOpear(OLMA_DATA& data, std::vector<std::string>& args) {
     HXDCTRL::File file;
     if (!file.open(MEMINFO_PATH, O_RDONLY))
         return RESULT_MALFORMED;
-    int availableKb = 0;
-    if (!meminfo::ParseAvailable(file.readAll(), availableKb) &&
-        DevCalcMemNoUseOld(availableKb) != 0)
+    const hxd::Maybe<int> kernelsFigure = meminfo::ParseAvailable(file.readAll());
+    int availableKb = *kernelsFigure;
+    if (!kernelsFigure && DevCalcMemNoUseOld(availableKb) != 0)
         return RESULT_MALFORMED;
     if (args.empty())
         return RESULT_DONE;

@@ -7,17 +7,16 @@
 
 namespace meminfo {
 
-bool ParseAvailable(const std::string& content, int& availableKb) {
+hxd::Maybe<int> ParseAvailable(const std::string& content) {
     const std::string key = "MemAvailable:";
     const std::size_t found = content.find(key);
     if (found == std::string::npos)
-        return false;
+        return {};
     const std::size_t start = found + key.size();
     const std::size_t newline = content.find('\n', start);
     if (newline == std::string::npos || newline <= start)
-        return false;
-    availableKb = hxd::ParseInt(content.substr(start, newline - start).c_str());
-    return true;
+        return {};
+    return hxd::ParseInt(content.substr(start, newline - start).c_str());
 }
 
 OldEstimate::State OldEstimate::Feed(char* line) {

@@ -2,13 +2,15 @@
 #ifndef HXD_MEMINFO_H
 #define HXD_MEMINFO_H
 
+#include "common/Maybe.h"
+
 #include <string>
 
 namespace meminfo {
 
-// The kernel's own figure. False when the text has no "MemAvailable:" line, or has it as its last
+// The kernel's own figure. None when the text has no "MemAvailable:" line, or has it as its last
 // line without a newline: such a text is cut off, and its number may be as well.
-bool ParseAvailable(const std::string& content, int& availableKb);
+hxd::Maybe<int> ParseAvailable(const std::string& content);
 
 // The estimate for kernels without that figure: MemFree + Buffers + Cached - 1. Fed line by line.
 class OldEstimate {

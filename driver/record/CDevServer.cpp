@@ -23,7 +23,7 @@ int Write(OLMA_DATA& record, const CString& name, DATATYPE type, VALUE value) {
 }  // namespace
 
 // The host leaves the preset there when it does not know the name.
-DATATYPE ParameterType(OLMA_DATA& record, const CString& name) {
+DATATYPE CDevBas::ParameterType(OLMA_DATA& record, const CString& name) {
     DATATYPE type = PARAMETER_UNKNOWN;
     if (record.m_pfnGetParamType != nullptr)
         record.m_pfnGetParamType(record, name, type);
@@ -32,7 +32,7 @@ DATATYPE ParameterType(OLMA_DATA& record, const CString& name) {
 
 int CDevServer::SvrGetParaValue(OLMA_DATA& record, CString name, int& out) {
     out = 0;
-    switch (ParameterType(record, name)) {
+    switch (CDevBas::ParameterType(record, name)) {
         case DATATYPE_DOUBLE:
             out = hxd::RoundToInt(Read<double>(record, name, DATATYPE_DOUBLE));
             return 1;
@@ -49,7 +49,7 @@ int CDevServer::SvrGetParaValue(OLMA_DATA& record, CString name, int& out) {
 
 int CDevServer::SvrGetParaValue(OLMA_DATA& record, CString name, double& out) {
     out = 0.0;
-    switch (ParameterType(record, name)) {
+    switch (CDevBas::ParameterType(record, name)) {
         case DATATYPE_DOUBLE:
             out = Read<double>(record, name, DATATYPE_DOUBLE);
             return 1;
@@ -69,7 +69,7 @@ int CDevServer::SvrGetParaValue(OLMA_DATA& record, CString name, double& out) {
 
 int CDevServer::SvrGetParaValue(OLMA_DATA& record, CString name, CString& out) {
     out = CString();
-    switch (ParameterType(record, name)) {
+    switch (CDevBas::ParameterType(record, name)) {
         case DATATYPE_INTEGER:
         case DATATYPE_DOUBLE:
             return 0;
@@ -83,7 +83,7 @@ int CDevServer::SvrGetParaValue(OLMA_DATA& record, CString name, CString& out) {
 }
 
 int CDevServer::SvrSetParaValue(OLMA_DATA& record, CString name, int value) {
-    switch (ParameterType(record, name)) {
+    switch (CDevBas::ParameterType(record, name)) {
         case DATATYPE_INTEGER:
             return Write(record, name, DATATYPE_INTEGER, value);
         case DATATYPE_DOUBLE:
@@ -94,7 +94,7 @@ int CDevServer::SvrSetParaValue(OLMA_DATA& record, CString name, int value) {
 }
 
 int CDevServer::SvrSetParaValue(OLMA_DATA& record, CString name, CString value) {
-    if (ParameterType(record, name) != DATATYPE_TEXT)
+    if (CDevBas::ParameterType(record, name) != DATATYPE_TEXT)
         return 0;
     return Write(record, name, DATATYPE_TEXT, value);
 }

@@ -10,9 +10,6 @@
 // The type of a parameter that the host does not know.
 constexpr DATATYPE PARAMETER_UNKNOWN = static_cast<DATATYPE>(-2);
 
-// The type that the host gives the parameter; the record's function pointer may be null.
-DATATYPE ParameterType(OLMA_DATA& record, const CString& name);
-
 // Command arguments are names of host parameters; a name that the host does not know stands for
 // itself as a literal when it is read, and cannot be written. All functions work through the
 // record's function pointers, which may be null; the host's status of a single access is not looked
@@ -45,6 +42,9 @@ public:
 };
 
 namespace CDevBas {
+
+// The type that the host gives the parameter; the record's function pointer may be null.
+DATATYPE ParameterType(OLMA_DATA& record, const CString& name);
 
 // Appends the pieces of text between separators, trimmed, empty ones included; returns 1. A null
 // text appends one empty piece and returns 0.

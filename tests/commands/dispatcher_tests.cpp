@@ -6,6 +6,7 @@
 #include "commands/Screenshot.h"
 #include "common/AppSettings.h"
 #include "common/IniOperator.h"
+#include "driver/record/ChannelTable.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -77,10 +78,10 @@ TEST(CommandText, IsSplitAtTheFirstOfEachParenthesis) {
         {"", false, "", ""},
     };
     for (const auto& c : cases) {
-        CString name, args;
-        EXPECT_EQ(dispatcher::SplitCommand(c.text, name, args), c.found) << c.text;
-        EXPECT_STREQ(name, c.name);
-        EXPECT_STREQ(args, c.args);
+        const auto parts = olma_device::SplitCommand(c.text);
+        EXPECT_EQ(static_cast<bool>(parts), c.found) << c.text;
+        EXPECT_STREQ(parts->name, c.name);
+        EXPECT_STREQ(parts->args, c.args);
     }
 }
 
@@ -207,6 +208,12 @@ TEST_F(ChannelWrites, KeepToTheirRanges) {
     EXPECT_EQ(Run("OLMA_WRITE(4 6)"), 1.0);
 }
 
+TEST_F(ChannelWrites, HaveAWriterWhereTheTableSaysSo) {
+    for (int number = 1; number <= CHANNEL_COUNT; ++number)
+        EXPECT_EQ(Write(number, "") != 1.0, FindChannel(number)->IsWritable())
+            << "WRITERS in commands/ChannelWrite.cpp: channel " << number;
+}
+
 TEST_F(ChannelWrites, TellTheGuiAndExpireTheValues) {
     const struct {
         int channel;
@@ -323,13 +330,13 @@ TEST(ScreenshotPath, ChoosesTheRoot) {
         {"..a/b..c/a..png", true, "/media/usb0/", "..a/b..c/", "a..png"},
     };
     for (const auto& c : cases) {
-        panel_actions::ScreenshotTarget target;
-        ASSERT_EQ(panel_actions::ParseScreenshotPath(c.path, target), c.known) << c.path;
+        const auto target = panel_actions::ParseScreenshotPath(c.path);
+        ASSERT_EQ(static_cast<bool>(target), c.known) << c.path;
         if (!c.known)
             continue;
-        EXPECT_EQ(target.root, c.root) << c.path;
-        EXPECT_EQ(target.subDirectory, c.directory) << c.path;
-        EXPECT_EQ(target.fileName, c.file) << c.path;
+        EXPECT_EQ(target->root, c.root) << c.path;
+        EXPECT_EQ(target->subDirectory, c.directory) << c.path;
+        EXPECT_EQ(target->fileName, c.file) << c.path;
     }
     const std::string harmless =
         "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789._/-";

@@ -9,6 +9,7 @@
 
 namespace {
 
+using CDevBas::ReadVncPwd;
 using Calls = std::vector<std::string>;
 
 const Calls UNLOCKING = {"HMI mouse 0", "HMI keyboard 0", "VNC mouse 0", "VNC keyboard 0"};

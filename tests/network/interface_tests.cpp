@@ -13,6 +13,7 @@
 
 namespace {
 
+using CDevBas::ListInterfaceAddresses;
 using network_commands::GetMacInfo;
 using network_commands::SetNetworkMode;
 

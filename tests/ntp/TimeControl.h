@@ -44,7 +44,7 @@ protected:
     // The number that the command leaves in its result variable.
     int Exec() {
         host.ints["r"] = 99;
-        EXPECT_EQ(ntp_commands::ExecNtp(record, "r"), 0);
+        EXPECT_EQ(CDevBas::ExecNtp(record, "r"), 0);
         return host.ints["r"];
     }
 };

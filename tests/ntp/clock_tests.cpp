@@ -168,7 +168,7 @@ TEST_F(PanelClock, IsSetRightByTwoSynchronisationsAtOnce) {
     Settings("0", "1", "2", {"127.0.0.11", "127.0.0.12", "127.0.0.12", "127.0.0.12"});
     Start();
     host.ints["one"] = 1;
-    EXPECT_EQ(ntp_commands::EnableNtp(record, "one"), 0);
+    EXPECT_EQ(CDevBas::EnableNtp(record, "one"), 0);
     EXPECT_EQ(Exec(), 0);
     EXPECT_TRUE(WaitFor([] { return Steps().size() == 2; })) << "the command's and the thread's";
     Stop();

@@ -21,7 +21,7 @@ int Count(const std::string& text, const std::string& part) {
 }  // namespace
 
 TEST_F(TimeControl, CommandsSetWhatIsInRange) {
-    using namespace ntp_commands;
+    using namespace CDevBas;
     NtpCtrl& control = Start();
     host.ints = {{"seven", 7}, {"one", 1}, {"minus", -1}, {"r", 99}};
     host.texts = {{"text", "x"}, {"a", "10.0.0.1"}};
@@ -94,7 +94,7 @@ TEST_F(TimeControl, SetsBothClocksToTheServersTime) {
 
     sim::SimPanel::Instance().Fail("hal_set_rtc_time", sim::Failure());
     EXPECT_EQ(Exec(), 10);
-    EXPECT_EQ(ntp_commands::ExecNtp(record, "nobody"), -4);
+    EXPECT_EQ(CDevBas::ExecNtp(record, "nobody"), -4);
     control.enableNtp(0);
     const int dates = Runs("date");
     EXPECT_EQ(Exec(), 0);

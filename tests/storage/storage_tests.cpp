@@ -187,8 +187,7 @@ TEST(StorageFiles, AreReadByLines) {
     // A file of the kernel that tells no size; what was read before stays.
     EXPECT_TRUE(DiskCommon::readFileOfLine(QLatin1String("/proc/self/status"), lines));
     EXPECT_TRUE(lines.size() > 20 && lines.at(4).startsWith(QLatin1String("Name:")));
-    QString line;
-    EXPECT_FALSE(DiskCommon::readFirstLine(QLatin1String("/dev/null"), line));
+    EXPECT_FALSE(DiskCommon::FirstLineOf(QLatin1String("/dev/null")));
 }
 
 TEST_F(EmmcHealth, IsMeasuredOnRequestInTheFirstHourAndHourlyAfterwards) {

@@ -178,9 +178,9 @@ TEST(MemoryInfo, TakesTheKernelsFigureFromACompleteLine) {
         {"", false, 0},
     };
     for (const auto& c : cases) {
-        int kb = 0;
-        EXPECT_EQ(meminfo::ParseAvailable(c.content, kb), c.found) << c.content;
-        EXPECT_EQ(kb, c.kb) << c.content;
+        const auto kb = meminfo::ParseAvailable(c.content);
+        EXPECT_EQ(static_cast<bool>(kb), c.found) << c.content;
+        EXPECT_EQ(*kb, c.kb) << c.content;
     }
 }
 
