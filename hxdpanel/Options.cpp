@@ -79,12 +79,13 @@ std::string PanelError(const std::string& folder) {
 }
 
 void AddGeneralOptions(CLI::App& app, Options& options) {
-    app.add_option("--panel", options.panel,
-                   "Folder of the panel: panel.ini describes its hardware, root/ its files")
-        ->check(NotEmpty)
-        ->type_name("DIR");
+    CLI::Option* const panel =
+        app.add_option("--panel", options.panel,
+                       "Folder of the panel: panel.ini describes its hardware, root/ its files");
+    panel->check(NotEmpty)->type_name("DIR");
     app.add_flag("--over-default", options.overDefault,
-                 "Lay the folder of --panel over the default panel instead of replacing it");
+                 "Lay the folder of --panel over the default panel instead of replacing it")
+        ->needs(panel);
     CLI::Option* const root = app.add_option(
         "--root", options.root,
         "Keep the panel's files in DIR (default: a folder among the user's data; with "
@@ -166,7 +167,11 @@ void AddSubcommands(CLI::App& app, Options& options) {
             "NAME:int=, NAME:double= or NAME:text=")
         ->allow_extra_args(false)
         ->type_name("NAME=VALUE");
-    exec->add_option("COMMAND", options.commands, "For example 'GetCpuUse(10)'")->required();
+    exec->add_option("COMMAND", options.commands, "For example 'GetCpuUse(10)'")
+        ->check([](const std::string& text) {
+            return Trimmed(text).empty() ? "a command is empty" : std::string();
+        })
+        ->required();
 
     CLI::App* const write =
         AddSubcommand(app, options, Options::WRITE, "write", "Write a value to a channel");

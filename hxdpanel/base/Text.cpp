@@ -159,6 +159,10 @@ bool Unquote(std::string& text) {
     return true;
 }
 
+bool HasOpenQuote(const std::string& text) {
+    return !text.empty() && text.front() == '"' && (text.size() < 2 || text.back() != '"');
+}
+
 std::string Trimmed(const std::string& text) {
     const char* const blanks = " \t\r\n\v\f";
     const std::size_t first = text.find_first_not_of(blanks);

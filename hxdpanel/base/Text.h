@@ -32,6 +32,8 @@ std::string Shortened(const std::string& visible, std::size_t columns);
 std::string TakeWord(std::string& rest);
 // Takes the quotes around a text away; false when there are none.
 bool Unquote(std::string& text);
+// True for a text that begins with a quote and does not end with another.
+bool HasOpenQuote(const std::string& text);
 
 std::string Trimmed(const std::string& text);
 bool EqualNames(const std::string& left, const std::string& right);  // without regard to case

@@ -15,6 +15,16 @@ namespace {
 
 constexpr std::size_t SIGNATURE_WIDTH = 36;
 
+const struct {
+    ConsoleTopic::Section section;
+    const char* name;
+    const char* title;
+} SECTIONS[] = {
+    {ConsoleTopic::CONSOLE, "console", "The console:"},
+    {ConsoleTopic::HARDWARE, "hardware", "The simulated hardware:"},
+    {ConsoleTopic::SCRIPT, "script", "Only in scripts (hxdpanel script FILE):"},
+};
+
 void PrintWrapped(std::FILE* out, const std::string& text, std::size_t indent = 0) {
     std::fprintf(out, "%s\n", terminal::Wrapped(out, text, indent).c_str());
 }
@@ -41,10 +51,14 @@ std::string Usage(const ConsoleTopic& command) {
 }
 
 void PrintList(std::FILE* out, const std::vector<ConsoleTopic>& console) {
-    PrintTitle(out, "The console:");
-    for (const ConsoleTopic& command : console)
-        PrintRow(out, Usage(command), command.summary);
-    std::fputs("\n", out);
+    for (const auto& section : SECTIONS) {
+        PrintTitle(out, section.title);
+        for (const ConsoleTopic& command : console) {
+            if (command.section == section.section)
+                PrintRow(out, Usage(command), command.summary);
+        }
+        std::fputs("\n", out);
+    }
     PrintTitle(out, "Commands of the driver, typed as they stand (help NAME tells more):");
     for (const CommandInfo& command : CommandReference())
         PrintRow(out, CommandSignature(command), command.summary);
@@ -55,9 +69,25 @@ void PrintList(std::FILE* out, const std::vector<ConsoleTopic>& console) {
                  "them.");
 }
 
+void PrintExamples(std::FILE* out, const std::vector<const char*>& lines) {
+    if (!lines.empty())
+        std::fputs("\nExample\n", out);
+    for (const char* line : lines)
+        PrintWrapped(out, std::string("  ") + line, 4);
+}
+
+void PrintNotes(std::FILE* out, const std::vector<const char*>& notes) {
+    for (const char* note : notes)
+        PrintWrapped(out, std::string(note == notes.front() ? "\n" : "") + note);
+}
+
 void PrintConsoleCommand(std::FILE* out, const ConsoleTopic& command) {
     PrintTitle(out, Usage(command));
     PrintWrapped(out, std::string("  ") + command.summary, 2);
+    if (command.section == ConsoleTopic::SCRIPT)
+        PrintWrapped(out, "  only in scripts: hxdpanel script FILE", 2);
+    PrintExamples(out, command.examples);
+    PrintNotes(out, command.notes);
 }
 
 void PrintDriverCommand(std::FILE* out, const CommandInfo& command) {
@@ -75,13 +105,10 @@ void PrintDriverCommand(std::FILE* out, const CommandInfo& command) {
     PrintRow(out, "0", "done", 2);
     for (const CommandStatus& code : command.codes)
         PrintRow(out, std::to_string(code.status), code.meaning, 2);
-    std::fputs("\nExample\n", out);
-    for (const char* line : command.example)
-        std::fprintf(out, "  %s\n", line);
+    PrintExamples(out, command.example);
     if (command.row.IsOfRegistry())
         PrintWrapped(out, "\nThe driver knows this name in exactly this spelling only.");
-    for (const char* note : command.notes)
-        PrintWrapped(out, std::string(note == command.notes.front() ? "\n" : "") + note);
+    PrintNotes(out, command.notes);
 }
 
 std::vector<ChannelRow::Sentinel> Sentinels(const ChannelRow& row) {
@@ -174,8 +201,12 @@ Subject Find(const std::string& name, const std::vector<ConsoleTopic>& console) 
 void PrintHelpJson(std::FILE* out, const Subject& subject, JsonLayout layout) {
     Json console = Json::array();
     for (const ConsoleTopic& command : subject.console)
-        console.push_back(
-            {{"name", command.name}, {"usage", Usage(command)}, {"summary", command.summary}});
+        console.push_back({{"name", command.name},
+                           {"usage", Usage(command)},
+                           {"summary", command.summary},
+                           {"section", SECTIONS[command.section].name},
+                           {"example", command.examples},
+                           {"notes", command.notes}});
     Json commands = Json::array();
     for (const CommandInfo* command : subject.commands)
         commands.push_back(CommandJson(*command));
@@ -201,6 +232,33 @@ int PrintUnknown(const std::string& topic, const std::vector<ConsoleTopic>& cons
 }
 
 }  // namespace
+
+const std::vector<ConsoleTopic>& ScriptLines() {
+    static const std::vector<ConsoleTopic> lines = {
+        {"expect",
+         "WHAT = VALUE",
+         "stop unless this holds: a channel, a variable, a status, or what the panel did",
+         ConsoleTopic::SCRIPT,
+         {"= may be != < <= > >=. A number may have ~ TOLERANCE; /.../ is a pattern, \"...\" a "
+          "text. "
+          "A number or a name is a channel's unless a variable has the name."},
+         {"expect 21 = 40", "expect 10 = 0.8 ~ 0.05", "expect serial = /^HX/", "expect r = 0",
+          "expect status 4", "expect panel beeped 900 Hz 50 ms", "expect panel not ran reboot"}},
+        {"wait",
+         "WHAT = VALUE within TIME",
+         "the same, or let the panel's clock go on until it holds",
+         ConsoleTopic::SCRIPT,
+         {"The clock is held in scripts, so that an hour costs nothing. Units: ms, s, m, h, d."},
+         {"wait 27 = 4 within 2h"}},
+        {"allow",
+         "unknown",
+         "from here on a command that the driver does not know is no failure",
+         ConsoleTopic::SCRIPT,
+         {},
+         {"allow unknown"}},
+    };
+    return lines;
+}
 
 int PrintHelp(std::FILE* out, const std::string& topic, const std::vector<ConsoleTopic>& console,
               const JsonLayout* json) {

@@ -29,7 +29,10 @@ std::string WantedText(const HostValue& value) {
 
 bool Recorder::Start(int folder, const std::string& name, std::string& error) {
     if (name.find('/') != std::string::npos || folder == -1) {
-        error = "a script is recorded in the folder where hxdpanel was started: give a name alone";
+        error = folder == -1
+                    ? "record is for the console and for pipes"
+                    : "the sandbox shows only the folder where hxdpanel was started: give a name "
+                      "without /";
         return false;
     }
     const int file =

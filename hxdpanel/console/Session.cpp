@@ -48,7 +48,7 @@ std::string ConcernText(const std::vector<int>& channels) {
     for (const int number : channels)
         text += (text.empty() ? "concerns " : ", ") + std::to_string(number) + " " +
                 FindChannel(number)->name;
-    return text + "\n";
+    return text;
 }
 
 // What an ExecNTP has left in its result variable.
@@ -81,6 +81,13 @@ int Session::Complain(const std::string& message) {
     return EXIT_USAGE;
 }
 
+void Session::PrintWrapped(const std::vector<std::string>& lines) const {
+    for (const std::string& line : lines) {
+        if (!line.empty())
+            std::fprintf(m_out, "%s\n", terminal::Wrapped(m_out, line, 2).c_str());
+    }
+}
+
 void Session::UseJson(JsonLayout layout) {
     m_json = true;
     m_layout = layout;
@@ -97,8 +104,7 @@ int Session::RunHardware(const std::string& line) {
         PrintJson(m_out, m_layout, "hardware",
                   {{"message", result.message}, {"channels", result.channels}});
     else
-        std::fprintf(m_out, "%s\n%s", Visible(result.message).c_str(),
-                     ConcernText(result.channels).c_str());
+        PrintWrapped({Visible(result.message), ConcernText(result.channels)});
     std::fflush(m_out);
     return EXIT_DONE;
 }
@@ -256,7 +262,8 @@ int Session::WatchChannels(WatchOptions options, const std::vector<std::string>&
 
 int Session::ShowPanel() {
     m_output.Settle();
-    const PanelSource source = {m_plugin, m_files.outside, m_memory.Differences()};
+    const PanelSource source = {m_plugin, m_files.outside, m_memory.Differences(),
+                                m_hardware.Load()};
     if (m_json)
         PrintJson(m_out, m_layout, "panel", PanelJson(source));
     else

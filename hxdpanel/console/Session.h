@@ -87,6 +87,7 @@ private:
     int RunMeaningful(const std::string& line);
 
     static int Complain(const std::string& message);
+    void PrintWrapped(const std::vector<std::string>& lines) const;  // but empty ones
     const JsonLayout* AsJson() const { return m_json ? &m_layout : nullptr; }
     int Report(const Outcome& outcome);
 

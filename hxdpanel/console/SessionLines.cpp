@@ -11,6 +11,8 @@
 
 namespace {
 
+const char* const OPEN_QUOTE = "the quote is not closed at the end of the line";
+
 // The first word and what follows it.
 struct Words {
     std::string first;
@@ -61,11 +63,12 @@ const std::vector<Session::ConsoleCommand>& Session::ConsoleCommands() {
 
 int Session::PrintHelp(std::FILE* out, const std::string& topic, const JsonLayout* json) {
     std::vector<ConsoleTopic> topics;
-    topics.reserve(ConsoleCommands().size());
     for (const ConsoleCommand& command : ConsoleCommands())
         topics.push_back(command.topic);
     for (const HardwareCommands::Row& row : HardwareCommands::Table())
-        topics.push_back({row.name, row.arguments, row.summary});
+        topics.push_back({row.name, row.arguments, row.summary, ConsoleTopic::HARDWARE, row.notes,
+                          row.examples});
+    topics.insert(topics.end(), ScriptLines().begin(), ScriptLines().end());
     return ::PrintHelp(out, topic, topics, json);
 }
 
@@ -95,6 +98,10 @@ std::string Session::NoMeaning(const std::string& line) {
                "command: " +
                Visible(line);
     const std::string word = Split(line).first;
+    for (const ConsoleTopic& topic : ScriptLines()) {
+        if (word == topic.name)
+            return word + " stands in scripts only; see help " + word;
+    }
     const CommandInfo* const command = FindCommand(word);
     if (command != nullptr)
         return "A command of the driver needs parentheses: " + CommandSignature(*command);
@@ -180,6 +187,8 @@ int Session::RunWrite(const std::string& rest) {
     if (channel.empty() || text.empty())
         return Complain(
             "usage: write CHANNEL VALUE, for example write 21 40; \"\" is the empty text");
+    if (HasOpenQuote(text))
+        return Complain(OPEN_QUOTE);
     Unquote(text);
     return Write(channel, text);
 }
@@ -189,6 +198,8 @@ int Session::RunSet(const std::string& rest) {
     const std::size_t end = std::min(rest.find_first_of(" \t="), rest.size());
     std::string name = rest.substr(0, end);
     std::string text = Trimmed(rest.substr(std::min(end + 1, rest.size())));
+    if (HasOpenQuote(text))
+        return Complain(OPEN_QUOTE);
     const bool quoted = Unquote(text);
     if (quoted && name.find(':') == std::string::npos)
         name += ":text";
@@ -223,6 +234,8 @@ int Session::RunHelp(const std::string& rest) {
 int Session::RunRecord(const std::string& rest) {
     std::string error;
     bool done = true;
+    if (rest.empty())
+        return Complain("usage: record FILE, or record off");
     const std::string stopped = m_recorder.Stop(done);
     if (!done)
         return Complain("not all of " + Quoted(stopped) + " could be written");
@@ -230,8 +243,6 @@ int Session::RunRecord(const std::string& rest) {
         std::fprintf(m_out, "recorded %s\n", Visible(stopped).c_str());
     if (rest == "off")
         return stopped.empty() ? Complain("nothing is being recorded") : EXIT_DONE;
-    if (rest.empty())
-        return Complain("usage: record FILE, or record off");
     if (!m_recorder.Start(m_files.userFolder, rest, error))
         return Complain(error);
     std::fprintf(m_out, "recording %s until record off\n", Visible(rest).c_str());

@@ -12,9 +12,17 @@ namespace {
 
 using cables::Words;
 
-const std::vector<int> NETWORK_CHANNELS = {CHANNEL_IP_ADDRESS_1,  CHANNEL_NETMASK_1,
-                                           CHANNEL_IP_ADDRESS_2,  CHANNEL_NETMASK_2,
-                                           CHANNEL_MAC_ADDRESS_1, CHANNEL_MAC_ADDRESS_2};
+// Of the interfaces at a place in the list and behind it, which move by one place.
+std::vector<int> ChannelsFrom(std::size_t place) {
+    std::vector<int> channels;
+    if (place == 0)
+        channels = {CHANNEL_IP_ADDRESS_1, CHANNEL_NETMASK_1, CHANNEL_MAC_ADDRESS_1};
+    if (place <= 1)
+        channels.insert(channels.end(),
+                        {CHANNEL_IP_ADDRESS_2, CHANNEL_NETMASK_2, CHANNEL_MAC_ADDRESS_2});
+    std::sort(channels.begin(), channels.end());
+    return channels;
+}
 
 HardwareResult SetPlugged(const Words& words, bool plugged) {
     const std::string action = plugged ? "plug" : "unplug";
@@ -23,12 +31,14 @@ HardwareResult SetPlugged(const Words& words, bool plugged) {
                                        " eth1");
     bool found = false;
     bool any = false;
+    std::size_t place = 0;
     sim::SimPanel::Instance().Change([&](sim::PanelState& state) {
         for (sim::Interface& interface : state.interfaces) {
             if (interface.record.name == words[0]) {
                 interface.plugged = plugged;
                 found = true;
             }
+            place += interface.plugged && !found ? 1 : 0;
             any = any || interface.plugged;
         }
     });
@@ -42,7 +52,14 @@ HardwareResult SetPlugged(const Words& words, bool plugged) {
     SetReachable(any);
     return HardwareResult::Done(words[0] + (plugged ? " is there again" : " is gone") +
                                     (any ? "" : "; no time server can be reached"),
-                                NETWORK_CHANNELS);
+                                ChannelsFrom(place));
+}
+
+// "1" and "COM1".
+bool ParsePort(std::string text, long long& port) {
+    if (EqualNames(text.substr(0, 3), "com"))
+        text.erase(0, 3);
+    return ParseWhole(text, 1, 4, port);
 }
 
 }  // namespace
@@ -67,7 +84,7 @@ HardwareResult cables::Com(const Words& words) {
     long long port = 0;
     long long percent = 0;
     const bool isOff = words.size() == 2 && words[1] == "off";
-    if (words.size() != 2 || !ParseWhole(words[0], 1, 4, port) ||
+    if (words.size() != 2 || !ParsePort(words[0], port) ||
         (!isOff && !ParseWhole(words[1], 0, 100, percent)))
         return HardwareResult::Refused(
             "usage: com PORT PERCENT, or com PORT off, for example com 1 75");
@@ -76,6 +93,6 @@ HardwareResult cables::Com(const Words& words) {
     uart.counters = {60, 40, 0, static_cast<int32_t>(percent)};
     sim::SimPanel::Instance().Change([&](sim::PanelState& state) { state.uarts[port - 1] = uart; });
     return HardwareResult::Done(
-        "COM" + words[0] + (isOff ? " is gone" : " is used to " + words[1] + " %"),
+        "COM" + std::to_string(port) + (isOff ? " is gone" : " is used to " + words[1] + " %"),
         {CHANNEL_UART_1 + static_cast<int>(port) - 1});
 }

@@ -22,6 +22,8 @@ public:
         HardwareResult (*run)(HardwareCommands& hardware, const Words& words);
         // What the word after these may be.
         Words (*candidates)(const Words& words);
+        std::vector<const char*> notes = {};
+        std::vector<const char*> examples = {};
     };
     static const std::vector<Row>& Table();
     static const Row* Find(const std::string& name);

@@ -42,7 +42,8 @@ bool Replace(const std::string& path, const std::string& text) {
 
 HardwareMemory::Settings HardwareMemory::Current() {
     const sim::PanelState state = sim::SimPanel::Instance().State();
-    Settings settings = {{"panel/brightness", std::to_string(state.brightness)}};
+    Settings settings = {
+        {"panel/brightness", state.brightness < 0 ? "none" : std::to_string(state.brightness)}};
     if (state.interfaces.empty())
         settings["panel/interfaces"] = "0";
     for (std::size_t i = 0; i < state.interfaces.size(); ++i) {

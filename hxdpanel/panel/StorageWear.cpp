@@ -83,17 +83,19 @@ constexpr std::size_t DEVICE_NAME = 2;
 constexpr std::size_t SECTORS_WRITTEN = 9;
 const char* const EMMC_LINE = " 179 0 mmcblk0 0 0 0 0 0 0 0 0 0 0 0";
 
+bool IsEmmc(const Words& counters) {
+    return counters.size() > SECTORS_WRITTEN && counters[DEVICE_NAME] == "mmcblk0";
+}
+
 HardwareResult WriteEmmc(long long bytes) {
     std::string text;
     if (panelfile::Find(EMMC_ATTRIBUTES, "erase_size").empty())
         return Refused("this panel has no flash");
     panelfile::Read(DISKSTATS, text);
     Lines lines = SplitLines(text);
-    const auto isEmmc = [](const std::string& line) {
-        const Words words = SplitWords(line);
-        return words.size() > SECTORS_WRITTEN && words[DEVICE_NAME] == "mmcblk0";
-    };
-    auto line = std::find_if(lines.begin(), lines.end(), isEmmc);
+    auto line = std::find_if(lines.begin(), lines.end(), [](const std::string& candidate) {
+        return IsEmmc(SplitWords(candidate));
+    });
     if (line == lines.end())
         line = lines.insert(line, EMMC_LINE);
     Words words = SplitWords(*line);
@@ -256,37 +258,75 @@ HardwareResult Wear(const Words& words) {
 
 // ---- as it is --------------------------------------------------------------------------------
 
-std::string AttributeText(const char* name) {
+// Empty where it is not told, or told by several.
+std::string Attribute(const char* name) {
     const Lines paths = panelfile::Find(EMMC_ATTRIBUTES, name);
     std::string text;
-    if (paths.size() != 1 || !panelfile::Read(paths[0], text))
-        return std::string(", no ") + name;
-    return std::string(", ") + name + " " + Visible(Trimmed(text));
+    if (paths.size() == 1)
+        panelfile::Read(paths[0], text);
+    return Visible(Trimmed(text));
 }
 
-HardwareResult Describe() {
-    const std::vector<int> channels = {CHANNEL_STORAGE_LIFE, CHANNEL_STORAGE_GEAR};
-    EraseTable table;
-    if (!IsNand() && panelfile::Find(EMMC_ATTRIBUTES, "erase_size").empty())
-        return HardwareResult::Done("this panel has no flash", channels);
-    if (!IsNand())
-        return HardwareResult::Done("eMMC" + AttributeText("life_time") +
-                                        AttributeText("pre_eol_info") + AttributeText("erase_size"),
-                                    channels);
-    ReadTable(table);
-    return HardwareResult::Done("NAND flash, " + std::to_string(table.blocks) + " blocks, " +
-                                    std::to_string(table.sum) + " erasures, " +
-                                    std::to_string(ReadCount(BAD_BLOCKS)) + " bad blocks, " +
-                                    std::to_string(ReadCount(RESERVED_BLOCKS)) + " in reserve",
-                                channels);
+std::string AttributeText(const char* name, const std::string& value) {
+    return value.empty() ? std::string(", no ") + name : std::string(", ") + name + " " + value;
+}
+
+Words EmmcCounters() {
+    std::string text;
+    panelfile::Read(DISKSTATS, text);
+    for (const std::string& line : SplitLines(text)) {
+        const Words words = SplitWords(line);
+        if (IsEmmc(words))
+            return words;
+    }
+    return SplitWords(EMMC_LINE);
 }
 
 }  // namespace
 
+storagewear::Flash storagewear::State() {
+    Flash flash;
+    if (IsNand()) {
+        EraseTable table;
+        ReadTable(table);
+        flash.kind = Flash::NAND;
+        flash.blocks = table.blocks;
+        flash.erasures = table.sum;
+        flash.badBlocks = ReadCount(BAD_BLOCKS);
+        flash.reservedBlocks = ReadCount(RESERVED_BLOCKS);
+    } else if (!panelfile::Find(EMMC_ATTRIBUTES, "erase_size").empty()) {
+        flash.kind = Flash::EMMC;
+        flash.lifeTime = Attribute("life_time");
+        flash.preEolInfo = Attribute("pre_eol_info");
+        flash.eraseSize = Attribute("erase_size");
+        flash.sectorsWritten = CountOf(EmmcCounters()[SECTORS_WRITTEN]);
+    }
+    return flash;
+}
+
+std::string storagewear::StateText() {
+    const Flash flash = State();
+    switch (flash.kind) {
+        case Flash::EMMC:
+            return "eMMC" + AttributeText("life_time", flash.lifeTime) +
+                   AttributeText("pre_eol_info", flash.preEolInfo) +
+                   AttributeText("erase_size", flash.eraseSize) + ", " +
+                   std::to_string(flash.sectorsWritten) + " sectors written";
+        case Flash::NAND:
+            return "NAND flash, " + std::to_string(flash.blocks) + " blocks, " +
+                   std::to_string(flash.erasures) + " erasures, " +
+                   std::to_string(flash.badBlocks) + " bad blocks, " +
+                   std::to_string(flash.reservedBlocks) + " in reserve";
+        case Flash::NONE:
+            break;
+    }
+    return "this panel has no flash";
+}
+
 HardwareResult storagewear::Disk(const Words& words) {
     long long bytes = 0;
     if (words.empty())
-        return Describe();
+        return HardwareResult::Done(StateText(), {CHANNEL_STORAGE_LIFE, CHANNEL_STORAGE_GEAR});
     if (words[0] == "wear")
         return Wear(words);
     if (words[0] != "write" || words.size() != 2 || !ParseSize(words[1], bytes))

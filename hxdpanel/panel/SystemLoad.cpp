@@ -133,6 +133,7 @@ HardwareResult SystemLoad::Memory(const Words& words) {
         !panelfile::Write(PROC + "meminfo", WithAvailable(text, bytes / 1024)))
         return NotOwn("meminfo");
     m_memory = USER;
+    m_llMemory = bytes;
     return HardwareResult::Done(
         NumberText(static_cast<double>(bytes) / 1048576.0) + " MiB of memory are available",
         {CHANNEL_MEMORY_AVAILABLE});

@@ -22,9 +22,14 @@ public:
     // As it was at the start.
     void Reset();
 
-private:
-    enum Source { PANEL, MACHINE, USER };
+    enum Source { PANEL, MACHINE, USER };  // the panel's files, this machine, a command
+    Source CpuSource() const { return m_cpu; }
+    Source MemorySource() const { return m_memory; }
+    // What USER has set.
+    double CpuUse() const { return m_dUse; }
+    long long MemoryBytes() const { return m_llMemory; }
 
+private:
     HardwareResult FollowMachine(Source& source, const char* name, int channel);
     void AdvanceCounters();
 
@@ -32,6 +37,7 @@ private:
     Source m_cpu = PANEL;
     Source m_memory = PANEL;
     double m_dUse = 0.0;
+    long long m_llMemory = 0;
     long long m_llBusy = 0;  // jiffies, as /proc/stat shows them
     long long m_llIdle = 0;
 };

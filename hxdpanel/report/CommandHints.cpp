@@ -62,12 +62,13 @@ std::string ArgumentHint(const CommandArgument& argument, const std::string& tex
            KindName(argument.kind);
 }
 
-std::string UnknownCommandHint(const std::string& name) {
+std::string UnknownCommandHint(const std::string& name, int status) {
     std::vector<std::string> names;
     for (const CommandInfo& command : CommandReference())
         names.emplace_back(command.name);
     const std::string closest = Closest(Trimmed(name), names);
-    return "the driver has no command " + Quoted(name) + " and answers 0 to that" +
+    return "the driver has no command " + Quoted(name) +
+           (status == RESULT_DONE ? " and answers 0 to that" : "") +
            (closest.empty() ? "" : "; did you mean " + closest + "?");
 }
 
@@ -100,7 +101,7 @@ bool ParseCommandText(const std::string& text, CommandText& parsed) {
 Hints CommandHints(const CommandText& command, const CommandInfo* info, int status,
                    const HostDatabase& database, const HostDatabase::Trace& trace) {
     if (info == nullptr)
-        return {UnknownCommandHint(command.name)};
+        return {UnknownCommandHint(command.name, status)};
     if (info->row.IsOfRegistry() && command.name != info->name)
         return {"the driver knows " + std::string(info->name) +
                 " in exactly this spelling only, and did nothing"};

@@ -4,9 +4,9 @@
 #include "common/ResultCodes.h"
 #include "hxdpanel/base/Terminal.h"
 #include "hxdpanel/base/Text.h"
-#include "hxdpanel/panel/ClockCommand.h"
 #include "hxdpanel/panel/CommandsRun.h"
 #include "hxdpanel/panel/Faults.h"
+#include "hxdpanel/report/HardwareReport.h"
 
 #include <algorithm>
 #include <iterator>
@@ -179,15 +179,17 @@ Json EventsJson(const sim::PanelState& state) {
 Json PanelJson(const PanelSource& source) {
     const sim::PanelState state = sim::SimPanel::Instance().State();
     const bool dimmable = state.brightness != HAL_NO_SUCH_DEVICE;
-    return {{"serialNumber", state.serialNumber},
-            {"light", state.lightOn},
-            {"brightness", dimmable ? Json(state.brightness) : Json(nullptr)},
-            {"locks", LockJson(source.plugin)},
-            {"interfaces", Objects(state.interfaces, InterfaceJson)},
-            {"files", source.filesOutside.empty() ? Json(nullptr) : Json(source.filesOutside)},
-            {"kept", source.kept},
-            {"failures", faults::List()},
-            {"events", EventsJson(state)}};
+    Json object = {
+        {"serialNumber", state.serialNumber},
+        {"light", state.lightOn},
+        {"brightness", dimmable ? Json(state.brightness) : Json(nullptr)},
+        {"locks", LockJson(source.plugin)},
+        {"interfaces", Objects(state.interfaces, InterfaceJson)},
+        {"files", source.filesOutside.empty() ? Json(nullptr) : Json(source.filesOutside)},
+        {"kept", source.kept}};
+    object.update(HardwareMembers(source.load));
+    object["events"] = EventsJson(state);
+    return object;
 }
 
 void PrintPanel(std::FILE* out, const PanelSource& source) {
@@ -206,7 +208,8 @@ void PrintPanel(std::FILE* out, const PanelSource& source) {
                   : Visible(source.filesOutside) + ", kept (--fresh runs without, rm -r resets)");
     if (!source.filesOutside.empty())
         PrintList(out, "Kept settings", source.kept);
-    PrintItem(out, "Clock", ClockState());
+    for (const auto& line : HardwareLines(source.load))
+        PrintItem(out, line.first, line.second);
     PrintList(out, "Failures", faults::List());
     std::fputs("\nSince the start of this run:\n", out);
     bool any = false;

@@ -9,11 +9,14 @@
 #include <string>
 #include <vector>
 
+class SystemLoad;
+
 struct PanelSource {
     const IVNCLock* plugin;         // null when the host runs without the remote-view plug-in
     std::string filesOutside;       // where the panel's files lie on the machine; empty when they
                                     // are gone after this run
     std::vector<std::string> kept;  // settings of the hardware that differ from the description
+    const SystemLoad& load;
 };
 
 void PrintPanel(std::FILE* out, const PanelSource& source);

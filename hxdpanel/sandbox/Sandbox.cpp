@@ -100,7 +100,11 @@ std::vector<std::string> CommandLine(const std::string& launcher, const Setup& s
     return words;
 }
 
-// The folder that the user is in, for files that the console is told to write. -1: there is none.
+// The folder that the user is in, for files that the console is told to record. -1: there is none.
+// It is more than the program inside needs: by "..", it leads anywhere. The commands that the
+// driver runs do not get it (close-on-exec), and the driver itself knows absolute paths only, so
+// nothing but a driver that searches its process for a way out would find this one; to keep such a
+// driver in, the file would have to be opened out here when the user asks for it.
 int OpenFolder(bool wanted) {
     const int opened = wanted ? ::open(".", O_PATH | O_DIRECTORY | O_CLOEXEC) : -1;
     if (opened < 0)
@@ -110,16 +114,24 @@ int OpenFolder(bool wanted) {
     return handedOver;
 }
 
+// "" for a file that the sandbox can be shown.
+std::string ReadError(const std::string& file) {
+    struct stat status = {};
+    if (::stat(file.c_str(), &status) != 0)
+        return std::strerror(errno);
+    if (S_ISDIR(status.st_mode))
+        return std::strerror(EISDIR);
+    if (!S_ISREG(status.st_mode))
+        return "not a plain file; - reads standard input";
+    return ::access(file.c_str(), R_OK) != 0 ? std::strerror(errno) : "";
+}
+
 bool CanRead(const std::vector<std::string>& scripts) {
     for (const std::string& script : scripts) {
-        struct stat status = {};
-        const bool isFolder = ::stat(script.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
-        if (script == "-" || (!isFolder && ::access(script.c_str(), R_OK) == 0))
+        const std::string error = script != "-" ? ReadError(script) : "";
+        if (error.empty())
             continue;
-        if (isFolder)
-            errno = EISDIR;
-        std::fprintf(stderr, "hxdpanel: cannot read %s: %s\n", script.c_str(),
-                     std::strerror(errno));
+        std::fprintf(stderr, "hxdpanel: cannot read %s: %s\n", script.c_str(), error.c_str());
         return false;
     }
     return true;
@@ -207,6 +219,8 @@ int RunInside(const Setup& setup, int argc, char** argv) {
     ChildProcess child;
     const int exitCode = child.Run(CommandLine(launcher, setup, csvDescriptor, folderDescriptor,
                                                child.StopDescriptor(), argc, argv));
+    if (exitCode == EXIT_REBOOTED)
+        std::fputs("hxdpanel: a reboot ends the run; the command restart comes back\n", stderr);
     for (const int descriptor : {csvDescriptor, folderDescriptor}) {
         if (descriptor >= 0)
             ::close(descriptor);

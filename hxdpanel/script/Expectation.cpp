@@ -56,6 +56,8 @@ bool TakeWanted(const std::string& text, Expectation& expectation, std::string& 
             expectation.tolerance < 0.0)
             error = "after ~ comes how far the number may be away";
     }
+    if (HasOpenQuote(text))
+        error = "the quote is not closed at the end of the line";
     if (text.empty())
         error = "a value is missing; \"\" is the empty text";
     return error.empty();
@@ -153,9 +155,9 @@ bool Holds(const Expectation& expectation, const HostValue& value, std::string& 
     double wanted = 0.0;
     if (!expectation.isPattern && !expectation.isQuoted && (!isText || isSize)) {
         if (!ParseNumber(expectation.wanted, wanted))
-            error = Quoted(expectation.wanted) + " is no number, but the value is one";
+            error = "the value is a number, " + shown;
         else if (isText && !ParseNumber(value.text, actual))
-            error = "the value is a text";
+            error = "the value is a text, " + Quoted(value.text);
         return error.empty() && Compare(actual, expectation, wanted);
     }
     if (isSize) {

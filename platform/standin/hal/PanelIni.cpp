@@ -160,11 +160,11 @@ const Key<PanelState> PANEL_KEYS[] = {
          state.serialNumber = text;
          return true;
      }},
-    {"brightness", "0 to 100, or -19 for no brightness control",
+    {"brightness", "0 to 100, or none (-19) for no brightness control",
      [](const std::string& text, PanelState& state) {
-         long long percent = 0;
-         if (!TakeInteger(text, 0, 100, percent) &&
-             !TakeInteger(text, HAL_NO_SUCH_DEVICE, HAL_NO_SUCH_DEVICE, percent))
+         const bool isNone = text == "none" || text == "-19";
+         long long percent = HAL_NO_SUCH_DEVICE;
+         if (!isNone && !TakeInteger(text, 0, 100, percent))
              return false;
          state.brightness = static_cast<int>(percent);
          return true;
