@@ -75,7 +75,8 @@ std::string NotEmpty(const std::string& text) {
 std::string PanelError(const std::string& folder) {
     const bool isPanel = ::access((folder + "/panel.ini").c_str(), F_OK) == 0 ||
                          ::access((folder + "/root").c_str(), F_OK) == 0;
-    return folder.empty() || isPanel ? "" : "neither panel.ini nor root/ in " + Quoted(folder);
+    return folder.empty() || isPanel ? ""
+                                     : "--panel: neither panel.ini nor root/ in " + Quoted(folder);
 }
 
 void AddGeneralOptions(CLI::App& app, Options& options) {
@@ -204,7 +205,6 @@ void AddSubcommands(CLI::App& app, Options& options) {
                       "Run scripts: lines of the console with what they should lead to");
     script->add_option("FILE", options.scripts, "Scripts, in order; - for standard input")
         ->check(NotEmpty)
-        ->excludes(app.get_option("--json"))
         ->required();
     script->add_flag("--keep-going", options.keepGoing, "Go on after a failure");
     script->add_flag("--echo", options.echo, "Show each line and what it prints");
@@ -274,9 +274,11 @@ bool ParseOptions(int argc, const char* const* argv, Options& options, int& exit
         exitCode = app.exit(error) == 0 ? EXIT_DONE : EXIT_USAGE;
         return false;
     }
-    const std::string error = options.inside.launched ? "" : PanelError(options.panel);
+    std::string error = options.inside.launched ? "" : PanelError(options.panel);
+    if (options.mode == Options::SCRIPT && options.json)
+        error = "script has --tap and --junit instead of --json";
     if (!error.empty()) {
-        std::fprintf(stderr, "hxdpanel: --panel: %s\n", error.c_str());
+        std::fprintf(stderr, "hxdpanel: %s\n", error.c_str());
         exitCode = EXIT_USAGE;
         return false;
     }

@@ -121,9 +121,9 @@ int RunScriptFiles(Session& session, const Options& options, DriverOutput& outpu
     std::unique_ptr<MutedDriver> muted;
     if (!options.echo)
         muted = std::make_unique<MutedDriver>(output);
-    const int exitCode =
-        RunScripts(session, files, {options.keepGoing, options.echo},
-                   options.tap ? ScriptReport::TAP : ScriptReport::SUMMARY, results, junit);
+    const int exitCode = RunScripts(session, files, {options.keepGoing},
+                                    options.tap ? ScriptReport::TAP : ScriptReport::SUMMARY,
+                                    options.echo, results, junit);
     const bool isApart = junit != nullptr && junit != results;
     return !isApart || Written(junit, options.csv.c_str()) ? exitCode : EXIT_USAGE;
 }

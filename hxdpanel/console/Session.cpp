@@ -155,12 +155,12 @@ int Session::Report(const Outcome& outcome) {
     return ExitFor(outcome.status);
 }
 
-void Session::BeScript(bool echo) {
+void Session::BeScript(std::FILE* out) {
     m_bScript = true;
     m_hardware.HoldReboots();
     static std::FILE* const nowhere = std::fopen("/dev/null", "w");
-    if (!echo && nowhere != nullptr)
-        m_out = nowhere;
+    if (out != nullptr || nowhere != nullptr)
+        m_out = out != nullptr ? out : nowhere;
 }
 
 int Session::Collect() {
@@ -233,10 +233,13 @@ int Session::Write(const std::string& channel, const std::string& text) {
     }
     m_memory.Save();
     Collect();
+    const bool isReadOnly = outcome.status == -RESULT_MALFORMED && !row.IsWritable();
     outcome.meaning =
-        CommandStatusMeaning(FindCommand(CommandOf(COMMAND_OLMA_WRITE).name), outcome.status);
-    if (outcome.status == -RESULT_MALFORMED || outcome.status == -RESULT_REFUSED ||
-        outcome.status == -RESULT_BAD_ARGUMENTS)
+        isReadOnly
+            ? "the channel cannot be written"
+            : CommandStatusMeaning(FindCommand(CommandOf(COMMAND_OLMA_WRITE).name), outcome.status);
+    if (!isReadOnly && (outcome.status == -RESULT_MALFORMED || outcome.status == -RESULT_REFUSED ||
+                        outcome.status == -RESULT_BAD_ARGUMENTS))
         outcome.notes.push_back(AcceptedText(row));
     if (value.type == DATATYPE_TEXT && text.find(')') != std::string::npos)
         outcome.notes.emplace_back(

@@ -34,8 +34,8 @@ public:
     static bool Understands(const std::string& line, std::string& error);
     bool Ended() const { return m_bEnded; }  // after quit
 
-    // A reboot restarts the panel from now on, and results are printed only if echo says so.
-    void BeScript(bool echo);
+    // A reboot restarts the panel from now on, and results go to out; null: nowhere.
+    void BeScript(std::FILE* out);
     // What the last line of Run() did.
     const LineResult& Result() const { return m_result; }
     const HostDatabase& Database() const { return m_database; }

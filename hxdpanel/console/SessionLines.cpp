@@ -232,10 +232,14 @@ int Session::RunHelp(const std::string& rest) {
 }
 
 int Session::RunRecord(const std::string& rest) {
+    std::string name = rest;
     std::string error;
     bool done = true;
     if (rest.empty())
         return Complain("usage: record FILE, or record off");
+    if (HasOpenQuote(name))
+        return Complain(OPEN_QUOTE);
+    Unquote(name);
     const std::string stopped = m_recorder.Stop(done);
     if (!done)
         return Complain("not all of " + Quoted(stopped) + " could be written");
@@ -243,9 +247,9 @@ int Session::RunRecord(const std::string& rest) {
         std::fprintf(m_out, "recorded %s\n", Visible(stopped).c_str());
     if (rest == "off")
         return stopped.empty() ? Complain("nothing is being recorded") : EXIT_DONE;
-    if (!m_recorder.Start(m_files.userFolder, rest, error))
+    if (!m_recorder.Start(m_files.userFolder, name, error))
         return Complain(error);
-    std::fprintf(m_out, "recording %s until record off\n", Visible(rest).c_str());
+    std::fprintf(m_out, "recording %s until record off\n", Visible(name).c_str());
     return EXIT_DONE;
 }
 
@@ -261,6 +265,10 @@ std::vector<std::string> Session::Completions(const std::string& line) const {
     std::vector<std::string> candidates;
     if (separator == std::string::npos || first == "help")
         candidates = AllNames();
+    for (const ConsoleTopic& topic : ScriptLines()) {
+        if (first == "help" && separator != std::string::npos)
+            candidates.emplace_back(topic.name);
+    }
     if (HardwareCommands::Find(first) != nullptr && separator != std::string::npos)
         return HardwareCommands::Candidates(line);
     const bool isSecond = Split(line.substr(0, separator)).rest.empty();

@@ -97,7 +97,8 @@ bool ParseDefinition(const std::string& nameAndType, const std::string& text,
     definition.name = Trimmed(nameAndType.substr(0, colon));
     if (definition.name.empty() ||
         definition.name.find_first_of(",()=:\" \t") != std::string::npos) {
-        error = Quoted(nameAndType) + " cannot be a variable's name";
+        error = (definition.name.empty() ? Quoted(nameAndType) : Visible(nameAndType)) +
+                " cannot be a variable's name";
         return false;
     }
     if (colon == std::string::npos) {

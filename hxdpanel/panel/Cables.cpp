@@ -12,15 +12,14 @@ namespace {
 
 using cables::Words;
 
-// Of the interfaces at a place in the list and behind it, which move by one place.
+// Of the interfaces at a place in the list and behind it, which move by one place. The driver goes
+// on showing the hardware addresses that it has read before.
 std::vector<int> ChannelsFrom(std::size_t place) {
     std::vector<int> channels;
     if (place == 0)
-        channels = {CHANNEL_IP_ADDRESS_1, CHANNEL_NETMASK_1, CHANNEL_MAC_ADDRESS_1};
+        channels = {CHANNEL_IP_ADDRESS_1, CHANNEL_NETMASK_1};
     if (place <= 1)
-        channels.insert(channels.end(),
-                        {CHANNEL_IP_ADDRESS_2, CHANNEL_NETMASK_2, CHANNEL_MAC_ADDRESS_2});
-    std::sort(channels.begin(), channels.end());
+        channels.insert(channels.end(), {CHANNEL_IP_ADDRESS_2, CHANNEL_NETMASK_2});
     return channels;
 }
 

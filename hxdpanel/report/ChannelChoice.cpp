@@ -94,9 +94,13 @@ bool ChooseChannels(const std::vector<std::string>& words, int highest, std::vec
                     std::string& error) {
     numbers.clear();
     for (const std::string& word : words) {
-        const std::size_t hyphen = word.find('-');
-        const bool isRange = hyphen != std::string::npos && IsNumber(word.substr(0, hyphen)) &&
-                             IsNumber(word.substr(hyphen + 1));
+        const std::size_t hyphen = std::min(word.find('-'), word.size());
+        const bool hasFirst = IsNumber(word.substr(0, hyphen));
+        const bool isRange = hasFirst && IsNumber(word.substr(std::min(hyphen + 1, word.size())));
+        if (hasFirst && hyphen < word.size() && !isRange) {
+            error = Quoted(word) + " is no range; write 26-28";
+            return false;
+        }
         int first = 0;
         int last = 0;
         if (!ChooseChannel(isRange ? word.substr(0, hyphen) : word, highest, first, error) ||

@@ -32,11 +32,10 @@ Json SourceJson(SystemLoad::Source source, const char* member, const Json& byHan
             {member, source == SystemLoad::USER ? byHand : Json(nullptr)}};
 }
 
-// As the driver counts it, but for a port without counters.
-double UsePercent(const sim::Uart& port) {
-    const auto& use = port.counters;
-    const double all = static_cast<double>(use.first) + use.second;
-    return all != 0.0 ? use.fourth * 100.0 / all : 0.0;
+// As the driver counts it.
+long long UsePercent(const sim::Uart& port) {
+    const long long all = 0LL + port.counters.first + port.counters.second;
+    return all != 0 ? port.counters.fourth * 100LL / all : 0;
 }
 
 std::string PortsText() {
@@ -45,7 +44,7 @@ std::string PortsText() {
     int number = 1;
     for (const sim::Uart& port : state.uarts) {
         text += (number > 1 ? ", COM" : "COM") + std::to_string(number) +
-                (port.present ? " " + NumberText(UsePercent(port)) + " %" : " none");
+                (port.present ? " " + std::to_string(UsePercent(port)) + " %" : " none");
         ++number;
     }
     return text;
@@ -91,7 +90,7 @@ Json ClockJson() {
     const auto now = std::chrono::steady_clock::now().time_since_epoch();
     const std::int64_t real = std::chrono::duration_cast<milliseconds>(now).count();
     return {{"held", panel.ClockSpeed() <= 0.0},
-            {"speed", panel.ClockSpeed()},
+            {"speed", JsonValue(HostValue::Double(panel.ClockSpeed()))},
             {"aheadMs", panel.Tick() - real}};
 }
 
@@ -125,10 +124,11 @@ std::vector<std::pair<const char*, std::string>> HardwareLines(const SystemLoad&
 
 Json HardwareMembers(const SystemLoad& load) {
     const sim::PanelState state = sim::SimPanel::Instance().State();
-    return {{"clock", ClockJson()},
-            {"cpu", SourceJson(load.CpuSource(), "use", load.CpuUse())},
-            {"memory", SourceJson(load.MemorySource(), "bytes", load.MemoryBytes())},
-            {"serialPorts", PortsJson(state)},
-            {"flash", FlashJson()},
-            {"failures", FailuresJson(state)}};
+    return {
+        {"clock", ClockJson()},
+        {"cpu", SourceJson(load.CpuSource(), "use", JsonValue(HostValue::Double(load.CpuUse())))},
+        {"memory", SourceJson(load.MemorySource(), "bytes", load.MemoryBytes())},
+        {"serialPorts", PortsJson(state)},
+        {"flash", FlashJson()},
+        {"failures", FailuresJson(state)}};
 }

@@ -38,6 +38,15 @@ Grid Fit(std::size_t count, std::size_t rows, std::size_t width) {
     return {std::min(rows, (count + columns - 1) / columns), columns, CellWidth(width, columns)};
 }
 
+// What tells it from its like stays: "Time s… 3".
+std::string ShortenedName(const std::string& name, std::size_t columns) {
+    const std::size_t tail = name.rfind(' ');
+    if (Columns(name) <= columns || tail == std::string::npos || tail + 2 != name.size() ||
+        columns <= 4)
+        return Shortened(name, columns);
+    return Shortened(name.substr(0, tail), columns - 2) + name.substr(tail);
+}
+
 // With what explains it where that takes no column from the name.
 std::string ValueWithin(const ShownChannel& channel, std::size_t columns, std::size_t room) {
     const char* const meaning = channel.Meaning();
@@ -92,7 +101,7 @@ std::string WatchScreen::Cell(std::FILE* out, const ShownChannel& channel,
     const std::size_t room = width - std::min(width, number.size() + 2);  // a blank and the mark
     const std::size_t shortestName = std::min(Columns(channel.name), SHORTEST_NAME);
     const std::string value = ValueWithin(channel, room - std::min(room, shortestName + 1), room);
-    const std::string name = Shortened(channel.name, room - std::min(room, Columns(value) + 1));
+    const std::string name = ShortenedName(channel.name, room - std::min(room, Columns(value) + 1));
     const bool isChanged = m_changed.count(channel.number) != 0;
     std::string middle(room - Columns(name) - Columns(value), ' ');
     const std::size_t field = std::max(Columns(value), NUMBER_WIDTH);

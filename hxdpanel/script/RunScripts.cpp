@@ -3,6 +3,7 @@
 #include "hxdpanel/base/ExitCode.h"
 #include "hxdpanel/base/Text.h"
 #include "hxdpanel/console/Session.h"
+#include "hxdpanel/script/Echo.h"
 
 #include <cerrno>
 #include <cstring>
@@ -10,10 +11,12 @@
 #include <iostream>
 
 int RunScripts(Session& session, const std::vector<ScriptFile>& files, const ScriptOptions& options,
-               ScriptReport::Form form, std::FILE* results, std::FILE* junit) {
+               ScriptReport::Form form, bool echo, std::FILE* results, std::FILE* junit) {
     ScriptReport report(results, form);
-    Script script(session, options, report, results);
-    session.BeScript(options.echo);
+    Echo shown(results, form == ScriptReport::TAP ? "# " : "");
+    const bool isShown = echo && shown.Stream() != nullptr;
+    Script script(session, options, report, isShown ? &shown : nullptr);
+    session.BeScript(isShown ? shown.Stream() : nullptr);
     session.Collect();  // as a host does before its scripts run
     report.Begin();
     bool going = true;

@@ -13,8 +13,9 @@ struct ScriptFile {
     std::string path;  // "-": standard input
 };
 
-// Returns an ExitCode. junit: null, or where a report for a build server goes.
+// Returns an ExitCode. echo: show each line and what it prints. junit: null, or where a report for
+// a build server goes.
 int RunScripts(Session& session, const std::vector<ScriptFile>& files, const ScriptOptions& options,
-               ScriptReport::Form form, std::FILE* results, std::FILE* junit);
+               ScriptReport::Form form, bool echo, std::FILE* results, std::FILE* junit);
 
 #endif

@@ -11,6 +11,7 @@
 #include "hxdpanel/report/ChannelChoice.h"
 #include "hxdpanel/report/ChannelReport.h"
 #include "hxdpanel/report/PanelReport.h"
+#include "hxdpanel/script/Echo.h"
 
 #include <algorithm>
 
@@ -46,9 +47,8 @@ std::string List(const std::vector<std::string>& items) {
 
 }  // namespace
 
-Script::Script(Session& session, const ScriptOptions& options, ScriptReport& report,
-               std::FILE* results)
-    : m_session(session), m_options(options), m_report(report), m_results(results) {}
+Script::Script(Session& session, const ScriptOptions& options, ScriptReport& report, Echo* echo)
+    : m_session(session), m_options(options), m_report(report), m_pEcho(echo) {}
 
 bool Script::Run(const std::string& name, std::istream& lines) {
     sim::SimPanel::Instance().HoldClock();
@@ -74,10 +74,10 @@ bool Script::Run(const std::string& name, std::istream& lines) {
 }
 
 void Script::RunLine(const std::string& line) {
-    if (m_options.echo) {
-        std::fprintf(m_results, "%s:%d: %s\n", Visible(m_file).c_str(), m_line,
+    if (m_pEcho != nullptr) {
+        std::fprintf(m_pEcho->Stream(), "%s:%d: %s\n", Visible(m_file).c_str(), m_line,
                      Visible(line).c_str());
-        std::fflush(m_results);
+        m_pEcho->Show();
     }
     std::string rest = line;
     const std::string word = line.substr(0, line.find_first_of(" \t"));
@@ -104,6 +104,8 @@ void Script::RunOther(const std::string& line) {
     if (word == "watch" || word == "record")
         return Fail("wanted a line with an end, got " + word);
     const int exitCode = m_session.Run(line);
+    if (m_pEcho != nullptr)
+        m_pEcho->Show();
     const LineResult& result = m_session.Result();
     if (!result.isKnown && !m_bAllowUnknown)
         return Fail("wanted a command that the driver knows, got " + Visible(line) +

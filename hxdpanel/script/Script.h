@@ -8,19 +8,19 @@
 #include <istream>
 #include <string>
 
+class Echo;
 class Session;
 
 struct ScriptOptions {
     bool keepGoing = false;  // after a failure
-    bool echo = false;       // show each line and what it prints
 };
 
 // Runs scripts one after the other on the same panel. The clock is held: it moves by what the
 // driver and the script wait for.
 class Script {
 public:
-    Script(Session& session, const ScriptOptions& options, ScriptReport& report,
-           std::FILE* results);
+    // echo: for each line and what it prints; null: these are not shown.
+    Script(Session& session, const ScriptOptions& options, ScriptReport& report, Echo* echo);
 
     // name: for messages. False when it ended early, by a failure or an interrupt.
     bool Run(const std::string& name, std::istream& lines);
@@ -51,7 +51,7 @@ private:
     Session& m_session;
     const ScriptOptions m_options;
     ScriptReport& m_report;
-    std::FILE* m_results;
+    Echo* m_pEcho;
 
     std::string m_file;
     int m_line = 0;
