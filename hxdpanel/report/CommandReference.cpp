@@ -68,7 +68,8 @@ const std::vector<Description> DESCRIPTIONS = {
      {},
      {},
      {"REBOOT()"},
-     {"Here it ends the simulated panel, and hxdpanel with it."},
+     {"Here it ends the simulated panel, and hxdpanel with it; restart is the command that comes "
+      "back."},
      LEAVES_NO_FILE},
     {COMMAND_SAVE_SCREEN,
      "save a picture of the screen, or of a part of it",

@@ -67,8 +67,9 @@ TEST(Scripts, StopWhereTheyAreWrongAndSayWhere) {
         {"expect 21 = 40\nFoo()", 1, "stdin:1: wanted 21 Brightness = 40, got 80\n"},
         {"expect 21 = 77 ~ 2", 1, "wanted 21 Brightness = 77 ~ 2, got 80"},
         {"expect 1 = 10", 1, "wanted 1 IP address 1 = 10, got \"192.168.1.20\""},
-        {"expect 1 < 10", 1, "but the value is a text"},
-        {"expect 21 = bright", 1, "bright is no number"},
+        {"expect 1 < 10", 1, "but the value is a text, 192.168.1.20"},
+        {"expect 21 = bright", 1, "21 Brightness = bright, but the value is a number, 80"},
+        {"expect 20 = \"HX", 1, "quote is not closed"},
         {"expect 33 = 1", 1, "stdin:1: wanted 33 = 1, but"},
         {"expect nothing", 1, "usage: expect CHANNEL = VALUE"},
         {"expect 20 = /(/", 1, "no regular expression"},
@@ -107,6 +108,9 @@ TEST(Scripts, ReportEveryFailureToABuildServer) {
     EXPECT_TRUE(Contains(report, "name=\"stdin\" tests=\"3\" failures=\"2\"")) << report;
     EXPECT_TRUE(Contains(report, "got &quot;&lt;&amp;&quot;")) << report;
     EXPECT_EQ(Hxdpanel({"script", "/nowhere"}, "").exitCode, 2);
+    EXPECT_EQ(Hxdpanel({"script", "--tap", "--echo", "-"}, "read 21\nset r 1\nexpect r = 1").out,
+              "TAP version 13\n# stdin:1: read 21\n# 80\n# stdin:2: set r 1\n# r = 1 (int)\n"
+              "# stdin:3: expect r = 1\nok 1 - stdin:3 expect r = 1\n1..1\n");
 }
 
 TEST(Scripts, GoOnAfterAReboot) {
@@ -164,6 +168,8 @@ TEST(HardwareCommands, SayWhatTheyDidAndWhatIsWrong) {
         {"unplug eth7", "", "no interface eth7; it has: eth0 eth1"},
         {"unplug eth0\npanel", "(unplugged)", ""},
         {"unplug eth0\nunplug eth1", "no time server can be reached", ""},
+        {"unplug eth1", "eth1 is gone\nconcerns 8 IP address 2, 9 Netmask 2\n", ""},
+        {"com COM3 50\nread 31", "COM3 is used to 50 %\nconcerns 31 COM3 use\n50\n", ""},
         {"com 5 1", "", "usage: com"},
         {"com 1 101", "", "usage: com"},
         {"brightness 101", "", "usage: brightness"},

@@ -1,5 +1,6 @@
 // The built console program, run as a user or a script runs it. The panel of these tests is the
 // sandbox that they run in, so it keeps what the runs of one case do to it.
+#include "JsonSchema.h"
 #include "TestFiles.h"
 
 #include "common/File.h"
@@ -22,6 +23,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <ctime>
+#include <sstream>
 
 namespace {
 
@@ -58,6 +60,12 @@ Outcome Hxdpanel(const Words& arguments, const QByteArray& input = "") {
 
 bool Contains(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;
+}
+
+const JsonSchema& Schema() {
+    static const JsonSchema schema(
+        nlohmann::json::parse(readFile(HXD_SOURCE_DIR "/docs/json-schema.json")));
+    return schema;
 }
 
 TEST(Hxdpanel, PrintsJsonAndNothingElse) {
@@ -111,12 +119,49 @@ TEST(Hxdpanel, EveryResultHasAnObject) {
         const Outcome run = Hxdpanel(arguments);
         const auto object = nlohmann::json::parse(run.out, nullptr, false);
         ASSERT_TRUE(object.is_object()) << row.kind << ": " << run.out << run.errors;
-        EXPECT_EQ(object["format"], 1);
+        EXPECT_EQ(Schema().Mismatch(object), "") << run.out;
         EXPECT_EQ(object["kind"], row.kind);
         const nlohmann::json::json_pointer member(row.member);
         ASSERT_TRUE(object.contains(member)) << row.member << ": " << run.out;
         EXPECT_EQ(object[member], nlohmann::json::parse(row.holds)) << run.out;
     }
+}
+
+TEST(Hxdpanel, JsonTellsWhatWasSetByHandAndWhatThePanelDid) {
+    const Outcome run =
+        Hxdpanel({"--no-vnc", "--json", "exec", "fail hal_uart_info -5,3", "slow Olma_Beep 1",
+                  "com COM2 50", "brightness none", "clock x60", "clock hold", "clock +1h",
+                  "write 7 5", "write 8 10.9.8.7", "write 3 1", "SAVESCREEN($OLMA_DIR_USR/a.png)",
+                  "ReadSysLog(0,9,a,b)", "read 29", "panel"});
+    std::istringstream lines(run.out);
+    nlohmann::json panel;
+    for (std::string line; std::getline(lines, line);) {
+        panel = nlohmann::json::parse(line, nullptr, false);
+        EXPECT_EQ(Schema().Mismatch(panel), "") << line;
+    }
+    ASSERT_EQ(panel["kind"], "panel") << run.out << run.errors;
+    const struct {
+        const char* member;
+        const char* holds;  // as JSON
+    } members[] = {
+        {"/brightness", "null"},
+        {"/locks", "null"},
+        {"/clock/held", "true"},
+        {"/clock/speed", "0"},
+        {"/memory", R"({"source": "panel", "bytes": null})"},
+        {"/serialPorts/1", R"({"port": 2, "present": true, "percent": 50})"},
+        {"/flash", "null"},
+        {"/kept/1", R"("panel/brightness = none (described as 80)")"},
+        {"/failures/0", R"({"function": "Olma_Beep", "result": null, "slowMs": 1,
+                            "timesLeft": null, "after": 0, "hits": 1})"},
+        {"/events/beeps/0", R"({"frequencyHz": 900, "milliseconds": 5})"},
+        {"/events/interfacesSet/0/address", R"("10.9.8.7")"},
+        {"/failures/1/result", "-5"},
+    };
+    for (const auto& row : members)
+        EXPECT_EQ(panel[nlohmann::json::json_pointer(row.member)], nlohmann::json::parse(row.holds))
+            << row.member << panel;
+    EXPECT_GE(panel["clock"]["aheadMs"], 3599000);
 }
 
 TEST(Hxdpanel, WatchTellsChangesOnly) {
@@ -220,6 +265,16 @@ TEST(Hxdpanel, TellsScriptsAndUsersWhatACommandDid) {
         {{"write", "21", "bright"}, 2, "", "takes a number"},
         {{"write", "33", "1"}, 2, "", "no channel 33"},
         {{"--blob", "0", "channels"}, 2, "", "hexadecimal"},
+        {{"write", "20", "x"}, 1, "status 1 (the channel cannot be written)\n", ""},
+        {{"channels", "1-"}, 2, "", "1- is no range"},
+        {{"exec", " "}, 2, "", "a command is empty"},
+        {{"--over-default", "channels"}, 2, "", "--over-default requires --panel"},
+        {{"script", "--json", "x"}, 2, "", "--tap and --junit instead"},
+        {{"exec", "READ(1)x"}, 2, "status 5", "the driver has no command READ\n"},
+        {{"exec", "write 15 \"a"}, 2, "", "quote is not closed"},
+        {{"exec", "expect 1 = 2"}, 2, "", "expect stands in scripts only"},
+        {{"help", "wait"}, 0, "wait 27 = 4 within 2h\n", ""},
+        {{"help", "fail"}, 0, "\nExample\n  fail hal_uart_info\n", ""},
         {{"--blob", "", "channels"}, 3, "", "bad argument"},
         {{"--driver", "/nowhere.so", "channels"}, 3, "", "/nowhere.so"},
         {{"help", "savescreen"}, 0, "SAVESCREEN(path[,x1[,y1[,x2[,y2]]]])", ""},

@@ -36,10 +36,21 @@ shown=$(run --fresh --driver x.csv channels)
 expect 'no driver: named as the user did' 3 'cannot load the driver: x.csv: ' "$shown"
 shown=$(run --panel bad channels)
 expect 'a mistake in panel.ini' 4 'panel.ini: line 4: neither' "$shown"
+mkdir over && printf '[panel]\nserial=MINE\n' >over/panel.ini
+shown=$(run --panel over --over-default exec 'read serial' 'read 26' 'read 1')
+expect 'a folder over the default panel' 0 $'MINE\n80\n192.168.1.20' "$shown"
+shown=$(run script <(echo 'expect 1 = 2'))
+expect 'a script that is no plain file' 2 'not a plain file' "$shown"
+shown=$(run --fresh exec 'REBOOT()')
+expect 'a reboot' 129 'the command restart comes back' "$shown"
 shown=$(run --root '' channels)
 expect 'an empty path' 2 '--root: needs a path' "$shown"
 shown=$("$hxdpanel" --fresh channels 2>&1 >&-)
 expect 'no standard output' 2 'standard output is closed' "$shown"
+shown=$(run --panel p --json panel)
+expect 'the flash, for programs' 0 '"flash": {"kind":"eMMC","lifeTime":"0x0' "$shown"
+shown=$(run --panel p --root none exec 'brightness none' && run --panel p --root none panel)
+expect 'no brightness control is kept' 0 'panel/brightness = none (described as 80)' "$shown"
 shown=$(run --panel p --root kept write 21 42 && run --panel p --root kept panel)
 expect 'what is kept is shown' 0 'panel/brightness = 40 (described as 80)' "$shown"
 exit "$failures"
