@@ -151,7 +151,7 @@ TEST(Hxdpanel, JsonTellsWhatWasSetByHandAndWhatThePanelDid) {
         {"/memory", R"({"source": "panel", "bytes": null})"},
         {"/serialPorts/1", R"({"port": 2, "present": true, "percent": 50})"},
         {"/flash", "null"},
-        {"/kept/1", R"("panel/brightness = none (described as 80)")"},
+        {"/kept/1", "\"panel/brightness = none (described as 80)\""},
         {"/failures/0", R"({"function": "Olma_Beep", "result": null, "slowMs": 1,
                             "timesLeft": null, "after": 0, "hits": 1})"},
         {"/events/beeps/0", R"({"frequencyHz": 900, "milliseconds": 5})"},

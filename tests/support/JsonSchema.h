@@ -10,15 +10,20 @@
 #include <string>
 
 class JsonSchema {
-public:
-    explicit JsonSchema(const nlohmann::json& schema) : m_schema(schema) {}
-
-    // "" for none.
-    std::string Mismatch(const nlohmann::json& value) const { return Find(m_schema, value, ""); }
-
-private:
     using Json = nlohmann::json;
 
+public:
+    explicit JsonSchema(const Json& schema) : m_schema(schema) {}
+
+    // "" for none. A value's kind says which of the schema's alternatives it is held against.
+    std::string Mismatch(const Json& value) const {
+        const Json rule = {{"$ref", "#/$defs/" + value.value("kind", "")}};
+        const Json& kinds = m_schema["oneOf"];
+        return std::count(kinds.begin(), kinds.end(), rule) == 1 ? Find(rule, value, "")
+                                                                 : "no such kind";
+    }
+
+private:
     static bool IsOfType(const Json& value, const std::string& type) {
         return type == value.type_name() || (type == "integer" && value.is_number_integer());
     }
@@ -76,9 +81,7 @@ private:
                 found = found.empty() ? Find(rule, item, path + "[]") : found;
             return found;
         }
-        return keyword == "$schema" || keyword == "title" || keyword == "$defs"
-                   ? ""
-                   : "unknown keyword " + keyword;
+        return "unknown keyword " + keyword;
     }
 
     std::string Find(const Json& schema, const Json& value, const std::string& path) const {
