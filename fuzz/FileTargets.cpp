@@ -1,0 +1,160 @@
+// Settings files as others leave them, and what a time server sends.
+#include "commands/VncPassword.h"
+#include "common/AppSettings.h"
+#include "common/QtText.h"
+#include "common/SettingsFile.h"
+#include "fuzz/FuzzDevice.h"
+#include "fuzz/Machine.h"
+#include "ntp/NtpThread.h"
+#include "ntp/SntpPacket.h"
+#include "ntp/ntpCfgParam.h"
+
+#include <arpa/inet.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <mutex>
+#include <thread>
+
+namespace {
+
+constexpr const char* APP_SETTINGS = "/usr/olma_app/config/olma_app_conf.ini";
+constexpr const char* TIME_SETTINGS = "/usr/olma_app/config/ntp_param_cfg.ini";
+constexpr const char* PASSWORD = "/etc/iot_cfg/vncConfig.ini";
+
+void Put(const char* path, const std::string& text) {
+    std::ofstream(path, std::ios::binary) << text;
+}
+
+void AppSettingsFile(const QString& value) {
+    hxd::AppSettings settings;
+    QString text;
+    settings.Read(hxd::KEY_BUZZ_DURATION, text);
+    settings.Write(hxd::KEY_BUZZ_DURATION, value);
+    settings.Read(hxd::KEY_BUZZ_DURATION, text);
+    FUZZ_EXPECT(text == value);
+}
+
+void TimeSettingsFile(const QString& value) {
+    ntpCfgParam settings;
+    settings.ReadCfg();
+    settings.servers[0] = value;
+    settings.writeCfg();
+    ntpCfgParam again;
+    again.ReadCfg();
+    FUZZ_EXPECT(again == settings);
+}
+
+void PasswordFile(const QString& value) {
+    ReadVncPwd();
+    CDevBas::writeVncPwd(hxd::ToHost(value));
+    FUZZ_EXPECT(ReadVncPwd() == hxd::ToHost(value));
+}
+
+// Only a loopback socket of its own hears what a worker asks for.
+int ServerSocket() {
+    const int made = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    sockaddr_in own = {};
+    own.sin_family = AF_INET;
+    own.sin_port = htons(sntp::PORT);
+    own.sin_addr.s_addr = ::inet_addr("127.0.0.1");
+    FUZZ_EXPECT(::bind(made, reinterpret_cast<sockaddr*>(&own), sizeof own) == 0);
+    return made;
+}
+
+// Waits for a request, or for the worker to give up.
+bool AwaitRequest(int server, NtpThread& worker, sockaddr_in& client) {
+    std::int32_t seconds = 0;
+    char request[64];
+    socklen_t length = sizeof client;
+    while (::recvfrom(server, request, sizeof request, MSG_DONTWAIT,
+                      reinterpret_cast<sockaddr*>(&client), &length) < 0) {
+        if (worker.Look(seconds) != NtpThread::Outcome::WORKING)
+            return false;
+        std::this_thread::yield();
+    }
+    return true;
+}
+
+// Answers on 127.0.0.1 what it is told to.
+class TimeServer {
+public:
+    TimeServer() { std::thread(&TimeServer::Run, this).detach(); }
+    void Answer(const std::string& answer) {
+        const std::lock_guard<std::mutex> locker(m_lock);
+        m_answer = answer;
+    }
+
+private:
+    void Run() {
+        sockaddr_in client = {};
+        char request[64];
+        for (;;) {
+            socklen_t length = sizeof client;
+            ::recvfrom(m_socket, request, sizeof request, 0, reinterpret_cast<sockaddr*>(&client),
+                       &length);
+            const std::lock_guard<std::mutex> locker(m_lock);
+            ::sendto(m_socket, m_answer.data(), m_answer.size(), 0,
+                     reinterpret_cast<const sockaddr*>(&client), length);
+        }
+    }
+
+    const int m_socket = ServerSocket();
+    std::mutex m_lock;  // guards the answer
+    std::string m_answer;
+};
+
+}  // namespace
+
+// The file as it is found, a value that is written into it, and what is read then.
+void fuzz::Settings(Input& input) {
+    const int choice = input.ConsumeIntegral<std::uint8_t>();
+    const QString value = hxd::FromHost(input.ConsumeRandomLengthString(40).c_str());
+    const std::string text = input.ConsumeRemainingBytesAsString();
+    switch (choice % 3) {
+        case 0:
+            Put(APP_SETTINGS, text);
+            return AppSettingsFile(value);
+        case 1:
+            Put(TIME_SETTINGS, text);
+            return TimeSettingsFile(value);
+        default:
+            Put(PASSWORD, text);
+            return PasswordFile(value);
+    }
+}
+
+// A worker asks, the input answers, and the clock may be set in between.
+void fuzz::TimeAnswers(Input& input) {
+    static const int server = ServerSocket();
+    static NtpThread& worker = *new NtpThread;
+    worker.Start();
+    const int kind = input.ConsumeIntegral<std::uint8_t>();
+    worker.Post(QLatin1String(kind == 0xFE ? "localhost" : kind == 0xFF ? "1.2.3" : "127.0.0.1"),
+                kind % 8 == 7 ? input.ConsumeIntegral<std::int32_t>() : REACH_BOTH);
+    std::int32_t seconds = 0;
+    sockaddr_in client = {};
+    while (AwaitRequest(server, worker, client)) {
+        if (input.ConsumeIntegral<std::uint8_t>() == 1)
+            machine::clockStepSeconds = input.ConsumeIntegral<std::int16_t>();
+        const std::string answer = input.ConsumeRandomLengthString(100);
+        ::sendto(server, answer.data(), answer.size(), 0,
+                 reinterpret_cast<const sockaddr*>(&client), sizeof client);
+    }
+    while (worker.Look(seconds) == NtpThread::Outcome::WORKING)
+        std::this_thread::yield();
+    machine::clockStepSeconds = 0;
+}
+
+// Commands and writes of the time synchronisation, the resolver's file, the ping and the server.
+void fuzz::Time(Input& input) {
+    static TimeServer& server = *new TimeServer;
+    FuzzDevice& fuzz = FuzzDevice::Fresh(input);
+    const bool renamed = input.ConsumeIntegral<std::uint8_t>() == 1;
+    machine::pingAnswers = input.ConsumeIntegral<std::uint8_t>() != 1;
+    ::unlink("/etc/resolv.conf");
+    Put(renamed ? "/etc/resolv.conf.tmp" : "/etc/resolv.conf", input.ConsumeRandomLengthString(200));
+    server.Answer(input.ConsumeRandomLengthString(100));
+    fuzz.RunCommands(input);
+}

@@ -1,0 +1,68 @@
+#include "fuzz/FuzzDevice.h"
+
+#include "SimPanel.h"
+#include "fuzz/Machine.h"
+
+#include <climits>
+#include <vector>
+
+namespace {
+
+void BreakThePlatform(Input& input, sim::PanelState& state) {
+    const auto& names = sim::FailableFunctions();
+    const std::size_t choice = input.ConsumeIntegral<std::uint8_t>();
+    if (choice < names.size())
+        state.failures[names[choice]] = {input.PickValueInArray({-1, -19, 1}), -1, 0, 0, true, 0};
+    if (choice == 0xF0)
+        state.interfaces.clear();
+    if (choice == 0xF1)
+        state.interfaces.resize(5);
+    if (choice == 0xF2)
+        state.uarts[0].counters = {INT_MAX, INT_MIN, -1, INT_MIN};
+    if (choice == 0xF3)
+        std::fill_n(state.interfaces[0].record.name, sizeof state.interfaces[0].record.name, 'n');
+}
+
+}  // namespace
+
+FuzzDevice::FuzzDevice() {
+    const unsigned char blob[] = {0, 0};
+    device.InitDevice(blob, sizeof blob);
+    device.UpdataCommunication(&link);
+}
+
+FuzzDevice& FuzzDevice::Fresh(Input& input) {
+    static FuzzDevice& made = *new FuzzDevice;
+    made.host.ints = {{"i", 1}, {"zero", 0}, {"minus", -1}, {"most", INT_MAX}, {"r", 99}};
+    made.host.doubles = {{"d", 1.5}, {"huge", 1e300}, {"nan", 0.0 / 0.0}};
+    made.host.texts = {{"t", "text"},      {"empty", ""},
+                       {"n", "5"},         {"long", std::string(5000, 'a')},
+                       {"ip", "10.1.2.3"}, {"path", "$OLMA_DIR_USR/a b/x.png"}};
+    made.host.onParameter = made.host.onDelivery = made.link.onCall = [] {};
+    made.host.status = 0;
+    made.link.deviceName.clear();
+    sim::SimPanel::Instance().Change([&](sim::PanelState& state) {
+        state = sim::PanelState();
+        // Drawing one takes longer than all else.
+        state.failures["__gui_screen_capture"] = sim::Failure();
+        BreakThePlatform(input, state);
+    });
+    made.device.DevIOCtrl("EnableNTP(0)");
+    machine::commandsFail = input.ConsumeIntegral<std::uint8_t>() == 0xFF;
+    return made;
+}
+
+int FuzzDevice::Collect() {
+    static const std::vector<int> channels(32, 1);
+    return device.CollectDevData(channels.data(), 32);
+}
+
+void FuzzDevice::Run(const std::string& command) {
+    const int status = device.DevIOCtrl(command.c_str());
+    FUZZ_EXPECT(Collect() == status);
+}
+
+void FuzzDevice::RunCommands(Input& input) {
+    for (int step = 0; step < MOST_STEPS && input.remaining_bytes() > 0; ++step)
+        Run(input.ConsumeRandomLengthString());
+}

@@ -1,0 +1,31 @@
+// The device of the targets that go through one, and its host.
+#ifndef HXD_FUZZ_FUZZDEVICE_H
+#define HXD_FUZZ_FUZZDEVICE_H
+
+#include "FakeHost.h"
+#include "FakeLink.h"
+#include "driver/CDevCtrl.h"
+#include "fuzz/Fuzz.h"
+
+// Made once; each input finds the same variables and a platform that works, or, by a number of the
+// input's, one of whose functions fails.
+class FuzzDevice {
+public:
+    static FuzzDevice& Fresh(Input& input);
+
+    static constexpr int MOST_STEPS = 8;  // of one input
+
+    int Collect();
+    // A command, and a collection that has to answer the same.
+    void Run(const std::string& command);
+    void RunCommands(Input& input);
+
+    FakeHost host;
+    FakeLink link;
+    CDevCtrl device{"fuzz", &host};
+
+private:
+    FuzzDevice();
+};
+
+#endif

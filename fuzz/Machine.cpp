@@ -1,0 +1,208 @@
+// These definitions come before those of the C library, of Qt and of the stand-ins. A command that the
+// driver does not build like this is a fault: so nothing from outside reaches a shell unquoted.
+#include "fuzz/Machine.h"
+
+#include "SimPanel.h"
+#include "fuzz/Fuzz.h"
+#include "hxdpanel/sandbox/GuardedCalls.h"
+#include "olma_host.h"
+
+#include <errno.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/mman.h>
+#include <sys/reboot.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+#include <QProcess>
+
+#include <cctype>
+#include <chrono>
+#include <condition_variable>
+#include <cstdio>
+#include <cstring>
+#include <ctime>
+#include <fstream>
+#include <mutex>
+#include <thread>
+
+#define HXD_EXPORT __attribute__((visibility("default")))
+
+std::string machine::kernelLog;
+std::atomic<bool> machine::commandsFail{false};
+std::atomic<bool> machine::pingAnswers{true};
+std::atomic<int> machine::clockStepSeconds{0};
+
+namespace {
+
+constexpr long SPEED = 1000;
+std::atomic<bool> g_rebooted{false};
+
+timespec Shortened(long long nanoseconds) {
+    const long long left = nanoseconds / SPEED;
+    return {static_cast<time_t>(left / 1000000000), static_cast<long>(left % 1000000000)};
+}
+
+const std::thread::id g_driving = std::this_thread::get_id();
+std::mutex g_tickLock;
+std::condition_variable g_tick;
+
+// What a shell would make of the word; one that it would not take as it stands ends the program.
+std::string Unquoted(const std::string& word) {
+    std::string text;
+    bool quoted = false;
+    for (std::size_t i = 0; i < word.size(); ++i) {
+        const char c = word[i];
+        const bool escaped = !quoted && c == '\\' && word.compare(i + 1, 1, "'") == 0;
+        if (c == '\'')
+            quoted = !quoted;
+        else if (escaped)
+            text += word[++i];
+        else if (quoted || std::isalnum(static_cast<unsigned char>(c)) != 0 ||
+                 std::strchr("._/-", c) != nullptr)
+            text += c;
+        else
+            std::abort();
+    }
+    FUZZ_EXPECT(!quoted);
+    return text;
+}
+
+void MakeFolders(const std::string& path) {
+    for (std::size_t end = path.find('/', 1); end != std::string::npos;
+         end = path.find('/', end + 1))
+        ::mkdir(path.substr(0, end).c_str(), 0755);
+    ::mkdir(path.c_str(), 0755);
+}
+
+bool Begins(const std::string& text, const std::string& beginning) {
+    return text.compare(0, beginning.size(), beginning) == 0;
+}
+
+}  // namespace
+
+extern "C" {
+
+HXD_EXPORT int system(const char* command) {
+    const std::string text = command;
+    const std::string makeFolders = "mkdir -p ";
+    const bool known = Begins(text, makeFolders) || text == "dmesg > /tmp/dmesg.log" ||
+                       text == "rm /tmp/dmesg.log" || Begins(text, "date -s \"");
+    FUZZ_EXPECT(known);
+    const std::string folder =
+        Begins(text, makeFolders) ? Unquoted(text.substr(makeFolders.size())) : "";
+    if (machine::commandsFail)
+        return 256;
+    if (!folder.empty())
+        MakeFolders(folder);
+    else if (text[1] == 'm')
+        std::ofstream("/tmp/dmesg.log", std::ios::binary) << machine::kernelLog;
+    else if (text[0] == 'r')
+        ::unlink("/tmp/dmesg.log");
+    return 0;
+}
+
+// Prints the paths where SystemFiles() has put the attributes.
+HXD_EXPORT FILE* popen(const char* command, const char*) {
+    const std::string text = command;
+    const std::string find = "find /sys/devices/platform -name ";
+    FUZZ_EXPECT(Begins(text, find) || Begins(text, "mount -t debugfs ") ||
+                Begins(text, "umount -l "));
+    if (machine::commandsFail)
+        return nullptr;
+    const int output = ::memfd_create("output", MFD_CLOEXEC);
+    const std::string path = "/sys/devices/platform/" + text.substr(std::min(text.size(), find.size()));
+    if (Begins(text, find) && ::access(path.c_str(), F_OK) == 0)
+        FUZZ_EXPECT(::write(output, (path + "\n").c_str(), path.size() + 1) > 0);
+    ::lseek(output, 0, SEEK_SET);
+    return ::fdopen(output, "r");
+}
+HXD_EXPORT int pclose(FILE* pipe) {
+    return std::fclose(pipe);
+}
+HXD_EXPORT int posix_spawnp(pid_t*, const char*, const posix_spawn_file_actions_t*,
+                            const posix_spawnattr_t*, char* const*, char* const*) {
+    return EAGAIN;
+}
+
+HXD_EXPORT int reboot(int) noexcept {
+    g_rebooted = true;
+    errno = EPERM;
+    return -1;
+}
+HXD_EXPORT void sync() noexcept {}
+HXD_EXPORT int fsync(int) {
+    return 0;
+}
+
+HXD_EXPORT int poll(pollfd* watched, nfds_t count, int timeoutMs) {
+    const timespec timeout = Shortened(timeoutMs * 1000000LL);
+    return ::ppoll(watched, count, timeoutMs < 0 ? nullptr : &timeout, nullptr);
+}
+HXD_EXPORT int nanosleep(const timespec* time, timespec*) {
+    const timespec shortened = Shortened(time->tv_sec * 1000000000LL + time->tv_nsec);
+    return static_cast<int>(::syscall(SYS_nanosleep, &shortened, nullptr));
+}
+HXD_EXPORT int usleep(useconds_t microseconds) {
+    const timespec time = {static_cast<time_t>(microseconds / 1000000),
+                           static_cast<long>(microseconds % 1000000 * 1000)};
+    return ::nanosleep(&time, nullptr);
+}
+
+// Workers rest until the thread that drives the device sleeps, which is to wait for them.
+HXD_EXPORT void Olma_Sleep(unsigned int) {
+    if (std::this_thread::get_id() == g_driving) {
+        g_tick.notify_all();
+        return std::this_thread::yield();
+    }
+    std::unique_lock<std::mutex> lock(g_tickLock);
+    g_tick.wait_for(lock, std::chrono::microseconds(200));
+}
+
+HXD_EXPORT int gettimeofday(timeval* now, void*) noexcept {
+    timespec time = {};
+    ::clock_gettime(CLOCK_REALTIME, &time);
+    *now = {time.tv_sec + machine::clockStepSeconds, time.tv_nsec / 1000};
+    return 0;
+}
+
+}  // extern "C"
+
+// The driver's only QProcess is the ping.
+HXD_EXPORT void QProcess::start(const QString&, const QStringList&, OpenMode) {}
+HXD_EXPORT bool QProcess::waitForFinished(int) {
+    return true;
+}
+HXD_EXPORT QProcess::ProcessState QProcess::state() const {
+    return QProcess::NotRunning;
+}
+HXD_EXPORT QProcess::ExitStatus QProcess::exitStatus() const {
+    return QProcess::NormalExit;
+}
+HXD_EXPORT int QProcess::exitCode() const {
+    return machine::pingAnswers ? 0 : 1;
+}
+
+// Does not wait for what happens every so often, as scripts do that let days pass.
+HXD_EXPORT void sim::SimClock::Pass(long long milliseconds) {
+    Advance(milliseconds);
+}
+
+// In the place of hxdpanel's, which hands on what it finds harmless.
+namespace guard {
+
+void Enable() {}
+bool Enabled() {
+    return false;
+}
+std::vector<std::string> Calls() {
+    return {};
+}
+void ForgetCalls() {}
+void HoldReboots() {}
+bool TakeReboot() {
+    return g_rebooted.exchange(false);
+}
+
+}  // namespace guard
