@@ -18,7 +18,8 @@ void Put(const std::string& path, const std::string& text) {
     std::ofstream(path, std::ios::binary) << text;
 }
 
-int WriteChannel(FuzzDevice& fuzz, Input& input) {
+// What is refused before it is a command leaves the last status as it was.
+void WriteChannel(FuzzDevice& fuzz, Input& input, int& status) {
     int channel = input.ConsumeIntegralInRange(-1, 33);
     if (channel == 33)
         channel = input.ConsumeIntegral<int>();
@@ -27,7 +28,9 @@ int WriteChannel(FuzzDevice& fuzz, Input& input) {
     double number = integer / 4.0;
     std::string text = input.ConsumeRandomLengthString(300);
     void* const values[] = {&integer, &integer, &number, &text[0], nullptr};
-    return fuzz.device.WriteChannel(channel, static_cast<DATATYPE>(type), values[type]);
+    const int result = fuzz.device.WriteChannel(channel, static_cast<DATATYPE>(type), values[type]);
+    if (channel >= 0 && values[type] != nullptr)
+        status = result;
 }
 
 // What may lie where a log is expected.
@@ -90,22 +93,25 @@ void fuzz::Commands(Input& input) {
     FuzzDevice::Fresh(input).RunCommands(input);
 }
 
+// One collection for all of them: each makes it read everything anew.
 void fuzz::Writes(Input& input) {
     FuzzDevice& fuzz = FuzzDevice::Fresh(input);
+    int status = 0;
     for (int step = 0; step < FuzzDevice::MOST_STEPS && input.remaining_bytes() > 0; ++step) {
-        if (!input.ConsumeBool()) {
-            fuzz.Run("OLMA_WRITE(" + input.ConsumeRandomLengthString(300) + ")");
-        } else {
-            WriteChannel(fuzz, input);
-        }
+        const bool asText = !input.ConsumeBool();
+        if (asText)
+            status = fuzz.device.DevIOCtrl(
+                ("OLMA_WRITE(" + input.ConsumeRandomLengthString(300) + ")").c_str());
+        else
+            WriteChannel(fuzz, input, status);
     }
-    fuzz.Collect();
+    FUZZ_EXPECT(fuzz.Collect() == status);
 }
 
 void fuzz::Logs(Input& input) {
     FuzzDevice& fuzz = FuzzDevice::Fresh(input);
-    for (const char* path : {"/storage/log/restart.log", "/storage/log/dmesg.log",
-                             "/storage/log/signal_recieved.log"})
+    for (const char* path :
+         {"/storage/log/restart.log", "/storage/log/dmesg.log", "/storage/log/signal_recieved.log"})
         PutLog(path, input);
     machine::kernelLog = input.ConsumeRandomLengthString();
     fuzz.RunCommands(input);

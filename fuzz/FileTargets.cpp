@@ -131,7 +131,9 @@ void fuzz::TimeAnswers(Input& input) {
     static NtpThread& worker = *new NtpThread;
     worker.Start();
     const int kind = input.ConsumeIntegral<std::uint8_t>();
-    worker.Post(QLatin1String(kind == 0xFE ? "localhost" : kind == 0xFF ? "1.2.3" : "127.0.0.1"),
+    worker.Post(QLatin1String(kind == 0xFE   ? "localhost"
+                              : kind == 0xFF ? "1.2.3"
+                                             : "127.0.0.1"),
                 kind % 8 == 7 ? input.ConsumeIntegral<std::int32_t>() : REACH_BOTH);
     std::int32_t seconds = 0;
     sockaddr_in client = {};
@@ -154,7 +156,8 @@ void fuzz::Time(Input& input) {
     const bool renamed = input.ConsumeIntegral<std::uint8_t>() == 1;
     machine::pingAnswers = input.ConsumeIntegral<std::uint8_t>() != 1;
     ::unlink("/etc/resolv.conf");
-    Put(renamed ? "/etc/resolv.conf.tmp" : "/etc/resolv.conf", input.ConsumeRandomLengthString(200));
+    Put(renamed ? "/etc/resolv.conf.tmp" : "/etc/resolv.conf",
+        input.ConsumeRandomLengthString(200));
     server.Answer(input.ConsumeRandomLengthString(100));
     fuzz.RunCommands(input);
 }

@@ -1,6 +1,6 @@
 // The fuzzing targets: one for each kind of input that reaches the driver or the console from
-// outside, chosen by --target=NAME. An input is text first, pieces ended by a backslash and any other
-// character, so that seeds can be written by hand; numbers are taken from its end.
+// outside, chosen by --target=NAME. An input is text first, pieces ended by a backslash and any
+// other character, so that seeds can be written by hand; numbers are taken from its end.
 #ifndef HXD_FUZZ_FUZZ_H
 #define HXD_FUZZ_FUZZ_H
 

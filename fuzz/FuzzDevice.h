@@ -13,7 +13,7 @@ class FuzzDevice {
 public:
     static FuzzDevice& Fresh(Input& input);
 
-    static constexpr int MOST_STEPS = 8;  // of one input
+    static constexpr int MOST_STEPS = 4;  // of one input
 
     int Collect();
     // A command, and a collection that has to answer the same.

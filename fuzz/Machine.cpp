@@ -1,5 +1,5 @@
-// These definitions come before those of the C library, of Qt and of the stand-ins. A command that the
-// driver does not build like this is a fault: so nothing from outside reaches a shell unquoted.
+// These definitions come before those of the C library, of Qt and of the stand-ins. A command that
+// the driver does not build like this is a fault: so nothing from outside reaches a shell unquoted.
 #include "fuzz/Machine.h"
 
 #include "SimPanel.h"
@@ -36,7 +36,7 @@ std::atomic<int> machine::clockStepSeconds{0};
 
 namespace {
 
-constexpr long SPEED = 1000;
+constexpr long SPEED = 250;
 std::atomic<bool> g_rebooted{false};
 
 timespec Shortened(long long nanoseconds) {
@@ -112,7 +112,8 @@ HXD_EXPORT FILE* popen(const char* command, const char*) {
     if (machine::commandsFail)
         return nullptr;
     const int output = ::memfd_create("output", MFD_CLOEXEC);
-    const std::string path = "/sys/devices/platform/" + text.substr(std::min(text.size(), find.size()));
+    const std::string path =
+        "/sys/devices/platform/" + text.substr(std::min(text.size(), find.size()));
     if (Begins(text, find) && ::access(path.c_str(), F_OK) == 0)
         FUZZ_EXPECT(::write(output, (path + "\n").c_str(), path.size() + 1) > 0);
     ::lseek(output, 0, SEEK_SET);

@@ -1,5 +1,5 @@
-// The machine below the driver as fuzzing has it: no process is started, nothing is flushed to a disk,
-// and real time passes a thousand times as fast where somebody waits for it.
+// The machine below the driver as fuzzing has it: no process is started, nothing is flushed to a
+// disk, and who waits for something waits a short time.
 #ifndef HXD_FUZZ_MACHINE_H
 #define HXD_FUZZ_MACHINE_H
 

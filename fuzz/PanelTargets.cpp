@@ -1,4 +1,5 @@
 // What the user of the console types, and his scripts.
+#include "SimPanel.h"
 #include "fuzz/Fuzz.h"
 #include "fuzz/Machine.h"
 #include "hxdpanel/Options.h"
@@ -11,7 +12,6 @@
 #include "hxdpanel/report/ChannelChoice.h"
 #include "hxdpanel/report/CommandHints.h"
 #include "hxdpanel/script/Script.h"
-#include "SimPanel.h"
 
 #include <memory>
 #include <sstream>
@@ -33,10 +33,11 @@ struct ScriptPanel {
     DriverOutput output;
     Device device;
     HardwareMemory memory{"/root/panel-hardware.ini"};
-    HardwareCommands hardware{PanelRestart(files, memory, [this] {
-                                  device.Restart();
-                                  return device.InitStatus() == HOST_OK;
-                              }),
+    HardwareCommands hardware{PanelRestart(files, memory,
+                                           [this] {
+                                               device.Restart();
+                                               return device.InitStatus() == HOST_OK;
+                                           }),
                               {}};
 };
 
@@ -81,7 +82,8 @@ void fuzz::Expectations(Input& input) {
 void fuzz::CommandLine(Input& input) {
     std::vector<std::string> words = {"hxdpanel"};
     while (input.remaining_bytes() > 0)
-        words.push_back(input.ConsumeRandomLengthString(200).c_str());  // without zeros, as they come
+        words.push_back(
+            input.ConsumeRandomLengthString(200).c_str());  // without zeros, as they come
     std::vector<const char*> arguments;
     for (const std::string& word : words)
         arguments.push_back(word.c_str());

@@ -145,7 +145,8 @@ Json CommandJson(const CommandInfo& command) {
              {"type", KindName(argument.kind)},
              {"optional", argument.optional},
              {"meaning", argument.meaning}});
-    Json statuses = {JsonStatus(0, "done")};
+    Json statuses =
+        Json::array({JsonStatus(0, "done")});  // braces alone: an array to one compiler only
     for (const CommandStatus& code : command.codes)
         statuses.push_back(JsonStatus(code.status, code.meaning));
     return {{"name", command.name},       {"usage", CommandSignature(command)},
