@@ -1,6 +1,6 @@
 #include "driver/Operation.h"
 
-#include "driver/CDevCtrl.h"
+#include "host.h"
 
 #include <pthread.h>
 #include <algorithm>
@@ -19,7 +19,7 @@ int SwitchCancellation(int state) {
 
 namespace hxd {
 
-Operation::Operation(CDevCtrl& device)
+Operation::Operation(IDeviceCtrl& device)
     : m_device(device),
       m_pOuter(t_pInnermost),
       m_nCancelState(SwitchCancellation(PTHREAD_CANCEL_DISABLE)) {
@@ -35,7 +35,7 @@ Operation::~Operation() {
     SwitchCancellation(m_nCancelState);
 }
 
-Operation* Operation::Outermost(const CDevCtrl& device) {
+Operation* Operation::Outermost(const IDeviceCtrl& device) {
     Operation* found = nullptr;
     for (Operation* inner = t_pInnermost; inner != nullptr; inner = inner->m_pOuter) {
         if (&inner->m_device == &device)
@@ -44,14 +44,14 @@ Operation* Operation::Outermost(const CDevCtrl& device) {
     return found;
 }
 
-bool Operation::Postpone(const CDevCtrl& device, Release release) {
+bool Operation::Postpone(const IDeviceCtrl& device, Release release) {
     Operation* const outermost = Outermost(device);
     if (outermost != nullptr)
         outermost->m_eRelease = std::max(outermost->m_eRelease, release);
     return outermost != nullptr;
 }
 
-bool Operation::IsPostponed(const CDevCtrl& device) {
+bool Operation::IsPostponed(const IDeviceCtrl& device) {
     const Operation* const outermost = Outermost(device);
     return outermost != nullptr && outermost->m_eRelease != NONE;
 }

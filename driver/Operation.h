@@ -2,7 +2,7 @@
 #ifndef HXD_OPERATION_H
 #define HXD_OPERATION_H
 
-class CDevCtrl;
+class IDeviceCtrl;
 
 namespace hxd {
 
@@ -15,21 +15,21 @@ class Operation {
 public:
     enum Release { NONE, CLEANUP, DESTROY };
 
-    explicit Operation(CDevCtrl& device);
+    explicit Operation(IDeviceCtrl& device);
     Operation(const Operation&) = delete;
     Operation& operator=(const Operation&) = delete;
     ~Operation();
 
     // True when this thread is inside an operation of the device, which then does it at its end.
-    static bool Postpone(const CDevCtrl& device, Release release);
+    static bool Postpone(const IDeviceCtrl& device, Release release);
     // True when the device will be released at the end of what this thread is inside of.
-    static bool IsPostponed(const CDevCtrl& device);
+    static bool IsPostponed(const IDeviceCtrl& device);
 
 private:
     friend class HostTurn;
-    static Operation* Outermost(const CDevCtrl& device);
+    static Operation* Outermost(const IDeviceCtrl& device);
 
-    CDevCtrl& m_device;
+    IDeviceCtrl& m_device;
     Operation* const m_pOuter;  // of any device, of the same thread
     int m_nCancelState;         // the host's
     Release m_eRelease = NONE;
