@@ -47,9 +47,9 @@ void TimeSettingsFile(const QString& value) {
 }
 
 void PasswordFile(const QString& value) {
-    ReadVncPwd();
+    CDevBas::ReadVncPwd();
     CDevBas::writeVncPwd(hxd::ToHost(value));
-    FUZZ_EXPECT(ReadVncPwd() == hxd::ToHost(value));
+    FUZZ_EXPECT(CDevBas::ReadVncPwd() == hxd::ToHost(value));
 }
 
 // Only a loopback socket of its own hears what a worker asks for.

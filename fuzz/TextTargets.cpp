@@ -35,9 +35,7 @@ std::string Rest(Input& input) {
 }
 
 void TextsOfCommands(const std::string& text, int choice) {
-    CString name;
-    CString args;
-    dispatcher::SplitCommand(HostText(text), name, args);
+    olma_device::SplitCommand(HostText(text));
     const CommandRow& row = CommandOf(static_cast<Command>(choice % COMMAND_COUNT));
     OLMA_DATA record{};
     const Call call(record, row, HostText(text));
@@ -55,14 +53,13 @@ void Numbers(const std::string& text, int choice) {
     CDevServer::cstringToNumeric(HostText(text), formats[choice % 9], &number);
     CDevServer::SvrStr2Double(HostText(text), choice);
     CDevServer::SvrStr2Double(HostText(text), static_cast<int>(text.size()));
-    refresh::ParseSwitch(QString::fromLatin1(text.c_str()), number);
+    CDevBas::ParseSwitch(QString::fromLatin1(text.c_str()));
 }
 
 void PathsAndAddresses(const std::string& text) {
-    panel_actions::ScreenshotTarget target;
-    if (panel_actions::ParseScreenshotPath(text, target))
-        FUZZ_EXPECT(("/" + target.subDirectory).find("/../") == std::string::npos &&
-                    target.fileName != "..");
+    if (const auto target = panel_actions::ParseScreenshotPath(text))
+        FUZZ_EXPECT(("/" + target->subDirectory).find("/../") == std::string::npos &&
+                    target->fileName != "..");
     panel_actions::ShellWord(text);
     CDevBas::IsAvailableIPAddr(text.c_str());
     CDevBas::IsAvailableMaskAddr(text.c_str());
@@ -139,8 +136,7 @@ void fuzz::ProcFiles(Input& input) {
     const cpu_occupy_ sample = cpu::ParseSample(cpu::SplitAtBlanks(text));
     cpu::BusyHundredths(static_cast<double>(cpu::IdleJiffies(sample)) /
                         static_cast<double>(cpu::TotalJiffies(sample)));
-    int availableKb = 0;
-    meminfo::ParseAvailable(text, availableKb);
+    meminfo::ParseAvailable(text);
     const QString all = QString::fromLatin1(text.data(), static_cast<int>(text.size()));
     const QVector<QString> lines = all.split(QLatin1Char('\n')).toVector();
     const long long sectors = wear::SectorsWritten(lines);

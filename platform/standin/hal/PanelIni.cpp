@@ -162,7 +162,7 @@ const Key<PanelState> PANEL_KEYS[] = {
      }},
     {"brightness", "0 to 100, or none (-19) for no brightness control",
      [](const std::string& text, PanelState& state) {
-         const bool isNone = text == "none" || text == "-19";
+         const bool isNone = text == "none" || text == std::to_string(HAL_NO_SUCH_DEVICE);
          long long percent = HAL_NO_SUCH_DEVICE;
          if (!isNone && !TakeInteger(text, 0, 100, percent))
              return false;
