@@ -11,6 +11,7 @@
 #include "hxdpanel/panel/HardwareMemory.h"
 #include "hxdpanel/report/ChannelChoice.h"
 #include "hxdpanel/report/CommandHints.h"
+#include "hxdpanel/script/Echo.h"
 #include "hxdpanel/script/Script.h"
 
 #include <memory>
@@ -102,13 +103,14 @@ void fuzz::Scripts(Input& input) {
                     nullptr, panel.files);
     static std::FILE* const nowhere = std::fopen("/dev/null", "w");
     ScriptReport report(nowhere, asJson ? ScriptReport::TAP : ScriptReport::SUMMARY);
-    session.BeScript(echo);
+    Echo shown(nowhere, asJson ? "# " : "");
+    session.BeScript(echo ? shown.Stream() : nullptr);
     if (asJson)
         session.UseJson(JsonLayout::LINE);
     const std::string text = input.ConsumeRemainingBytesAsString();
     session.Completions(text.substr(0, text.find('\n')));
     std::istringstream lines(text);
-    Script script(session, {true, echo}, report, nowhere);
+    Script script(session, {true}, report, echo ? &shown : nullptr);
     script.Run("input", lines);
     report.PrintJunit(nowhere);
     sim::SimPanel::Instance().Reset();
