@@ -275,7 +275,7 @@ Words EmmcCounters() {
     std::string text;
     panelfile::Read(DISKSTATS, text);
     for (const std::string& line : SplitLines(text)) {
-        const Words words = SplitWords(line);
+        Words words = SplitWords(line);
         if (IsEmmc(words))
             return words;
     }
