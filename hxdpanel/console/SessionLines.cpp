@@ -92,7 +92,6 @@ std::vector<std::string> Session::AllNames() {
 }
 
 std::string Session::NoMeaning(const std::string& line) {
-    CommandText parsed;
     if (line.find('(') != std::string::npos)
         return "A parenthesis is missing or comes too early; the driver does nothing for such a "
                "command: " +
@@ -100,7 +99,8 @@ std::string Session::NoMeaning(const std::string& line) {
     const std::string word = Split(line).first;
     for (const ConsoleTopic& topic : ScriptLines()) {
         if (word == topic.name)
-            return word + " stands in scripts only; see help " + word;
+            return std::string(topic.name).append(" stands in scripts only; see help ") +
+                   topic.name;
     }
     const CommandInfo* const command = FindCommand(word);
     if (command != nullptr)
