@@ -1,6 +1,7 @@
 #include "common/SettingsFile.h"
 
 #include "common/File.h"
+#include "common/Mutex.h"
 #include "common/Retry.h"
 #include "common/ScratchFolder.h"
 
@@ -86,7 +87,8 @@ struct FileView {
         if (::fstat(file.Descriptor(), &status) != 0 || !S_ISREG(status.st_mode) ||
             status.st_size > MAX_BYTES)
             return false;
-        content = file.readAll();
+        content.resize(static_cast<std::size_t>(status.st_size));
+        content.resize(file.Read(&content[0], content.size()));
         return file.LastError() == 0;
     }
 };
@@ -136,6 +138,67 @@ bool Parse(const std::string& content, const char* codec, SettingsValues& values
     for (int i = 0; i < keys.size(); ++i)
         values[keys.at(i)] = settings.value(keys.at(i));
     return true;
+}
+
+}  // namespace
+
+struct ParsedSettings {
+    std::string content;
+    std::string codec;
+    SettingsValues values;
+};
+
+namespace {
+
+using Parsed = std::shared_ptr<const ParsedSettings>;
+
+std::string CodecName(const char* codec) {
+    return codec != nullptr ? codec : "";
+}
+
+// The last texts and what is in them, for all threads: every reading of the panel asks for the same
+// two files, and parsing costs ten times what reading does.
+class ParsedTexts {
+public:
+    Parsed Find(const std::string& content, const char* codec) {
+        const MutexLock guard(m_mutex);
+        for (const Parsed& known : m_known) {
+            if (known != nullptr && known->content == content && known->codec == CodecName(codec))
+                return known;
+        }
+        return nullptr;
+    }
+
+    void Keep(const Parsed& parsed) {
+        if (parsed->content.size() > KEPT_BYTES)
+            return;
+        const MutexLock guard(m_mutex);
+        m_known[m_nOldest] = parsed;
+        m_nOldest = (m_nOldest + 1) % KEPT_TEXTS;
+    }
+
+private:
+    static constexpr std::size_t KEPT_TEXTS = 4;
+    static constexpr std::size_t KEPT_BYTES = 64 << 10;  // of each
+
+    Mutex m_mutex;
+    Parsed m_known[KEPT_TEXTS] HXD_GUARDED_BY(m_mutex);
+    std::size_t m_nOldest HXD_GUARDED_BY(m_mutex) = 0;
+};
+
+// Null when it cannot be parsed.
+Parsed ParseOnce(const std::string& content, const char* codec) {
+    static ParsedTexts texts;
+    Parsed known = texts.Find(content, codec);
+    if (known != nullptr)
+        return known;
+    const auto parsed = std::make_shared<ParsedSettings>();
+    if (!Parse(content, codec, parsed->values))
+        return nullptr;
+    parsed->content = content;
+    parsed->codec = CodecName(codec);
+    texts.Keep(parsed);
+    return parsed;
 }
 
 // QSettings writes a few odd keys, an encoded word in a line of its own for example, in a way in
@@ -246,16 +309,15 @@ void SettingsFile::Load() {
     FileView file;
     if (!file.Read(QFile::encodeName(m_strFile).constData(), O_RDONLY))
         file.content.clear();
-    if (file.content == m_content)
-        return;
-    m_content.clear();
-    if (Parse(file.content, m_pCodec, m_values))
-        m_content.swap(file.content);
+    if (m_pParsed == nullptr || m_pParsed->content != file.content)
+        m_pParsed = file.content.empty() ? nullptr : ParseOnce(file.content, m_pCodec);
 }
 
 QString SettingsFile::Value(const QString& key, const QString& defaultValue) const {
-    const auto found = m_values.find(key);
-    return found != m_values.end() ? found->second.toString() : defaultValue;
+    if (m_pParsed == nullptr)
+        return defaultValue;
+    const auto found = m_pParsed->values.find(key);
+    return found != m_pParsed->values.end() ? found->second.toString() : defaultValue;
 }
 
 bool SettingsFile::Store(const SettingsValues& changes) {

@@ -7,6 +7,7 @@
 #include <QVariant>
 
 #include <map>
+#include <memory>
 #include <string>
 
 namespace hxd {
@@ -15,6 +16,8 @@ constexpr const char* CODEC_UTF8 = "UTF-8";
 
 // By key path, "SECTION/key".
 using SettingsValues = std::map<QString, QVariant>;
+
+struct ParsedSettings;
 
 // QSettings remembers every file by path, size and time, also what a full disk refused, and writes
 // in place with Qt 4. So it never gets to see the shared file: it works on copies under names that
@@ -27,7 +30,8 @@ public:
     SettingsFile(const QString& path, const char* codec);
 
     // Takes over what the file holds now; nothing if it is missing, unreadable, larger than 4 MiB
-    // or no regular file. Parses only what has changed since the last call.
+    // or no regular file. The file is read every time, byte for byte; QSettings parses it only when
+    // these bytes are not among the last few texts that the process has parsed.
     void Load();
 
     // As of the last Load(); the default for a key that is not there.
@@ -45,8 +49,7 @@ public:
 private:
     QString m_strFile;
     const char* m_pCodec;
-    std::string m_content;  // what m_values was made of
-    SettingsValues m_values;
+    std::shared_ptr<const ParsedSettings> m_pParsed;  // null: nothing
 };
 
 }  // namespace hxd

@@ -8,6 +8,7 @@
 #include "common/FileLock.h"
 #include "common/IniOperator.h"
 #include "common/ScratchFolder.h"
+#include "common/SettingsFile.h"
 
 #include <gtest/gtest.h>
 
@@ -328,6 +329,24 @@ TEST_F(Settings, AreReadWithDefaultsAndRefuseEmptyNames) {
     Write(OWN_KEY[0], text);
     EXPECT_EQ(Read(OWN_KEY[0]), text);
     EXPECT_NE(readFile(FILE_NAME).find("[DEVICE]"), std::string::npos);
+}
+
+// The same bytes mean something else in another codec, and a text that was there before is read
+// as it was.
+TEST_F(Settings, OfTheSameBytesFollowTheirCodecAndWhatTheFileHoldsNow) {
+    const char* const texts[] = {"[DEVICE]\nname=\"\xc3\xa9\"\n", "[DEVICE]\nname=other\n"};
+    for (int round = 0; round < 3; ++round) {
+        for (const char* text : texts) {
+            writeFile(FILE_NAME, text);
+            hxd::SettingsFile utf8(INI, hxd::CODEC_UTF8), escaped(INI, nullptr);
+            utf8.Load();
+            escaped.Load();
+            const bool accented = text == texts[0];
+            const QString key = QLatin1String("DEVICE/name");
+            EXPECT_EQ(utf8.Value(key).size(), accented ? 1 : 5);
+            EXPECT_EQ(escaped.Value(key).size(), accented ? 2 : 5);
+        }
+    }
 }
 
 TEST_F(Settings, LieInThePanelsFolderWhereTheHostNamesNone) {
