@@ -17,8 +17,7 @@ bool DiskCommon::readFileOfLine(const QString& path, QVector<QString>& lines) {
     const std::string content = file.readAll();
     for (std::size_t start = 0; start < content.size();) {
         const std::size_t end = std::min(content.find('\n', start), content.size());
-        const QString line = hxd::FromHost(&content[start], static_cast<int>(end - start));
-        lines.append(line.trimmed());
+        lines.append(hxd::FromHost(&content[start], static_cast<int>(end - start)).trimmed());
         start = end + 1;
     }
     return true;

@@ -9,6 +9,9 @@ class StringCommon {
 public:
     // Empties out and appends the words of text between runs of white space.
     static void splitString(const QString& text, QVector<QString>& out);
+
+    // The word with that index, from 0; empty when the text has fewer.
+    static QString wordAt(const QString& text, int index);
 };
 
 #endif

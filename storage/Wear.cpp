@@ -86,6 +86,8 @@ long long wear::SectorsWritten(const QVector<QString>& diskstats) {
     long long partition = 0;
     QVector<QString> words;
     for (const QString& line : diskstats) {
+        if (!line.contains(QLatin1String("mmcblk0")))
+            continue;  // most lines are other devices'
         StringCommon::splitString(line, words);
         if (words.size() <= SECTORS_WRITTEN)
             continue;
@@ -116,13 +118,10 @@ int wear::LifeFromPreEol(const QString& line) {
 }
 
 long long wear::EraseSum(const QVector<QString>& table) {
+    constexpr int ERASE_COUNTER = 1;
     long long sum = 0;
-    QVector<QString> words;
-    for (int i = 1; i < table.size(); ++i) {
-        StringCommon::splitString(table.at(i), words);
-        if (words.size() >= 2)
-            sum = Sum(sum, words.at(1).toLongLong());
-    }
+    for (int i = 1; i < table.size(); ++i)  // thousands of blocks; 0 for a line without a counter
+        sum = Sum(sum, StringCommon::wordAt(table.at(i), ERASE_COUNTER).toLongLong());
     return sum;
 }
 

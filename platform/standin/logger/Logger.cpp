@@ -23,14 +23,17 @@ const char* OrEmpty(const char* text) {
 
 __attribute__((format(printf, 1, 0))) std::string Formatted(const char* format,
                                                             std::va_list arguments) {
+    char shortText[512];  // holds nearly every line
     std::va_list forLength;
     va_copy(forLength, arguments);
-    const int measured = std::vsnprintf(nullptr, 0, format, forLength);
+    const int measured = std::vsnprintf(shortText, sizeof shortText, format, forLength);
     va_end(forLength);
     if (measured < 0)
         return std::string("(cannot be formatted) ") + format;
 
     const std::size_t length = static_cast<std::size_t>(measured);
+    if (length < sizeof shortText)
+        return shortText;
     std::vector<char> buffer(std::min(length, LONGEST_TEXT) + 1);
     std::vsnprintf(buffer.data(), buffer.size(), format, arguments);
     std::string text(buffer.data());
