@@ -45,10 +45,15 @@ int DevLinuxOpearDb::DevSetParaValue(OLMA_DATA& data, const std::string& name, d
 
 int DevLinuxOpearDb::DevSetParaValue(OLMA_DATA& data, const std::string& name,
                                      const std::string& value) const {
+    CString text = HostText(value);
+    return DevSetParaValue(data, name, text);
+}
+
+int DevLinuxOpearDb::DevSetParaValue(OLMA_DATA& data, const std::string& name,
+                                     CString& value) const {
     const CString hostName = HostText(name);
     if (CDevBas::ParameterType(data, hostName) != DATATYPE_TEXT)
         return -1;
-    CString text = HostText(value);
-    Set(data, hostName, DATATYPE_TEXT, &text);
+    Set(data, hostName, DATATYPE_TEXT, &value);
     return 0;
 }

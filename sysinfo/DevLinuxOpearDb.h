@@ -18,6 +18,7 @@ public:
     int DevSetParaValue(OLMA_DATA& data, const std::string& name, double value) const;
     // A text parameter.
     int DevSetParaValue(OLMA_DATA& data, const std::string& name, const std::string& value) const;
+    int DevSetParaValue(OLMA_DATA& data, const std::string& name, CString& value) const;
 };
 
 #endif

@@ -7,7 +7,6 @@
 #include <fcntl.h>
 #include <unistd.h>
 #include <cstring>
-#include <new>
 
 namespace {
 
@@ -22,17 +21,9 @@ std::string FirstLine(HXDCTRL::File& file) {
     return end == nullptr ? std::string(line) : std::string(line, end + 1);
 }
 
-// A text of size bytes, or false when there is no memory for it. A directory reports the largest
-// possible size.
-bool Allocate(std::string& text, long long size) {
-    if (size < 0 || static_cast<unsigned long long>(size) >= text.max_size())
-        return false;
-    try {
-        text.resize(static_cast<std::size_t>(size));
-        return true;
-    } catch (const std::bad_alloc&) {
-        return false;
-    }
+// O_NONBLOCK: opening a pipe that lies in the file's place would wait for its other end.
+bool Open(HXDCTRL::File& file, const std::string& fileName) {
+    return file.open(fileName, O_RDONLY | O_NONBLOCK);
 }
 
 }  // namespace
@@ -46,35 +37,47 @@ int DevLiunxBase::DevOpear(OLMA_DATA& /*data*/, std::vector<std::string>& /*args
 }
 
 std::string DevLiunxBase::DevReadFile(std::string& fileName, long /*length*/, int mode) {
+    if (mode != READ_FIRST_LINE) {
+        const FileText text = DevReadFile(fileName);
+        return std::string(text.Data(), text.Data() + text.Size());
+    }
     DEV_TRACE("DevReadFile begin", "strFileName = %s", fileName.c_str());
-    // O_NONBLOCK: opening a pipe that lies in the file's place would wait for its other end.
     HXDCTRL::File file;
-    if (!file.open(fileName, O_RDONLY | O_NONBLOCK)) {
+    if (!Open(file, fileName)) {
         DEV_TRACE("DevReadFile end", "Read strFileName = %s error", fileName.c_str());
         return std::string();
     }
-    if (mode == READ_FIRST_LINE) {
-        std::string line = FirstLine(file);
-        DEV_TRACE("DevReadFile end", "Read strFileContext = %s ", line.c_str());
-        return line;
+    std::string line = FirstLine(file);
+    DEV_TRACE("DevReadFile end", "Read strFileContext = %s ", line.c_str());
+    return line;
+}
+
+FileText DevLiunxBase::DevReadFile(const std::string& fileName) {
+    DEV_TRACE("DevReadFile begin", "strFileName = %s", fileName.c_str());
+    FileText text;
+    HXDCTRL::File file;
+    if (!Open(file, fileName)) {
+        DEV_TRACE("DevReadFile end", "Read strFileName = %s error", fileName.c_str());
+        return text;
     }
     const long long size = ::lseek(file.Descriptor(), 0, SEEK_END);  // -1: it has no positions
     DEV_TRACE("DevReadFile begin", "strFileName = %s,flen = %d", fileName.c_str(),
               static_cast<int>(size));
-    std::string text;
-    if (!Allocate(text, size)) {
+    if (!text.Read(file, size)) {
         DEV_TRACE("DevReadFile end", "Read strFileName = %s error", fileName.c_str());
-        return std::string();
+        return text;
     }
-    file.seek(0);
-    text.resize(file.Read(&text[0], text.size()));
-    text.resize(std::strlen(text.c_str()));
     DEV_TRACE("DevReadFile end", "Read strFileName = %s,len = %d", fileName.c_str(),
-              static_cast<int>(text.size()));
+              static_cast<int>(text.Size()));
     return text;
 }
 
 int DevLiunxBase::DevSetContext(OLMA_DATA& data, const std::string& text,
+                                const std::vector<std::string>& args) {
+    return DevSetContext(data, FileText(text), args);
+}
+
+int DevLiunxBase::DevSetContext(OLMA_DATA& data, FileText text,
                                 const std::vector<std::string>& args) {
     if (args.size() != 4)
         return RESULT_BAD_ARGUMENTS;
@@ -86,9 +89,8 @@ int DevLiunxBase::DevSetContext(OLMA_DATA& data, const std::string& text,
         return RESULT_REFUSED;
     }
     const std::size_t limit = static_cast<std::size_t>(lengthKib) << 10;
-    const int written = text.size() > limit ? m_pOpearDb->DevSetParaValue(
-                                                  data, args[2], text.substr(text.size() - limit))
-                                            : m_pOpearDb->DevSetParaValue(data, args[2], text);
+    CString tail = text.TakeTail(limit);
+    const int written = m_pOpearDb->DevSetParaValue(data, args[2], tail);
     m_pOpearDb->DevSetParaValue(data, args[3], written == 0 ? STATUS_DELIVERED : STATUS_FAILED);
     return written == 0 ? RESULT_DONE : RESULT_REFUSED;
 }

@@ -5,6 +5,7 @@
 #include "common/ResultCodes.h"
 #include "driver/record/OlmaData.h"
 #include "sysinfo/DevLinuxOpearDb.h"
+#include "sysinfo/FileText.h"
 
 #include <memory>
 #include <string>
@@ -41,6 +42,11 @@ public:
                               const std::vector<std::string>& args);
 
 protected:
+    // The two as one, for files of any size: there is one copy of the file, and it is gone before
+    // the host makes its own of the text that is kept.
+    int DevSetContext(OLMA_DATA& data, FileText text, const std::vector<std::string>& args);
+    FileText DevReadFile(const std::string& fileName);
+
     std::unique_ptr<DevLinuxOpearDb> m_pOpearDb;
 };
 

@@ -5,15 +5,9 @@
 
 #include <unistd.h>
 #include <cstdlib>
+#include <utility>
 
 namespace {
-
-int DeliverFile(DevLiunxBase& reader, const char* path, OLMA_DATA& data,
-                const std::vector<std::string>& args) {
-    std::string fileName = path;
-    return reader.DevSetContext(
-        data, reader.DevReadFile(fileName, 0, DevLiunxBase::READ_WHOLE_FILE), args);
-}
 
 constexpr const char* SCRATCH_PATH = "/tmp/dmesg.log";
 
@@ -27,15 +21,15 @@ bool MakeScratchFile() {
 }  // namespace
 
 int DevLiunxAppLog::DevOpear(OLMA_DATA& data, std::vector<std::string>& args) {
-    return DeliverFile(*this, "/storage/log/restart.log", data, args);
+    return DevSetContext(data, DevReadFile("/storage/log/restart.log"), args);
 }
 
 int DevLinuxAppExecpLog::DevOpear(OLMA_DATA& data, std::vector<std::string>& args) {
-    return DeliverFile(*this, "/storage/log/dmesg.log", data, args);
+    return DevSetContext(data, DevReadFile("/storage/log/dmesg.log"), args);
 }
 
 int DevLiunxAppDealLog::DevOpear(OLMA_DATA& data, std::vector<std::string>& args) {
-    return DeliverFile(*this, "/storage/log/signal_recieved.log", data, args);
+    return DevSetContext(data, DevReadFile("/storage/log/signal_recieved.log"), args);
 }
 
 int DevLinuxSysExecpLog::DevOpear(OLMA_DATA& data, std::vector<std::string>& args) {
@@ -45,9 +39,8 @@ int DevLinuxSysExecpLog::DevOpear(OLMA_DATA& data, std::vector<std::string>& arg
         ::unlink(SCRATCH_PATH);
         return RESULT_KERNEL_LOG_FAILED;
     }
-    std::string fileName = SCRATCH_PATH;
-    const std::string text = DevReadFile(fileName, 0, READ_WHOLE_FILE);
+    FileText text = DevReadFile(SCRATCH_PATH);
     if (std::system("rm /tmp/dmesg.log") != 0)
         ::unlink(SCRATCH_PATH);
-    return DevSetContext(data, text, args);
+    return DevSetContext(data, std::move(text), args);
 }
