@@ -20,7 +20,10 @@ public:
     int GetParamDouble(const char*, double*) override { return -1; }
     int GetParamString(const char*, std::string*) override { return -1; }
     int SetParamInt(const char*, int) override { return 0; }
-    int SetParamDouble(const char*, double) override { return 0; }
+    int SetParamDouble(const char*, double value) override {
+        lastDouble = value;
+        return 0;
+    }
     int SetParamString(const char*, const std::string* value) override {
         benchmark::DoNotOptimize(value->size());
         return 0;
@@ -38,6 +41,8 @@ public:
         return 0;
     }
     int SetChannelString(int, const std::string*) override { return 0; }
+
+    double lastDouble = 0.0;  // the parameter that was set last
 
 private:
     std::vector<double> m_values = std::vector<double>(1024);

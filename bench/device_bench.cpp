@@ -1,37 +1,17 @@
-// The device object's calls beside what they cannot do without: the host's own callbacks, the files
-// under /proc, reading a log once.
-#include "SimPanel.h"
-#include "bench/BenchHost.h"
-#include "driver/CDevCtrl.h"
-#include "driver/RefreshCycle.h"
+// The device object's calls beside what they cannot do without: the host's own callbacks, reading a
+// log once.
+#include "bench/BenchDevice.h"
 
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <unistd.h>
 
 #include <cstdio>
-#include <cstdlib>
-#include <fstream>
 #include <memory>
 #include <string>
 #include <vector>
 
 namespace {
-
-struct BenchDevice {
-    BenchDevice() {
-        const unsigned char blob[] = {2, 0, 0, 0, 1, 0, 0, 0, 200, 0, 0, 0};
-        device.InitDevice(blob, sizeof blob);
-    }
-    ~BenchDevice() { device.CleanupDevice(); }
-    void Collect(std::size_t channels) {
-        const std::vector<int> list(channels, 1);
-        device.CollectDevData(list.data(), static_cast<int>(channels));
-    }
-
-    BenchHost host;
-    CDevCtrl device{"bench", &host};
-};
 
 void CachedCollection(benchmark::State& state) {
     BenchDevice bench;
@@ -71,59 +51,6 @@ void RefusedWrite(benchmark::State& state) {
         bench.device.WriteChannel(9, DATATYPE_INTEGER, &value);
 }
 BENCHMARK(RefusedWrite)->Name("command/write_to_read_only_channel");
-
-void ReadProcFiles(benchmark::State& state) {
-    const char* const paths[] = {"/proc/stat", "/proc/meminfo", "/proc/diskstats", "/proc/net/dev"};
-    std::vector<int> files;
-    for (const char* path : paths)
-        files.push_back(::open(path, O_RDONLY | O_CLOEXEC));
-    std::vector<char> buffer(65536);
-    for (auto _ : state) {
-        for (const int file : files)
-            benchmark::DoNotOptimize(::pread(file, buffer.data(), buffer.size(), 0));
-    }
-    for (const int file : files)
-        ::close(file);
-}
-BENCHMARK(ReadProcFiles)->Name("refresh/four_preads_of_proc");
-
-// As a panel has them.
-void MakeSettings() {
-    std::ofstream("/usr/olma_app/config/olma_app_conf.ini")
-        << "[DEVICE]\nbuzz_duration=30\nbacklight_status=1\nbacklight_duration=300000\n"
-           "backlight_brightness=80\n";
-    std::ofstream("/etc/iot_cfg/vncConfig.ini") << "[VNCCONFIG]\npasswd=panel\n";
-}
-
-// Without the storage manager's wait for its worker: that is a pause, not work.
-void Refresh(benchmark::State& state) {
-    MakeSettings();
-    BenchDevice bench;
-    for (auto _ : state) {
-        state.PauseTiming();
-        bench.device.CleanupDevice();
-        const unsigned char blob[] = {0, 0};
-        bench.device.InitDevice(blob, sizeof blob);
-        state.ResumeTiming();
-        bench.Collect(32);
-    }
-}
-BENCHMARK(Refresh)->Name("refresh/first_collection")->Iterations(200);
-
-// Every reading after the first, all threads' CPU time; on a clock that makes the wait for the
-// storage's worker short.
-void WarmRefresh(benchmark::State& state) {
-    MakeSettings();
-    sim::SimPanel::Instance().RunClock(1000.0);
-    BenchDevice bench;
-    bench.Collect(32);
-    for (auto _ : state) {
-        bench.device.DevIOCtrl("REFLESH()");
-        bench.Collect(32);
-    }
-    sim::SimPanel::Instance().RunClock();
-}
-BENCHMARK(WarmRefresh)->Name("refresh/warm")->MeasureProcessCPUTime()->Iterations(500);
 
 constexpr const char* LOG = "/storage/log/restart.log";
 constexpr long LOG_BYTES = 48L << 20;  // what fits the panel's storage
