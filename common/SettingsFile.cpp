@@ -188,7 +188,8 @@ private:
 
 // Null when it cannot be parsed.
 Parsed ParseOnce(const std::string& content, const char* codec) {
-    static ParsedTexts texts;
+    // Never destroyed: a host may exit while the driver's threads still read settings.
+    static ParsedTexts& texts = *new ParsedTexts;
     Parsed known = texts.Find(content, codec);
     if (known != nullptr)
         return known;
