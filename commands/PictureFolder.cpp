@@ -18,7 +18,7 @@ int OpenAt(int folder, const std::string& name, int flags) {
     return hxd::RetryInterrupted([&] { return ::openat(folder, name.c_str(), flags, 0666); });
 }
 
-bool Write(const QImage& picture, int descriptor, const std::string& fileName) {
+bool WritePicture(const QImage& picture, int descriptor, const std::string& fileName) {
     const QFileInfo name(QFile::decodeName(fileName.c_str()));
     QFile file;
     return file.open(descriptor, QIODevice::WriteOnly) &&
@@ -51,7 +51,7 @@ bool PictureFolder::Save(const QImage& picture, const std::string& fileName) con
     ::unlinkat(folder, part.c_str(), 0);
     const HXDCTRL::File file(
         OpenAt(folder, part, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC));
-    if (file.IsOpen() && Write(picture, file.Descriptor(), fileName) &&
+    if (file.IsOpen() && WritePicture(picture, file.Descriptor(), fileName) &&
         ::renameat(folder, part.c_str(), folder, fileName.c_str()) == 0)
         return true;
     ::unlinkat(folder, part.c_str(), 0);

@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <cwchar>
 #include <cwctype>
+#include <sstream>
 
 namespace {
 
@@ -150,6 +151,14 @@ std::string TakeWord(std::string& rest) {
     rest = end < text.size() ? Trimmed(text.substr(end)) : "";
     Unquote(word);
     return word;
+}
+
+std::vector<std::string> SplitWords(const std::string& line) {
+    std::istringstream stream(line);
+    std::vector<std::string> words;
+    for (std::string word; stream >> word;)
+        words.push_back(word);
+    return words;
 }
 
 bool Unquote(std::string& text) {

@@ -30,6 +30,8 @@ std::string Shortened(const std::string& visible, std::size_t columns);
 
 // The first word, or the first text between double quotes, cut off what follows it.
 std::string TakeWord(std::string& rest);
+// The words between blanks.
+std::vector<std::string> SplitWords(const std::string& line);
 // Takes the quotes around a text away; false when there are none.
 bool Unquote(std::string& text);
 // True for a text that begins with a quote and does not end with another.

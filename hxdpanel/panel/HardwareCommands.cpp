@@ -11,20 +11,10 @@
 #include "hxdpanel/panel/StorageWear.h"
 #include "hxdpanel/sandbox/GuardedCalls.h"
 
-#include <sstream>
-
 namespace {
 
 using Hardware = HardwareCommands;
 using Words = Hardware::Words;
-
-Words SplitWords(const std::string& line) {
-    std::istringstream stream(line);
-    Words words;
-    for (std::string word; stream >> word;)
-        words.push_back(word);
-    return words;
-}
 
 HardwareResult Light(Hardware&, const Words& words) {
     if (words.size() != 1 || (words[0] != "on" && words[0] != "off"))

@@ -52,14 +52,6 @@ Lines SplitLines(const std::string& text) {
     return lines;
 }
 
-Words SplitWords(const std::string& line) {
-    std::istringstream stream(line);
-    Words words;
-    for (std::string word; stream >> word;)
-        words.push_back(word);
-    return words;
-}
-
 std::string Joined(const Lines& parts, const char* separator) {
     std::string text;
     for (const std::string& part : parts)
