@@ -10,6 +10,7 @@
 #include <functional>
 #include <sstream>
 
+#include "hxdpanel/base/Amounts.h"
 #include "hxdpanel/base/ExitCode.h"
 #include "hxdpanel/base/Terminal.h"
 #include "hxdpanel/base/Text.h"
@@ -79,6 +80,34 @@ std::string PanelError(const std::string& folder) {
                                      : "--panel: neither panel.ini nor root/ in " + Quoted(folder);
 }
 
+// port: as typed; empty for any.
+void WantPage(const std::string& port, sandbox::Setup::Page& page) {
+    long long number = 0;
+    if (!port.empty() && !ParseWhole(port, 0, 65535, number))
+        throw CLI::ValidationError("--page", "takes a port from 0 to 65535, not " + Quoted(port));
+    page.wanted = true;
+    page.port = static_cast<int>(number);
+}
+
+void AddPageOptions(CLI::App& app, sandbox::Setup::Page& page) {
+    CLI::Option* const option = app.add_option_function<std::string>(
+        "--page", [&page](const std::string& port) { WantPage(port, page); },
+        "Show the panel in a browser, beside the console: at this port of the machine or a free "
+        "one");
+    option->expected(0, 1)->type_name("[PORT]");
+    app.add_option_function<std::string>(
+           "--listen",
+           [&page](const std::string& address) {
+               page.address = address;
+               page.isOpen = true;
+           },
+           "Let other machines reach the page at this IPv4 address of the machine, 0.0.0.0 for all "
+           "of its; they need the token that is printed")
+        ->needs(option)
+        ->check(CLI::ValidIPV4)
+        ->type_name("ADDRESS");
+}
+
 void AddGeneralOptions(CLI::App& app, Options& options) {
     CLI::Option* const panel =
         app.add_option("--panel", options.panel,
@@ -108,6 +137,7 @@ void AddGeneralOptions(CLI::App& app, Options& options) {
     app.add_flag_callback(
         "--no-vnc", [&options] { options.lockPlugin = false; },
         "Run the host without the remote-view plug-in");
+    AddPageOptions(app, options.page);
     app.add_flag("--time-server", options.timeServer,
                  "Start a time server in the panel's network; until the end it is time server 1");
     app.add_option_function<std::string>(
@@ -125,7 +155,9 @@ void AddInsideOptions(CLI::App& app, sandbox::Setup::Inside& inside) {
     app.add_flag("--launched", inside.launched)->group("");
     app.add_option("--csv-descriptor", inside.csvDescriptor)->group("");
     app.add_option("--folder-descriptor", inside.folderDescriptor)->group("");
+    app.add_option("--page-descriptor", inside.pageDescriptor)->group("");
     app.add_option("--stop-descriptor", inside.stopDescriptor)->group("");
+    app.add_option("--machine", inside.machine)->group("");
     app.add_option("--driver-inside", inside.driver)->group("");
     app.add_option("--history-folder", inside.historyFolder)->group("");
     app.add_option("--files-outside", inside.filesOutside)->group("");
@@ -279,6 +311,11 @@ bool ParseOptions(int argc, const char* const* argv, Options& options, int& exit
         error = "script has --tap and --junit instead of --json";
     if (!error.empty()) {
         std::fprintf(stderr, "hxdpanel: %s\n", error.c_str());
+        exitCode = EXIT_USAGE;
+        return false;
+    }
+    if (options.page.wanted && options.mode != Options::CONSOLE) {
+        std::fputs("hxdpanel: --page goes with the console, not with a subcommand\n", stderr);
         exitCode = EXIT_USAGE;
         return false;
     }

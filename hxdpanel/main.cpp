@@ -11,6 +11,7 @@
 #include "hxdpanel/host/DriverOutput.h"
 #include "hxdpanel/host/HostDatabase.h"
 #include "hxdpanel/host/LockPlugin.h"
+#include "hxdpanel/page/Page.h"
 #include "hxdpanel/panel/HardwareCommands.h"
 #include "hxdpanel/panel/HardwareMemory.h"
 #include "hxdpanel/panel/PanelNetwork.h"
@@ -18,6 +19,7 @@
 #include "hxdpanel/panel/TimeServer.h"
 #include "hxdpanel/panel/TimeServerSetting.h"
 #include "hxdpanel/sandbox/GuardedCalls.h"
+#include "hxdpanel/sandbox/PageSocket.h"
 #include "hxdpanel/sandbox/Sandbox.h"
 #include "hxdpanel/script/RunScripts.h"
 
@@ -48,6 +50,11 @@ struct FileCloser {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
+void Collect(Session& session) {
+    const Session::Turn turn(session);
+    session.Collect();
+}
+
 int RunCommands(Session& session, const std::vector<std::string>& commands) {
     std::string error;
     for (const std::string& command : commands) {
@@ -56,7 +63,7 @@ int RunCommands(Session& session, const std::vector<std::string>& commands) {
             return EXIT_USAGE;
         }
     }
-    session.Collect();  // as a host does before its scripts run
+    Collect(session);  // as a host does before its scripts run
     int worst = EXIT_DONE;
     for (const std::string& command : commands) {
         if (session.Ended())
@@ -128,30 +135,81 @@ int RunScriptFiles(Session& session, const Options& options, DriverOutput& outpu
     return !isApart || Written(junit, options.csv.c_str()) ? exitCode : EXIT_USAGE;
 }
 
-int RunMode(Session& session, const Options& options, DriverOutput& output) {
+// One result.
+int RunOnce(Session& session, const Options& options) {
+    const Session::Turn turn(session);
     switch (options.mode) {
         case Options::CHANNELS:
             return session.ShowChannels(options.chosen);
         case Options::READ:
             return session.Read(options.channel);
-        case Options::EXEC:
-            return RunCommands(session, options.commands);
         case Options::WRITE:
             return session.Write(options.channel, options.value);
-        case Options::WATCH:
-            return RunWatch(session, options, output.Results());
-        case Options::PANEL:
-            session.Collect();
-            return session.ShowPanel();
         case Options::NTP:
             return session.ShowTime();
-        case Options::SCRIPT:
-            return RunScriptFiles(session, options, output);
         default:
-            session.Collect();  // as a host does before anybody types
-            return RunConsole(
-                session, output,
-                guard::Enabled() ? sandbox::HistoryFolder() : options.inside.historyFolder);
+            session.Collect();
+            return session.ShowPanel();
+    }
+}
+
+// Null, after a message, when it cannot be had.
+std::unique_ptr<Page> StartPage(const SessionParts& parts, const Options& options) {
+    PageSetup setup;
+    std::string error;
+    setup.socket = options.inside.pageDescriptor;
+    if (setup.socket < 0)  // nobody has handed one in: this is the machine, or a test's sandbox
+        setup.socket = sandbox::OpenPageSocket(options.page.address, options.page.port, error);
+    else
+        ::fcntl(setup.socket, F_SETFD, FD_CLOEXEC);
+    setup.machine = options.inside.machine;
+    setup.isOpen = options.page.isOpen;
+    setup.folder = sandbox::Companion("page");
+    std::unique_ptr<Page> page;
+    if (setup.socket >= 0)
+        page = Page::Start(parts, setup, error);
+    if (page == nullptr)
+        std::fprintf(stderr, "hxdpanel: --page: %s\n", error.c_str());
+    else
+        std::fprintf(stderr, "hxdpanel: the panel is at %s\n", page->Address().c_str());
+    return page;
+}
+
+// What comes from a pipe or a file may end before those who look at the page do.
+void ServeOn(const Session& session) {
+    if (session.Ended() || ::isatty(STDIN_FILENO) != 0)
+        return;
+    while (!interrupt::Pending())
+        interrupt::Wait(-1);
+}
+
+int RunWithConsole(Session& session, const SessionParts& parts, const Options& options) {
+    const std::string history =
+        guard::Enabled() ? sandbox::HistoryFolder() : options.inside.historyFolder;
+    Collect(session);  // as a host does before anybody types
+    if (!options.page.wanted)
+        return RunConsole(session, parts.output, history);
+    session.RestartAfterReboots();
+    const std::unique_ptr<Page> page = StartPage(parts, options);
+    if (page == nullptr)
+        return EXIT_USAGE;
+    const int exitCode = RunConsole(session, parts.output, history);
+    ServeOn(session);
+    return exitCode;
+}
+
+int RunMode(Session& session, const SessionParts& parts, const Options& options) {
+    switch (options.mode) {
+        case Options::EXEC:
+            return RunCommands(session, options.commands);
+        case Options::WATCH:
+            return RunWatch(session, options, parts.output.Results());
+        case Options::SCRIPT:
+            return RunScriptFiles(session, options, parts.output);
+        case Options::CONSOLE:
+            return RunWithConsole(session, parts, options);
+        default:
+            return RunOnce(session, options);
     }
 }
 
@@ -231,13 +289,15 @@ int RunPanel(const Options& options, int argc, char** argv) {
     };
     HardwareCommands hardware(PanelRestart(files, memory, restartDriver), files.panels);
     device.SetBeforeCall([&] { hardware.Load().BringUpToDate(); });
-    Session session(database, device, output, memory, hardware, plugin, files);
+    SharedRun shared;
+    const SessionParts parts = {database, device, output, memory, hardware, shared, plugin, files};
+    Session session(parts);
     if (options.json)
         session.UseJson(LayoutOf(options));
     int exitCode = EXIT_DONE;
     {
         const TimeServerSetting setting(options.timeServer, files, device, database, output);
-        exitCode = RunMode(session, options, output);
+        exitCode = RunMode(session, parts, options);
     }
     if (!Written(output.Results(), "the results"))
         exitCode = EXIT_USAGE;

@@ -62,19 +62,32 @@ std::string SyncText(const HostDatabase& database, const HostDatabase::Trace& tr
 
 }  // namespace
 
-Session::Session(HostDatabase& database, Device& device, DriverOutput& output,
-                 HardwareMemory& memory, HardwareCommands& hardware, const IVNCLock* plugin,
-                 const PanelFiles& files)
-    : m_database(database),
-      m_device(device),
-      m_output(output),
-      m_memory(memory),
-      m_hardware(hardware),
-      m_out(output.Results()),
-      m_plugin(plugin),
-      m_files(files) {}
+// A held clock is moved by what the driver waits for on this thread.
+Session::Turn::Turn(Session& session) : m_lock(session.m_shared.turn) {
+    sim::SimPanel::Instance().MoveHeldClock();
+}
+
+Session::Session(const SessionParts& parts)
+    : m_database(parts.database),
+      m_device(parts.device),
+      m_output(parts.output),
+      m_memory(parts.memory),
+      m_hardware(parts.hardware),
+      m_shared(parts.shared),
+      m_out(parts.output.Results()),
+      m_plugin(parts.plugin),
+      m_files(parts.files) {}
+
+void Session::PrintTo(std::FILE* out, std::string* complaint) {
+    m_out = out;
+    m_pComplaint = complaint;
+}
 
 int Session::Complain(const std::string& message) {
+    if (m_pComplaint != nullptr) {
+        *m_pComplaint = message;
+        return EXIT_USAGE;
+    }
     std::fprintf(
         stderr, "%s\n",
         terminal::Styled(stderr, terminal::BAD, terminal::Wrapped(stderr, message, 2)).c_str());
@@ -93,13 +106,17 @@ void Session::UseJson(JsonLayout layout) {
     m_layout = layout;
 }
 
-int Session::RunHardware(const std::string& line) {
+// why: what is told of the panel's restart, if it is one.
+int Session::RunHardware(const std::string& line, const std::string& why) {
     m_memory.Save();
     const HardwareResult result = m_hardware.Run(line);
     m_memory.Save();
     if (!result.ok)
         return Complain(result.message);
     Collect();
+    if (m_shared.watcher != nullptr && (line == "restart" || line == "reset"))
+        m_shared.watcher->Restarted(why);
+    TellActed(line, HOST_OK, result.message);
     if (m_json)
         PrintJson(m_out, m_layout, "hardware",
                   {{"message", result.message}, {"channels", result.channels}});
@@ -125,19 +142,18 @@ int Session::RunDriverCommand(const std::string& text) {
     m_output.Settle();
     const HostDatabase::Trace trace = m_database.TakeTrace();
     outcome.variables = trace.written;
-    for (const std::string& file : m_savedFiles.TakeChanges())
-        outcome.files.push_back((m_files.isPrivate ? m_files.outside : "") + file);
-    outcome.filesVanish = m_files.isPrivate && m_files.outside.empty();
+    NoteSaved(outcome);
     if (info != nullptr && info->row.command == COMMAND_EXEC_NTP)
-        m_strLastSync = SyncText(m_database, trace);
+        m_shared.lastSync = SyncText(m_database, trace);
     if (info != nullptr && info->savesFile && outcome.files.empty())
         outcome.notes.push_back("no file was saved; see help " + std::string(info->name));
     for (const std::string& hint : CommandHints(parsed, info, outcome.status, m_database, trace))
         outcome.notes.push_back(hint);
     const int exitCode = Report(outcome);
+    TellActed(text, outcome.status, outcome.meaning);
     m_result.isKnown = IsKnown(parsed.name, info);
-    if (m_bScript && m_hardware.TakeReboot())
-        return RunHardware("restart");
+    if (m_shared.restartsAfterReboot && m_hardware.TakeReboot())
+        return RunHardware("restart", "reboot");
     return m_result.isKnown ? exitCode : EXIT_USAGE;
 }
 
@@ -155,9 +171,27 @@ int Session::Report(const Outcome& outcome) {
     return ExitFor(outcome.status);
 }
 
-void Session::BeScript(std::FILE* out) {
-    m_bScript = true;
+void Session::NoteSaved(Outcome& outcome) {
+    for (const std::string& file : m_shared.savedFiles.TakeChanges()) {
+        m_shared.saved.push_back(file);
+        outcome.files.push_back((m_files.isPrivate ? m_files.outside : "") + file);
+    }
+    outcome.filesVanish = m_files.isPrivate && m_files.outside.empty();
+}
+
+void Session::TellActed(const std::string& line, int status, const std::string& meaning) {
+    if (m_shared.watcher != nullptr)
+        m_shared.watcher->Acted(m_strName, line, status, meaning);
+}
+
+void Session::RestartAfterReboots() {
+    const Turn turn(*this);
+    m_shared.restartsAfterReboot = true;
     m_hardware.HoldReboots();
+}
+
+void Session::BeScript(std::FILE* out) {
+    RestartAfterReboots();
     static std::FILE* const nowhere = std::fopen("/dev/null", "w");
     if (out != nullptr || nowhere != nullptr)
         m_out = out != nullptr ? out : nowhere;
@@ -165,6 +199,7 @@ void Session::BeScript(std::FILE* out) {
 
 int Session::Collect() {
     const MutedDriver muted(m_output);
+    ++m_shared.collections;
     const int status = m_device.Collect();
     sim::SimPanel::Instance().Change(
         [&](sim::PanelState& state) { state.screenRows = ScreenRows(m_database); });
@@ -247,6 +282,8 @@ int Session::Write(const std::string& channel, const std::string& text) {
     HostValue whole;
     if (row.input == ChannelRow::WHOLE_NUMBER && !ConvertValue(text, DATATYPE_INTEGER, whole))
         outcome.notes.push_back("the driver reads " + Quoted(text) + " as 0: write a whole number");
+    TellActed("write " + std::to_string(number) + " " + Visible(text), outcome.status,
+              outcome.meaning);
     return Report(outcome);
 }
 
@@ -259,19 +296,46 @@ int Session::WatchChannels(WatchOptions options, const std::vector<std::string>&
         options.form = WatchOptions::CSV;
     else if (m_json)
         options.form = WatchOptions::JSON;
-    return ExitFor(
-        Watch(csv != nullptr ? csv : m_out, m_database, options, [this] { return Refresh(); }));
+    return ExitFor(Watch(csv != nullptr ? csv : m_out, m_database, options, [this] {
+        const Turn turn(*this);
+        return Refresh();
+    }));
+}
+
+Json Session::Channels() const {
+    std::vector<int> numbers;
+    std::string error;
+    ChooseChannels({}, HighestChannel(m_database), numbers, error);
+    return ChannelsJson(::ShowChannels(m_database, numbers));
+}
+
+PanelSource Session::Source() const {
+    return {m_plugin, m_files.outside, m_memory.Differences(), m_hardware.Load()};
+}
+
+Json Session::Panel() const {
+    return PanelJson(Source());
 }
 
 int Session::ShowPanel() {
     m_output.Settle();
-    const PanelSource source = {m_plugin, m_files.outside, m_memory.Differences(),
-                                m_hardware.Load()};
     if (m_json)
-        PrintJson(m_out, m_layout, "panel", PanelJson(source));
+        PrintJson(m_out, m_layout, "panel", Panel());
     else
-        PrintPanel(m_out, source);
+        PrintPanel(m_out, Source());
     std::fflush(m_out);
+    return EXIT_DONE;
+}
+
+int Session::SetVariable(const Definition& definition) {
+    m_database.SetVariable(definition.name, definition.value);
+    TellActed("set " + definition.name, HOST_OK, ValueText(definition.value));
+    if (m_json)
+        PrintJson(m_out, m_layout, "vars",
+                  {{"variables", {JsonVariable(definition.name, definition.value)}}});
+    else
+        std::fprintf(m_out, "%s = %s (%s)\n", Visible(definition.name).c_str(),
+                     ValueText(definition.value).c_str(), TypeName(definition.value.type));
     return EXIT_DONE;
 }
 
@@ -279,9 +343,9 @@ int Session::ShowTime() {
     Refresh();
     m_output.Settle();
     if (m_json)
-        PrintJson(m_out, m_layout, "ntp", TimeJson(m_database, m_strLastSync));
+        PrintJson(m_out, m_layout, "ntp", TimeJson(m_database, m_shared.lastSync));
     else
-        PrintTime(m_out, m_database, m_strLastSync);
+        PrintTime(m_out, m_database, m_shared.lastSync);
     std::fflush(m_out);
     return EXIT_DONE;
 }

@@ -5,10 +5,10 @@
 #include "hxdpanel/console/Help.h"
 #include "hxdpanel/console/LineResult.h"
 #include "hxdpanel/console/Recorder.h"
+#include "hxdpanel/console/SharedRun.h"
 #include "hxdpanel/host/Device.h"
 #include "hxdpanel/host/DriverOutput.h"
 #include "hxdpanel/host/HostDatabase.h"
-#include "hxdpanel/panel/SavedFiles.h"
 #include "hxdpanel/panel/SimulatedPanel.h"
 #include "hxdpanel/report/Json.h"
 #include "hxdpanel/report/Watch.h"
@@ -20,40 +20,75 @@
 class HardwareCommands;
 class HardwareMemory;
 struct Outcome;
+struct PanelSource;
 
-// Operations return an ExitCode.
+// What is passed by reference outlives the sessions. plugin may be null.
+struct SessionParts {
+    HostDatabase& database;
+    Device& device;
+    DriverOutput& output;
+    HardwareMemory& memory;
+    HardwareCommands& hardware;
+    SharedRun& shared;
+    const IVNCLock* plugin;
+    const PanelFiles& files;
+};
+
+// Operations return an ExitCode. Those that reach the device belong into a Turn; Run() and
+// WatchChannels() take theirs themselves, the latter one for each reading.
 class Session {
 public:
-    // What is passed by reference outlives the session. plugin may be null.
-    Session(HostDatabase& database, Device& device, DriverOutput& output, HardwareMemory& memory,
-            HardwareCommands& hardware, const IVNCLock* plugin, const PanelFiles& files);
+    // While it lives no other session of the run acts.
+    class HXD_THREAD_ANNOTATION(scoped_lockable) Turn {
+    public:
+        explicit Turn(Session& session)
+            HXD_THREAD_ANNOTATION(exclusive_lock_function(session.m_shared.turn));
+        ~Turn() HXD_THREAD_ANNOTATION(unlock_function()) = default;
+        Turn(const Turn&) = delete;
+        Turn& operator=(const Turn&) = delete;
+
+    private:
+        const hxd::MutexLock m_lock;
+    };
+
+    explicit Session(const SessionParts& parts);
 
     // A console command, or a command of the driver as it stands. Blank lines do nothing.
     int Run(const std::string& line);
+    int RunInTurn(const std::string& line) HXD_REQUIRES(m_shared.turn);
     // False, with a message for the user, when Run() would find no meaning in the line.
     static bool Understands(const std::string& line, std::string& error);
     bool Ended() const { return m_bEnded; }  // after quit
 
     // A reboot restarts the panel from now on, and results go to out; null: nowhere.
     void BeScript(std::FILE* out);
+    void RestartAfterReboots();
+    // From now on results go there, and mistakes into complaint instead of standard error. name:
+    // what others are told of who acts.
+    void PrintTo(std::FILE* out, std::string* complaint);
+    void BeNamed(const std::string& name) { m_strName = name; }
     // What the last line of Run() did.
     const LineResult& Result() const { return m_result; }
     const HostDatabase& Database() const { return m_database; }
-    int Refresh();  // has the driver read everything anew and deliver it
+    int Refresh()
+        HXD_REQUIRES(m_shared.turn);  // has the driver read everything anew and deliver it
 
     // Results as JSON objects from now on.
     void UseJson(JsonLayout layout);
 
     // channels: as ChooseChannels() takes them; all for none.
-    int ShowChannels(const std::vector<std::string>& channels);
-    int Read(const std::string& channel);  // its value alone
-    int Write(const std::string& channel, const std::string& text);
+    int ShowChannels(const std::vector<std::string>& channels) HXD_REQUIRES(m_shared.turn);
+    int Read(const std::string& channel) HXD_REQUIRES(m_shared.turn);  // its value alone
+    int Write(const std::string& channel, const std::string& text) HXD_REQUIRES(m_shared.turn);
     // csv: null for tables. options.channels follows from the words.
     int WatchChannels(WatchOptions options, const std::vector<std::string>& channels,
                       std::FILE* csv);
-    int ShowPanel();
-    int ShowTime();
-    int Collect();
+    int ShowPanel() HXD_REQUIRES(m_shared.turn);
+    Json Panel() const HXD_REQUIRES(m_shared.turn);
+    Json Channels() const HXD_REQUIRES(m_shared.turn);  // as last read
+    int ShowTime() HXD_REQUIRES(m_shared.turn);
+    int Collect() HXD_REQUIRES(m_shared.turn);
+    int SetVariable(const Definition& definition) HXD_REQUIRES(m_shared.turn);
 
     // What the last, unfinished word of the line may become.
     std::vector<std::string> Completions(const std::string& line) const;
@@ -70,42 +105,47 @@ private:
     static const ConsoleCommand* FindConsoleCommand(const std::string& name);
     static std::vector<std::string> AllNames();
     static std::string NoMeaning(const std::string& line);
-    int RunDriverCommand(const std::string& text);
-    int RunHardware(const std::string& line);
-    int RunChannels(const std::string& rest);
-    int RunRead(const std::string& rest);
+    int RunDriverCommand(const std::string& text) HXD_REQUIRES(m_shared.turn);
+    int RunHardware(const std::string& line, const std::string& why) HXD_REQUIRES(m_shared.turn);
+    void NoteSaved(Outcome& outcome) HXD_REQUIRES(m_shared.turn);
+    void TellActed(const std::string& line, int status, const std::string& meaning)
+        HXD_REQUIRES(m_shared.turn);
+    int RunChannels(const std::string& rest) HXD_REQUIRES(m_shared.turn);
+    int RunRead(const std::string& rest) HXD_REQUIRES(m_shared.turn);
     int RunWatch(const std::string& rest);
-    int RunWrite(const std::string& rest);
-    int RunSet(const std::string& rest);
+    int RunWrite(const std::string& rest) HXD_REQUIRES(m_shared.turn);
+    int RunSet(const std::string& rest) HXD_REQUIRES(m_shared.turn);
     int RunVars(const std::string& rest);
-    int RunNtp(const std::string& rest);
-    int RunPanel(const std::string& rest);
+    int RunNtp(const std::string& rest) HXD_REQUIRES(m_shared.turn);
+    int RunPanel(const std::string& rest) HXD_REQUIRES(m_shared.turn);
     int RunHelp(const std::string& rest);
     int RunRecord(const std::string& rest);
+    int RunPage(const std::string& rest) HXD_REQUIRES(m_shared.turn);
     int RunQuit(const std::string& rest);
 
-    int RunMeaningful(const std::string& line);
+    PanelSource Source() const HXD_REQUIRES(m_shared.turn);
+    int RunMeaningful(const std::string& line) HXD_REQUIRES(m_shared.turn);
 
-    static int Complain(const std::string& message);
+    int Complain(const std::string& message);
     void PrintWrapped(const std::vector<std::string>& lines) const;  // but empty ones
     const JsonLayout* AsJson() const { return m_json ? &m_layout : nullptr; }
-    int Report(const Outcome& outcome);
+    int Report(const Outcome& outcome) HXD_REQUIRES(m_shared.turn);
 
     HostDatabase& m_database;
     Device& m_device;
     DriverOutput& m_output;
     HardwareMemory& m_memory;
     HardwareCommands& m_hardware;
+    SharedRun& m_shared;
     std::FILE* m_out;
     const IVNCLock* m_plugin;
     PanelFiles m_files;
-    SavedFiles m_savedFiles;
     LineResult m_result;
     Recorder m_recorder;
-    bool m_bScript = false;
+    std::string m_strName = "console";
+    std::string* m_pComplaint = nullptr;  // null: mistakes go to standard error
     bool m_json = false;
     JsonLayout m_layout = JsonLayout::DOCUMENT;
-    std::string m_strLastSync;  // answer of the last ExecNTP
     bool m_bEnded = false;
 };
 

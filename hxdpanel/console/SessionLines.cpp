@@ -56,6 +56,8 @@ const std::vector<Session::ConsoleCommand>& Session::ConsoleCommands() {
         {{"record", "FILE|off",
           "write a script of what is typed from now on, with the results as its expectations"},
          &Session::RunRecord},
+        {{"page", "", "show the address at which a browser shows the panel (--page)"},
+         &Session::RunPage},
         {{"quit", "", "leave (Ctrl-D too)"}, &Session::RunQuit},
     };
     return commands;
@@ -124,6 +126,16 @@ bool Session::Understands(const std::string& line, std::string& error) {
 }
 
 int Session::Run(const std::string& line) {
+    const Words words = Split(line);
+    if (words.first == "watch") {
+        m_result = LineResult();
+        return RunWatch(words.rest);
+    }
+    const Turn turn(*this);
+    return RunInTurn(line);
+}
+
+int Session::RunInTurn(const std::string& line) {
     std::string error;
     if (!Understands(line, error))
         return Complain(error);
@@ -141,7 +153,7 @@ int Session::Run(const std::string& line) {
 int Session::RunMeaningful(const std::string& line) {
     const Words words = Split(line);
     if (HardwareCommands::Find(words.first) != nullptr)
-        return RunHardware(line);
+        return RunHardware(Trimmed(line), words.first);
     const ConsoleCommand* const command = FindConsoleCommand(words.first);
     if (command == nullptr)
         return RunDriverCommand(Trimmed(line));
@@ -209,14 +221,7 @@ int Session::RunSet(const std::string& rest) {
         return Complain("usage: set NAME[:TYPE] VALUE, for example set result 0");
     if (!ParseDefinition(name, text, definition, error))
         return Complain(error);
-    m_database.SetVariable(definition.name, definition.value);
-    if (m_json)
-        PrintJson(m_out, m_layout, "vars",
-                  {{"variables", {JsonVariable(definition.name, definition.value)}}});
-    else
-        std::fprintf(m_out, "%s = %s (%s)\n", Visible(definition.name).c_str(),
-                     ValueText(definition.value).c_str(), TypeName(definition.value.type));
-    return EXIT_DONE;
+    return SetVariable(definition);
 }
 
 int Session::RunNtp(const std::string&) {
@@ -250,6 +255,17 @@ int Session::RunRecord(const std::string& rest) {
     if (!m_recorder.Start(m_files.userFolder, name, error))
         return Complain(error);
     std::fprintf(m_out, "recording %s until record off\n", Visible(name).c_str());
+    return EXIT_DONE;
+}
+
+// The socket is opened outside the sandbox, so it is there from the start or not at all.
+int Session::RunPage(const std::string&) {
+    if (m_shared.pageAddress.empty())
+        return Complain("there is no page: start hxdpanel with --page to have one");
+    if (m_json)
+        PrintJson(m_out, m_layout, "page", {{"address", m_shared.pageAddress}});
+    else
+        std::fprintf(m_out, "%s\n", m_shared.pageAddress.c_str());
     return EXIT_DONE;
 }
 

@@ -165,9 +165,15 @@ void DriverOutput::EndWork() {
     m_strWork.clear();
 }
 
+void DriverOutput::SetTap(std::function<void(const std::string& line)> tap) {
+    const hxd::MutexLock locker(m_lock);
+    m_tap = std::move(tap);
+}
+
+// Not over a line that is edited: then it is somebody else's work.
 void DriverOutput::DrawWork() {
     const auto lasted = std::chrono::steady_clock::now() - m_workBegun;
-    if (m_strWork.empty() || lasted < WORK_SHOWN_AFTER)
+    if (m_strWork.empty() || m_bHold || lasted < WORK_SHOWN_AFTER)
         return;
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(lasted).count();
     const auto columns = static_cast<std::size_t>(terminal::SizeOf(stderr).columns);
@@ -246,6 +252,8 @@ void DriverOutput::Show(const Source& source, const std::string& line) {
     const hxd::MutexLock locker(m_lock);
     if (isDriver && !m_bShowAll && (m_nMuted > 0 || IsRoutine(line)))
         return;
+    if (isDriver && m_tap)
+        m_tap(line);
     // A thread that tries again and again would push what the user types off the screen.
     if (m_bHold && marked == m_lastLine)
         return;

@@ -11,6 +11,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstdio>
+#include <functional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -39,6 +40,10 @@ public:
     void Hold();
     void Release();
     int Descriptor() const { return m_nHeldEvent; }
+
+    // Gets each line of the driver that is not muted, under this object's lock: what it does must
+    // be short and must not call the object. The one before gets nothing more when this returns.
+    void SetTap(std::function<void(const std::string& line)> tap);
 
     // In between a terminal shows that this is at work, and for how long.
     void BeginWork(const std::string& what);
@@ -76,7 +81,7 @@ private:
     std::vector<std::string> m_held HXD_GUARDED_BY(m_lock);
     std::string m_lastLine HXD_GUARDED_BY(m_lock);
     int m_nMuted HXD_GUARDED_BY(m_lock) = 0;  // Mute() calls without their Unmute()
-
+    std::function<void(const std::string& line)> m_tap HXD_GUARDED_BY(m_lock);
     std::atomic<bool> m_bShowAll{false};
 
     std::thread m_reader;  // started last, joined by the destructor

@@ -5,16 +5,12 @@
 
 namespace {
 
-std::string Dump(const Json& value) {
-    return value.dump(-1, ' ', false, Json::error_handler_t::replace);
-}
-
 std::string DumpList(const Json& list) {
     if (!list.is_array() || list.empty() || !list[0].is_object())
-        return Dump(list);
+        return JsonLine(list);
     std::string text;
     for (const Json& element : list)
-        text += (text.empty() ? "[\n    " : ",\n    ") + Dump(element);
+        text += (text.empty() ? "[\n    " : ",\n    ") + JsonLine(element);
     return text + "\n  ]";
 }
 
@@ -28,14 +24,23 @@ Json JsonNumber(double number) {
 
 }  // namespace
 
-void PrintJson(std::FILE* out, JsonLayout layout, const char* kind, const Json& members) {
+Json JsonObject(const char* kind, const Json& members) {
     Json object = {{"format", JSON_FORMAT}, {"kind", kind}};
     object.update(members);
-    std::string text = Dump(object);
+    return object;
+}
+
+std::string JsonLine(const Json& value) {
+    return value.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+void PrintJson(std::FILE* out, JsonLayout layout, const char* kind, const Json& members) {
+    const Json object = JsonObject(kind, members);
+    std::string text = JsonLine(object);
     if (layout == JsonLayout::DOCUMENT) {
         text.clear();
         for (const auto& member : object.items())
-            text += (text.empty() ? "{\n  " : ",\n  ") + Dump(member.key()) + ": " +
+            text += (text.empty() ? "{\n  " : ",\n  ") + JsonLine(member.key()) + ": " +
                     DumpList(member.value());
         text += "\n}";
     }

@@ -20,6 +20,8 @@ enum class JsonLayout {
 };
 
 // kind: what the object is about. Bytes that are no UTF-8 become replacement characters.
+Json JsonObject(const char* kind, const Json& members);
+std::string JsonLine(const Json& value);  // without a line feed
 void PrintJson(std::FILE* out, JsonLayout layout, const char* kind, const Json& members);
 
 Json JsonStatus(int status, const std::string& meaning);

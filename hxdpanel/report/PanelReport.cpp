@@ -222,6 +222,22 @@ void PrintPanel(std::FILE* out, const PanelSource& source) {
         std::fputs("no beep, setting, address, picture or command yet\n", out);
 }
 
+std::string EventText(const sim::Beep& beep) {
+    return BeepText(beep);
+}
+
+std::string EventText(const sim::Capture& capture) {
+    return CaptureText(capture);
+}
+
+std::string EventText(const hal_network_t& appliedRecord) {
+    return RecordText(appliedRecord);
+}
+
+std::string EventText(const std::tm& rtcSetting) {
+    return TimeText(rtcSetting);
+}
+
 std::vector<std::string> PanelEvents(const std::string& verb) {
     for (const EventKind& kind : EVENT_KINDS) {
         if (verb == kind.verb)

@@ -2,6 +2,7 @@
 #ifndef HXDPANEL_PANELREPORT_H
 #define HXDPANEL_PANELREPORT_H
 
+#include "SimPanel.h"
 #include "host.h"
 #include "hxdpanel/report/Json.h"
 
@@ -21,6 +22,12 @@ struct PanelSource {
 
 void PrintPanel(std::FILE* out, const PanelSource& source);
 Json PanelJson(const PanelSource& source);
+
+// A thing that the panel has done: "900 Hz for 50 ms".
+std::string EventText(const sim::Beep& beep);
+std::string EventText(const sim::Capture& capture);
+std::string EventText(const hal_network_t& appliedRecord);
+std::string EventText(const std::tm& rtcSetting);
 
 // What the panel has done since its start, oldest first, by kind: "beeped" gives "900 Hz for 50
 // ms".

@@ -2,17 +2,20 @@
 
 #include "hxdpanel/base/ExitCode.h"
 #include "hxdpanel/sandbox/ChildProcess.h"
+#include "hxdpanel/sandbox/PageSocket.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <initializer_list>
+#include <utility>
 #include <vector>
 
 #include <QDir>
@@ -59,14 +62,44 @@ std::string ScriptPath(std::size_t index) {
     return "/run/scripts/" + std::to_string(index);
 }
 
+std::string MachineName() {
+    std::array<char, 256> name = {};
+    return ::gethostname(name.data(), name.size() - 1) == 0 ? name.data() : "";
+}
+
 void Append(std::vector<std::string>& words, const std::vector<std::string>& more) {
     words.insert(words.end(), more.begin(), more.end());
 }
 
+// What is opened out here for the program inside; -1: nothing.
+struct HandedOver {
+    int csv = -1;
+    int folder = -1;
+    int page = -1;
+    int stop = -1;  // the child's owner closes it
+
+    ~HandedOver() {
+        for (const int descriptor : {csv, folder, page}) {
+            if (descriptor >= 0)
+                ::close(descriptor);
+        }
+    }
+};
+
+void AppendDescriptors(std::vector<std::string>& words, const HandedOver& handedOver) {
+    const std::pair<const char*, int> options[] = {{"--csv-descriptor", handedOver.csv},
+                                                   {"--folder-descriptor", handedOver.folder},
+                                                   {"--page-descriptor", handedOver.page},
+                                                   {"--stop-descriptor", handedOver.stop}};
+    for (const auto& option : options) {
+        if (option.second >= 0)
+            Append(words, {option.first, std::to_string(option.second)});
+    }
+}
+
 // The launcher's options, the program, what the program inside must know, and its own arguments.
 std::vector<std::string> CommandLine(const std::string& launcher, const Setup& setup,
-                                     int csvDescriptor, int folderDescriptor, int stopDescriptor,
-                                     int argc, char** argv) {
+                                     const HandedOver& handedOver, int argc, char** argv) {
     const std::string root = RootFolder(setup);
     const std::string history = setup.history ? HistoryFolder() : "";
     std::vector<std::string> words = {launcher};
@@ -90,23 +123,16 @@ std::vector<std::string> CommandLine(const std::string& launcher, const Setup& s
         Append(words, {"--files-outside", Absolute(root)});
     if (!setup.driver.empty())
         Append(words, {"--driver-inside", DRIVER_INSIDE});
-    if (csvDescriptor >= 0)
-        Append(words, {"--csv-descriptor", std::to_string(csvDescriptor)});
-    if (folderDescriptor >= 0)
-        Append(words, {"--folder-descriptor", std::to_string(folderDescriptor)});
-    Append(words, {"--stop-descriptor", std::to_string(stopDescriptor)});
+    if (handedOver.page >= 0)
+        Append(words, {"--machine", MachineName()});
+    AppendDescriptors(words, handedOver);
     for (int i = 1; i < argc; ++i)
         words.emplace_back(argv[i]);
     return words;
 }
 
-// The folder that the user is in, for files that the console is told to record. -1: there is none.
-// It is more than the program inside needs: by "..", it leads anywhere. The commands that the
-// driver runs do not get it (close-on-exec), and the driver itself knows absolute paths only, so
-// nothing but a driver that searches its process for a way out would find this one; to keep such a
-// driver in, the file would have to be opened out here when the user asks for it.
-int OpenFolder(bool wanted) {
-    const int opened = wanted ? ::open(".", O_PATH | O_DIRECTORY | O_CLOEXEC) : -1;
+// The same as a descriptor that the child inherits; -1 for -1.
+int HandOver(int opened) {
     if (opened < 0)
         return -1;
     const int handedOver = ::fcntl(opened, F_DUPFD, ChildProcess::FIRST_HANDED_OVER);
@@ -124,6 +150,15 @@ std::string ReadError(const std::string& file) {
     if (!S_ISREG(status.st_mode))
         return "not a plain file; - reads standard input";
     return ::access(file.c_str(), R_OK) != 0 ? std::strerror(errno) : "";
+}
+
+// The folder that the user is in, for files that the console is told to record. -1: there is none.
+// It is more than the program inside needs: by "..", it leads anywhere. The commands that the
+// driver runs do not get it (close-on-exec), and the driver itself knows absolute paths only, so
+// nothing but a driver that searches its process for a way out would find this one; to keep such a
+// driver in, the file would have to be opened out here when the user asks for it.
+int OpenFolder(bool wanted) {
+    return HandOver(wanted ? ::open(".", O_PATH | O_DIRECTORY | O_CLOEXEC) : -1);
 }
 
 bool CanRead(const std::vector<std::string>& scripts) {
@@ -148,9 +183,19 @@ int OpenCsv(const std::string& file) {
         std::fprintf(stderr, "hxdpanel: cannot write %s: %s\n", file.c_str(), std::strerror(errno));
         return -2;
     }
-    const int handedOver = ::fcntl(opened, F_DUPFD, ChildProcess::FIRST_HANDED_OVER);
-    ::close(opened);
-    return handedOver;
+    return HandOver(opened);
+}
+
+// -1: none is asked for; -2: it cannot be had.
+int OpenPage(const Setup::Page& page) {
+    if (!page.wanted)
+        return -1;
+    std::string error;
+    const int opened = OpenPageSocket(page.address, page.port, error);
+    if (opened >= 0)
+        return HandOver(opened);
+    std::fprintf(stderr, "hxdpanel: --page: %s\n", error.c_str());
+    return -2;
 }
 
 }  // namespace
@@ -212,19 +257,17 @@ int RunInside(const Setup& setup, int argc, char** argv) {
     }
     if (!CanRead(setup.scripts))
         return EXIT_USAGE;
-    const int csvDescriptor = OpenCsv(setup.csv);
-    if (csvDescriptor < -1)
+    HandedOver handedOver;
+    handedOver.csv = OpenCsv(setup.csv);
+    handedOver.page = OpenPage(setup.page);
+    if (handedOver.csv < -1 || handedOver.page < -1)
         return EXIT_USAGE;
-    const int folderDescriptor = OpenFolder(setup.history);
+    handedOver.folder = OpenFolder(setup.history);
     ChildProcess child;
-    const int exitCode = child.Run(CommandLine(launcher, setup, csvDescriptor, folderDescriptor,
-                                               child.StopDescriptor(), argc, argv));
+    handedOver.stop = child.StopDescriptor();
+    const int exitCode = child.Run(CommandLine(launcher, setup, handedOver, argc, argv));
     if (exitCode == EXIT_REBOOTED)
         std::fputs("hxdpanel: a reboot ends the run; the command restart comes back\n", stderr);
-    for (const int descriptor : {csvDescriptor, folderDescriptor}) {
-        if (descriptor >= 0)
-            ::close(descriptor);
-    }
     return exitCode;
 }
 

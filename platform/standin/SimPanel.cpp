@@ -87,6 +87,11 @@ void SimPanel::Change(const std::function<void(PanelState&)>& edit) {
     edit(m_state);
 }
 
+void SimPanel::SetObserver(Observer* observer) {
+    const hxd::MutexLock guard(m_lock);
+    m_pObserver = observer;
+}
+
 void SimPanel::Fail(const std::string& function, const Failure& failure) {
     const auto& known = FailableFunctions();
     if (!std::binary_search(known.begin(), known.end(), function)) {

@@ -11,6 +11,7 @@
 #include "hal/TextStore.h"
 #include "olma_hal.h"
 
+#include <atomic>
 #include <cstddef>
 #include <ctime>
 #include <deque>
@@ -106,13 +107,18 @@ struct PanelState {
 // How many of each thing the panel keeps in mind.
 const std::size_t KEPT_RECORDS = 1000;
 
-// Appends to one of the lists above, dropping the oldest beyond KEPT_RECORDS.
-template <class T>
-void Keep(std::deque<T>& list, const T& item) {
-    list.push_back(item);
-    while (list.size() > KEPT_RECORDS)
-        list.pop_front();
-}
+// Hears of each thing that is kept as it happens, on the thread that does it and under the panel's
+// lock: what it does must be short and must not call the panel.
+class Observer {
+public:
+    virtual ~Observer() = default;
+    virtual void Did(const Beep& beep) = 0;
+    virtual void Did(const Capture& capture) = 0;
+    virtual void Did(const std::string& guiCall) = 0;
+    virtual void Did(const hal_network_t& appliedRecord) = 0;
+    virtual void Did(const std::tm& rtcSetting) = 0;
+    virtual void Did(const LogLine& line) = 0;
+};
 
 // The names of the platform functions that can be made to fail, sorted.
 const std::vector<std::string>& FailableFunctions();
@@ -143,6 +149,10 @@ public:
     // TextStore::CAPACITY other texts.
     const char* KeepText(const std::string& text);
 
+    // observer: null for none; the one before hears nothing more when this returns.
+    void SetObserver(Observer* observer);
+    Observer* TheObserver() const { return m_pObserver; }
+
     // The clock behind Olma_GetTickCount and Olma_Sleep; see SimClock.
     void HoldClock() { m_clock.Hold(); }
     void AdvanceClock(long long milliseconds) { m_clock.Advance(milliseconds); }
@@ -164,7 +174,19 @@ private:
     PanelState m_state HXD_GUARDED_BY(m_lock);
     SimClock m_clock;
     TextStore m_texts;
+    std::atomic<Observer*> m_pObserver{nullptr};  // changed under m_lock
 };
+
+// Appends to one of the panel's lists, dropping the oldest beyond KEPT_RECORDS. Under its lock.
+template <class T>
+void Keep(std::deque<T>& list, const T& item) {
+    list.push_back(item);
+    while (list.size() > KEPT_RECORDS)
+        list.pop_front();
+    Observer* const observer = SimPanel::Instance().TheObserver();
+    if (observer != nullptr)
+        observer->Did(item);
+}
 
 }  // namespace sim
 
