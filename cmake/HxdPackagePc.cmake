@@ -14,7 +14,8 @@ install(DIRECTORY hxdpanel/sandbox/shims DESTINATION ${program_dir}/bin/sandbox 
     COMPONENT pc)
 install(PROGRAMS hxdpanel/sandbox/panel-boot hxdpanel/sandbox/panel-files DESTINATION ${program_dir}/bin/sandbox COMPONENT pc)
 install(DIRECTORY hxdpanel/page DESTINATION ${program_dir}/bin COMPONENT pc FILES_MATCHING
-    PATTERN "*.html" PATTERN "*.css" PATTERN "*.js" PATTERN "*.svg" PATTERN "*.png" PATTERN "*.json")
+    PATTERN "*.html" PATTERN "*.css" PATTERN "*.js" PATTERN "*.svg" PATTERN "*.png")
+install(FILES docs/openapi.json docs/json-schema.json DESTINATION ${program_dir}/docs COMPONENT pc)
 install(DIRECTORY hxdpanel/default-panel DESTINATION ${program_dir}/bin COMPONENT pc)
 file(MAKE_DIRECTORY ${made})
 file(CREATE_LINK ../${program_dir}/bin/hxdpanel ${made}/hxdpanel SYMBOLIC)

@@ -165,6 +165,7 @@ std::unique_ptr<Page> StartPage(const SessionParts& parts, const Options& option
     setup.machine = options.inside.machine;
     setup.isOpen = options.page.isOpen;
     setup.folder = sandbox::Companion("page");
+    setup.documents = sandbox::Companion("../docs");
     std::unique_ptr<Page> page;
     if (setup.socket >= 0)
         page = Page::Start(parts, setup, error);

@@ -53,14 +53,22 @@ void EventHub::Queue(Listener& listener, const std::string& text) {
     listener.isNew = true;
 }
 
+void EventHub::Remember(const std::string& text) {
+    m_remembered.push_back({m_ullNewest, text});
+    m_nRememberedBytes += text.size();
+    while (m_remembered.size() > MAX_REMEMBERED || m_nRememberedBytes > MAX_REMEMBERED_BYTES) {
+        m_nRememberedBytes -= m_remembered.front().text.size();
+        m_remembered.pop_front();
+    }
+}
+
 void EventHub::Publish(const char* name, const Json& content) {
     const hxd::MutexLock lock(m_lock);
     ++m_ullNewest;
-    m_remembered.push_back({m_ullNewest, Line({name, content})});
-    if (m_remembered.size() > MAX_REMEMBERED)
-        m_remembered.pop_front();
+    const std::string text = Line({name, content});
+    Remember(text);
     for (Listener* listener : m_listeners)
-        Queue(*listener, m_remembered.back().text);
+        Queue(*listener, text);
     m_changed.notify_all();
 }
 

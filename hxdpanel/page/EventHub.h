@@ -23,7 +23,8 @@ class EventHub {
 public:
     static constexpr std::size_t MAX_LISTENERS = 16;
     static constexpr std::size_t MAX_QUEUED = 512 * 1024;  // bytes that wait for one listener
-    static constexpr std::size_t MAX_REMEMBERED = 256;     // events for who comes back
+    static constexpr std::size_t MAX_REMEMBERED = 256;     // events for who comes back ...
+    static constexpr std::size_t MAX_REMEMBERED_BYTES = 512 * 1024;  // ... and their size
 
     using Event = std::pair<const char*, Json>;  // name and content
 
@@ -58,6 +59,7 @@ private:
     void Leave(Listener& listener);
     std::string Line(const Event& event) HXD_REQUIRES(m_lock);
     static void Queue(Listener& listener, const std::string& text);
+    void Remember(const std::string& text) HXD_REQUIRES(m_lock);
     bool Resume(Listener& listener, const std::string& lastId) HXD_REQUIRES(m_lock);
 
     const std::string m_strRun;  // begins each event's id: those of another run are not ours
@@ -67,6 +69,7 @@ private:
     bool m_bClosed HXD_GUARDED_BY(m_lock) = false;
     unsigned long long m_ullNewest HXD_GUARDED_BY(m_lock) = 0;
     std::deque<Remembered> m_remembered HXD_GUARDED_BY(m_lock);
+    std::size_t m_nRememberedBytes HXD_GUARDED_BY(m_lock) = 0;
     std::list<Listener*> m_listeners HXD_GUARDED_BY(m_lock);
 };
 

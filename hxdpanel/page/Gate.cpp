@@ -30,7 +30,10 @@ bool IsOfInterface(const Request& request) {
 }
 
 std::string WithoutPort(const std::string& host) {
-    return host.substr(0, host.rfind(':'));
+    const std::size_t colon = host.find(':');
+    const bool hasPort = colon != std::string::npos &&
+                         host.find_first_not_of("0123456789", colon + 1) == std::string::npos;
+    return hasPort ? host.substr(0, colon) : host;
 }
 
 }  // namespace

@@ -106,6 +106,7 @@ const std::vector<Interface::Route>& Interface::Routes() {
         {"GET", "/api/captures/{name}", &Interface::Capture},
         {"GET", "/api/events", &Interface::Events},
         {"GET", "/api/openapi.json", &Interface::Description},
+        {"GET", "/api/json-schema.json", &Interface::Objects},
         {"GET", "/metrics", &Interface::Metrics},
         {"GET", "/", &Interface::FirstFile},
         {"GET", "/page/{file}", &Interface::File},
@@ -115,7 +116,8 @@ const std::vector<Interface::Route>& Interface::Routes() {
 }
 
 Interface::Interface(Session& session, HostDatabase& database, SharedRun& shared, EventHub& hub,
-                     Witness& witness, Readings& readings, Gate& gate, const std::string& folder)
+                     Witness& witness, Readings& readings, Gate& gate, const std::string& folder,
+                     const std::string& documents)
     : m_session(session),
       m_database(database),
       m_shared(shared),
@@ -123,7 +125,8 @@ Interface::Interface(Session& session, HostDatabase& database, SharedRun& shared
       m_witness(witness),
       m_readings(readings),
       m_gate(gate),
-      m_strFolder(folder) {}
+      m_strFolder(folder),
+      m_strDocuments(documents) {}
 
 Response Interface::Answer(const Request& request) {
     Response response;
@@ -328,7 +331,11 @@ Response Interface::Metrics(const Call& call) {
 }
 
 Response Interface::Description(const Call&) {
-    return PageFile(m_strFolder, "openapi.json");
+    return PageFile(m_strDocuments, "openapi.json");
+}
+
+Response Interface::Objects(const Call&) {
+    return PageFile(m_strDocuments, "json-schema.json");
 }
 
 Response Interface::FirstFile(const Call&) {

@@ -18,8 +18,10 @@ namespace page {
 class Interface {
 public:
     // What is passed outlives the object. session: the page's own. folder: of the page's files.
+    // documents: folder of the descriptions.
     Interface(Session& session, HostDatabase& database, SharedRun& shared, EventHub& hub,
-              Witness& witness, Readings& readings, Gate& gate, const std::string& folder);
+              Witness& witness, Readings& readings, Gate& gate, const std::string& folder,
+              const std::string& documents);
 
     // From any thread; waits while somebody else acts on the device.
     Response Answer(const Request& request);
@@ -56,6 +58,7 @@ private:
     Response Events(const Call& call);
     Response Metrics(const Call& call);
     Response Description(const Call& call);
+    Response Objects(const Call& call);
     Response FirstFile(const Call& call);
     Response File(const Call& call);
     Response Library(const Call& call);
@@ -70,6 +73,7 @@ private:
     Readings& m_readings;
     Gate& m_gate;
     const std::string m_strFolder;
+    const std::string m_strDocuments;
 };
 
 }  // namespace page

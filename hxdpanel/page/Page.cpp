@@ -40,7 +40,7 @@ struct Page::Parts {
           readings(session, hub, witness),
           gate(setup.machine, token, port),
           interface(session, parts.database, parts.shared, hub, witness, readings, gate,
-                    setup.folder) {
+                    setup.folder, setup.documents) {
         session.BeNamed("page");
         session.UseJson(JsonLayout::LINE);
     }

@@ -8,10 +8,11 @@
 #include <string>
 
 struct PageSetup {
-    int socket = -1;      // listening; the page closes it
-    std::string machine;  // a name under which it may be asked for, beside its addresses
-    bool isOpen = false;  // to other machines; then only with a token
-    std::string folder;   // of the files that a browser is shown
+    int socket = -1;        // listening; the page closes it
+    std::string machine;    // a name under which it may be asked for, beside its addresses
+    bool isOpen = false;    // to other machines; then only with a token
+    std::string folder;     // of the files that a browser is shown
+    std::string documents;  // folder of the descriptions of the interface
 };
 
 // Shares the device with the console: see SharedRun.

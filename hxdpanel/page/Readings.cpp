@@ -34,6 +34,17 @@ std::string ScreenText() {
     return text;
 }
 
+// But for a millisecond between the two clocks that the panel's is compared with.
+bool IsSamePanel(Json left, Json right) {
+    constexpr long long ROUGHLY = 1000;
+    for (Json* panel : {&left, &right}) {
+        if (panel->is_object())
+            (*panel)["clock"]["aheadMs"] =
+                ((*panel)["clock"]["aheadMs"].get<long long>() + ROUGHLY / 2) / ROUGHLY;
+    }
+    return left == right;
+}
+
 }  // namespace
 
 Readings::Readings(Session& session, EventHub& hub, Witness& witness)
@@ -141,10 +152,11 @@ void Readings::TellCommands(const std::vector<std::string>& commands) {
 
 void Readings::TellPanel(const Json& panel) {
     const Json event = JsonObject("panel", panel);
-    if (event == m_panel)
-        return;
+    const bool isSame = IsSamePanel(event, m_panel);
     const bool isLight = m_panel.is_object() && m_panel["light"] != panel["light"];
     m_panel = event;
+    if (isSame)
+        return;
     if (isLight && !m_bFirst)
         m_witness.Did("light", panel["light"] ? "the light is on" : "the light is off");
     m_hub.Publish("panel", event);

@@ -53,4 +53,29 @@ shown=$(run --panel p --root none exec 'brightness none' && run --panel p --root
 expect 'no brightness control is kept' 0 'panel/brightness = none (described as 80)' "$shown"
 shown=$(run --panel p --root kept write 21 42 && run --panel p --root kept panel)
 expect 'what is kept is shown' 0 'panel/brightness = 40 (described as 80)' "$shown"
+# The page: its socket is the machine's, the panel has none; a pipe of commands goes first.
+printf 'write 21 40\npage\n' >lines
+"$hxdpanel" --fresh --page <lines >page.out 2>page.err &
+server=$!
+for ((i = 0; i < 100; ++i)); do
+    grep -q '^http://' page.out && break
+    sleep 0.1
+done
+port=$(sed -n 's|^http://127.0.0.1:\([0-9]*\)/$|\1|p' page.out)
+ask() {  # PATH
+    exec 3<>"/dev/tcp/127.0.0.1/$port" || return
+    printf 'GET %s HTTP/1.1\r\nHost: localhost\r\nConnection: close\r\n\r\n' "$1" >&3
+    cat <&3
+}
+shown=$(ask /api/channels/21)
+expect 'the page answers the machine' 0 '"value":40' "$shown"
+shown=$(ask /api/openapi.json)
+expect 'and has its files in the sandbox' 0 '"openapi"' "$shown"
+shown=$(run --fresh --page "$port" </dev/null)
+expect 'a port that is taken' 2 'cannot listen at 127.0.0.1' "$shown"
+kill -TERM "$server"
+wait "$server"
+expect 'the page ends in good order' 0 '' ''
+shown=$(run --fresh --page channels)
+expect 'a page without a console' 2 'goes with the console' "$shown"
 exit "$failures"

@@ -1,6 +1,7 @@
 // The page's server, asked as browsers and programs ask it, and as those do who should get nothing.
 // The program runs in the sandbox of the case, so it opens its socket itself.
 #include "HttpClient.h"
+#include "JsonSchema.h"
 #include "TestFiles.h"
 
 #include "common/QtProcess.h"
@@ -81,46 +82,17 @@ private:
     std::string m_errors;
 };
 
-// The first difference between a value and what its schema allows; "" for none.
-std::string Mismatch(const Json& value, const Json& schema, const Json& all,
-                     const std::string& at) {
-    if (schema.contains("$ref")) {
-        const std::string name = schema["$ref"];
-        return Mismatch(value, all[Json::json_pointer(name.substr(1))], all, at);
+// A part of the description with everything that it refers to, in one.
+JsonSchema SchemaOf(const Json& part, const Json& description, const Json& objects) {
+    Json schema = part;
+    schema["$defs"] = objects["$defs"];
+    schema["$defs"].update(description["components"]["schemas"]);
+    std::string text = schema.dump();
+    for (const std::string place : {"json-schema.json#/$defs/", "#/components/schemas/"}) {
+        for (std::size_t at; (at = text.find(place)) != std::string::npos;)
+            text.replace(at, place.size(), "#/$defs/");
     }
-    if (schema.contains("const"))
-        return value == schema["const"] ? "" : at + " is " + value.dump();
-    if (schema.contains("enum")) {
-        const Json& choice = schema["enum"];
-        return std::find(choice.begin(), choice.end(), value) != choice.end()
-                   ? ""
-                   : at + " is " + value.dump();
-    }
-    const Json type = schema.value("type", Json());
-    const auto is = [&value](const Json& name) {
-        return (name == "integer" && value.is_number_integer()) ||
-               (name == "boolean" && value.is_boolean()) || name == value.type_name();
-    };
-    const bool fits = type.is_array() ? std::any_of(type.begin(), type.end(), is) : is(type);
-    if (!fits)
-        return at + " is no " + type.dump() + ": " + value.dump();
-    std::string wrong;
-    if (value.is_array()) {
-        for (const Json& element : value)
-            wrong = wrong.empty() ? Mismatch(element, schema["items"], all, at + "/-") : wrong;
-    } else if (value.is_object() && schema.contains("properties")) {
-        const Json& members = schema["properties"];
-        for (const std::string name : schema["required"])
-            wrong = value.contains(name) ? wrong : at + " has no " + name;
-        for (const auto& member : value.items()) {
-            if (!wrong.empty())
-                break;
-            wrong = members.contains(member.key()) ? Mismatch(member.value(), members[member.key()],
-                                                              all, at + "/" + member.key())
-                                                   : at + " has " + member.key();
-        }
-    }
-    return wrong;
+    return JsonSchema(Json::parse(text));
 }
 
 // As a user of the description would fill it in.
@@ -136,8 +108,8 @@ std::string Filled(std::string path) {
 }
 
 std::string BodyFor(const std::string& path) {
-    return path == "/api/run" ? R"({"line": "SAVESCREEN($OLMA_DIR_USR/shot.png)"})"
-                              : R"({"value": 40})";
+    return path == "/api/run" ? "{\"line\": \"SAVESCREEN($OLMA_DIR_USR/shot.png)\"}"
+                              : "{\"value\": 40}";
 }
 
 }  // namespace
@@ -145,7 +117,8 @@ std::string BodyFor(const std::string& path) {
 TEST(Page, AnswersWhatItsDescriptionSays) {
     Panel panel;
     const Json all = panel.Get("/api/openapi.json").Json();
-    ASSERT_TRUE(all.is_object());
+    const Json objects = panel.Get("/api/json-schema.json").Json();
+    ASSERT_TRUE(all.is_object() && objects.is_object());
     std::set<std::string> described;
     EXPECT_EQ(panel.Run("SAVESCREEN($OLMA_DIR_USR/shot.png)").status, 200);
     for (const auto& path : all["paths"].items()) {
@@ -163,7 +136,9 @@ TEST(Page, AnswersWhatItsDescriptionSays) {
             const Json& content = operation.value()["responses"]["200"]["content"];
             const std::string type = content.begin().key();
             if (content.begin().value().contains("schema"))
-                EXPECT_EQ(Mismatch(answer.Json(), content.begin().value()["schema"], all, ""), "")
+                EXPECT_EQ(SchemaOf(content.begin().value()["schema"], all, objects)
+                              .Mismatch(answer.Json()),
+                          "")
                     << at << ": " << answer.body;
             const bool isOneOf = std::any_of(
                 content.items().begin(), content.items().end(),
@@ -187,19 +162,19 @@ TEST(Page, MistakesAreAnsweredWithTheirStatus) {
         const char* says;
     } cases[] = {
         {"GET", "/api/channels/99", "", 404, "99"},
-        {"PUT", "/api/channels/21", R"({"value": "dark"})", 400, "takes a number"},
-        {"PUT", "/api/channels/21", R"({"value": true})", 400, "needs a value"},
-        {"PUT", "/api/channels/21", R"({"value": 101})", 200, R"("code":5)"},
+        {"PUT", "/api/channels/21", "{\"value\": \"dark\"}", 400, "takes a number"},
+        {"PUT", "/api/channels/21", "{\"value\": true}", 400, "needs a value"},
+        {"PUT", "/api/channels/21", "{\"value\": 101}", 200, "\"code\":5"},
         {"PUT", "/api/channels/21", "{", 400, "no JSON object"},
         {"PUT", "/api/channels/21", "[1]", 400, "no JSON object"},
-        {"PUT", "/api/variables/x", R"({"value": "a", "type": "int"})", 400, "x"},
-        {"POST", "/api/run", R"({"line": "nonsense"})", 400, "is no command"},
-        {"POST", "/api/run", R"({"line": "fail nothing"})", 400, "no function"},
-        {"POST", "/api/run", R"({"line": "quit"})", 400, "console only"},
-        {"POST", "/api/run", R"({"line": " record x"})", 400, "console only"},
-        {"POST", "/api/run", R"({"line": "watch"})", 400, "console only"},
+        {"PUT", "/api/variables/x", "{\"value\": \"a\", \"type\": \"int\"}", 400, "x"},
+        {"POST", "/api/run", "{\"line\": \"nonsense\"}", 400, "is no command"},
+        {"POST", "/api/run", "{\"line\": \"fail nothing\"}", 400, "no function"},
+        {"POST", "/api/run", "{\"line\": \"quit\"}", 400, "console only"},
+        {"POST", "/api/run", "{\"line\": \" record x\"}", 400, "console only"},
+        {"POST", "/api/run", "{\"line\": \"watch\"}", 400, "console only"},
         {"POST", "/api/run", "{\"line\": \"set a 1\\nset b 2\"}", 400, "control"},
-        {"POST", "/api/run", R"({"line": 5})", 400, "needs a line"},
+        {"POST", "/api/run", "{\"line\": 5}", 400, "needs a line"},
         {"DELETE", "/api/channels/21", "{}", 405, "GET, PUT"},
         {"GET", "/api/nothing", "", 404, "nothing"},
     };
@@ -295,56 +270,58 @@ TEST(Page, AListenerThatDoesNotReadHoldsNobodyUp) {
 
 TEST(Page, OthersMayNotAsk) {
     Panel panel;
-    const std::string reboot = R"({"line": "REBOOT()"
-})";
+    const std::string reboot = "{\"line\": \"REBOOT()\"}";
     const std::string large(70000, 'x');
-const struct {
-    std::string request;
-    int status;
-} cases[] = {
-    {Text("GET", "/api/channels", "", "Host: evil.example\r\n"), 421},
-    {Text("GET", "/api/channels", "", "Host: evil.example:80\r\nHost: localhost\r\n"), 421},
-    {Text("GET", "/", "", "Host: 127.0.0.1.evil.example\r\n"), 421},
-    {Text("GET", "/api/channels", "", "Host: \r\n"), 421},
-    {Text("GET", "/api/channels/21", "", "Host: localhost:1\r\n"), 200},  // a tunnel's port
-    {Text("POST", "/api/run", reboot, "Origin: http://evil.example\r\n"), 403},
-    {Text("POST", "/api/run", reboot, "Origin: null\r\n"), 403},
-    {Text("POST", "/api/run", reboot, "Sec-Fetch-Site: cross-site\r\n"), 403},
-    {Text("GET", "/api/events", "", "Sec-Fetch-Site: cross-site\r\n"), 403},
-    {"POST /api/run HTTP/1.1\r\nHost: localhost\r\nConnection: close\r\n"
-     "Content-Type: text/plain\r\nContent-Length: 20\r\n\r\n" +
-         reboot,
-     415},
-    {"POST /api/run HTTP/1.1\r\nHost: localhost\r\nConnection: close\r\n"
-     "Content-Length: 20\r\n\r\n" +
-         reboot,
-     415},
-    {"POST /api/run HTTP/1.1\r\nHost: localhost\r\nConnection: close\r\n"
-     "Content-Type: application/json\r\nContent-Length: 99999999999\r\n\r\n",
-     413},
-    {"POST /api/run HTTP/1.1\r\nHost: localhost\r\nConnection: close\r\nTransfer-Encoding: "
-     "chunked\r\nContent-Type: application/json\r\n\r\n11170\r\n" +
-         large + "\r\n0\r\n\r\n",
-     0},
-    {Text("GET", "/api/channels", "", "X: " + large + "\r\n"), 431},
-    {Text("GET", "/page/../main.cpp"), 404},
-    {Text("GET", "/page/%2e%2e%2fmain.cpp"), 404},
-    {Text("GET", "/page/Page.cpp"), 404},
-    {Text("GET", "/page/"), 404},
-    {Text("GET", "/vendor/..%2f..%2fpasswd"), 404},
-    {Text("GET", "/api/captures/..%2f..%2fetc%2fpasswd"), 404},
-    {Text("GET", "/api/captures/unsaved.png"), 404},
-    {Text("POST", "/api/run", std::string(60000, '[')), 400},
-};
-for (const auto& row : cases)
-    EXPECT_EQ(Exchange(panel.Port(), row.request).status, row.status) << row.request.substr(0, 200);
-const Answer answer = panel.Get("/api/panel");
-EXPECT_EQ(answer.status, 200);
-for (const char* field :
-     {"Content-Security-Policy: default-src 'self'", "X-Content-Type-Options: nosniff",
-      "Cache-Control: no-store", "Cross-Origin-Resource-Policy: same-origin"})
-    EXPECT_TRUE(answer.Says(field)) << field;
-EXPECT_EQ(EventReader(panel.Port()).Next().data["restarts"], 0);
+    const struct {
+        std::string request;
+        int status;
+    } cases[] = {
+        {Text("GET", "/api/channels", "", "Host: evil.example\r\n"), 421},
+        {Text("GET", "/api/channels", "", "Host: evil.example:80\r\nHost: localhost\r\n"), 421},
+        {Text("GET", "/api/channels", "", "Host: localhost:1\r\nHost: evil.example\r\n"), 421},
+        {Text("GET", "/", "", "Host: 127.0.0.1.evil.example\r\n"), 421},
+        {Text("GET", "/api/channels", "", "Host: \r\n"), 421},
+        {Text("GET", "/api/channels/21", "", "Host: localhost:1\r\n"), 200},  // a tunnel's port
+        {Text("POST", "/api/run", reboot, "Origin: http://evil.example\r\n"), 403},
+        {Text("POST", "/api/run", reboot, "Origin: null\r\n"), 403},
+        {Text("POST", "/api/run", reboot, "Sec-Fetch-Site: cross-site\r\n"), 403},
+        {Text("GET", "/api/events", "", "Sec-Fetch-Site: cross-site\r\n"), 403},
+        {"POST /api/run HTTP/1.1\r\nHost: localhost\r\nConnection: close\r\n"
+         "Content-Type: text/plain\r\nContent-Length: 20\r\n\r\n" +
+             reboot,
+         415},
+        {"POST /api/run HTTP/1.1\r\nHost: localhost\r\nConnection: close\r\n"
+         "Content-Length: 20\r\n\r\n" +
+             reboot,
+         415},
+        {"POST /api/run HTTP/1.1\r\nHost: localhost\r\nConnection: close\r\n"
+         "Content-Type: application/json\r\nContent-Length: 99999999999\r\n\r\n",
+         413},
+        {"POST /api/run HTTP/1.1\r\nHost: localhost\r\nConnection: close\r\nTransfer-Encoding: "
+         "chunked\r\nContent-Type: application/json\r\n\r\n11170\r\n" +
+             large + "\r\n0\r\n\r\n",
+         0},
+        {Text("GET", "/page/../main.cpp"), 404},
+        {Text("GET", "/page/%2e%2e%2fmain.cpp"), 404},
+        {Text("GET", "/page/Page.cpp"), 404},
+        {Text("GET", "/page/"), 404},
+        {Text("GET", "/vendor/..%2f..%2fpasswd"), 404},
+        {Text("GET", "/api/captures/..%2f..%2fetc%2fpasswd"), 404},
+        {Text("GET", "/api/captures/unsaved.png"), 404},
+        {Text("POST", "/api/run", std::string(60000, '[')), 400},
+    };
+    for (const auto& row : cases)
+        EXPECT_EQ(Exchange(panel.Port(), row.request).status, row.status)
+            << row.request.substr(0, 200);
+    // Refused before it is all read, so the answer may get lost.
+    EXPECT_NE(Exchange(panel.Port(), Text("GET", "/", "", "X: " + large + "\r\n")).status, 200);
+    const Answer answer = panel.Get("/api/panel");
+    EXPECT_EQ(answer.status, 200);
+    for (const char* field :
+         {"Content-Security-Policy: default-src 'self'", "X-Content-Type-Options: nosniff",
+          "Cache-Control: no-store", "Cross-Origin-Resource-Policy: same-origin"})
+        EXPECT_TRUE(answer.Says(field)) << field;
+    EXPECT_EQ(EventReader(panel.Port()).Next().data["restarts"], 0);
 }
 
 // What was saved is shown, what somebody has put in its place is not.
