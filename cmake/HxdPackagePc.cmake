@@ -13,8 +13,7 @@ install(PROGRAMS hxdpanel/in-panel DESTINATION ${program_dir}/bin COMPONENT pc)
 install(DIRECTORY hxdpanel/sandbox/shims DESTINATION ${program_dir}/bin/sandbox USE_SOURCE_PERMISSIONS
     COMPONENT pc)
 install(PROGRAMS hxdpanel/sandbox/panel-boot hxdpanel/sandbox/panel-files DESTINATION ${program_dir}/bin/sandbox COMPONENT pc)
-install(DIRECTORY hxdpanel/page DESTINATION ${program_dir}/bin COMPONENT pc FILES_MATCHING
-    PATTERN "*.html" PATTERN "*.css" PATTERN "*.js" PATTERN "*.svg" PATTERN "*.png")
+install(DIRECTORY hxdpanel/page/web DESTINATION ${program_dir}/bin/page COMPONENT pc)
 install(FILES docs/openapi.json docs/json-schema.json DESTINATION ${program_dir}/docs COMPONENT pc)
 install(DIRECTORY hxdpanel/default-panel DESTINATION ${program_dir}/bin COMPONENT pc)
 file(MAKE_DIRECTORY ${made})

@@ -164,7 +164,7 @@ std::unique_ptr<Page> StartPage(const SessionParts& parts, const Options& option
         ::fcntl(setup.socket, F_SETFD, FD_CLOEXEC);
     setup.machine = options.inside.machine;
     setup.isOpen = options.page.isOpen;
-    setup.folder = sandbox::Companion("page");
+    setup.folder = sandbox::Companion("page/web");
     setup.documents = sandbox::Companion("../docs");
     std::unique_ptr<Page> page;
     if (setup.socket >= 0)

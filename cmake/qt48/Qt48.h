@@ -438,6 +438,12 @@ public:
     void endGroup();
 };
 
+class QBuffer : public QIODevice {
+public:
+    explicit QBuffer(QByteArray* bytes, QObject* parent = 0);
+    virtual bool open(OpenMode mode);
+};
+
 class QProcess : public QIODevice {
 public:
     enum ProcessError { FailedToStart, Crashed, Timedout, ReadError, WriteError, UnknownError };
@@ -457,6 +463,7 @@ public:
     QByteArray readAllStandardOutput();
     QByteArray readAllStandardError();
     bool waitForReadyRead(int ms = 30000);
+    bool waitForBytesWritten(int ms = 30000);
     void closeWriteChannel();
     void setReadChannel(ProcessChannel channel);
     void kill();
@@ -518,6 +525,9 @@ public:
 
 typedef unsigned int QRgb;
 QRgb qRgb(int red, int green, int blue);
+int qRed(QRgb colour);
+int qGreen(QRgb colour);
+int qBlue(QRgb colour);
 
 class QImage {
 public:

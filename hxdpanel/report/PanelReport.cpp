@@ -26,17 +26,6 @@ std::string RecordText(const hal_network_t& record) {
            std::to_string(record.flags & 3);
 }
 
-std::string CaptureText(const sim::Capture& capture) {
-    return Visible(capture.dirMacro + "/" + capture.relativePath) + "  at " +
-           std::to_string(capture.x) + "," + std::to_string(capture.y) + "  size " +
-           std::to_string(capture.width) + " x " + std::to_string(capture.height);
-}
-
-std::string BeepText(const sim::Beep& beep) {
-    return std::to_string(beep.frequencyHz) + " Hz for " + std::to_string(beep.milliseconds) +
-           " ms";
-}
-
 template <class ITEMS, class TEXT>
 Lines Texts(const ITEMS& items, TEXT text) {
     Lines lines;
@@ -102,21 +91,26 @@ Lines Hits(const sim::PanelState& state) {
     return lines;
 }
 
+template <class ITEMS>
+Lines Events(const ITEMS& items) {
+    return Texts(items, [](const auto& item) { return EventText(item); });
+}
+
 struct EventKind {
     const char* verb;
     const char* title;
     Lines (*list)(const sim::PanelState& state);
 };
 const EventKind EVENT_KINDS[] = {
-    {"beeped", "Beeps", [](const sim::PanelState& state) { return Texts(state.beeps, BeepText); }},
+    {"beeped", "Beeps", [](const sim::PanelState& state) { return Events(state.beeps); }},
     {"reloaded", "Settings reloads",
      [](const sim::PanelState& state) { return Texts(state.guiCalls, Visible); }},
     {"addressed", "Interfaces set",
-     [](const sim::PanelState& state) { return Texts(state.appliedRecords, RecordText); }},
+     [](const sim::PanelState& state) { return Events(state.appliedRecords); }},
     {"clocked", "Clock set",
-     [](const sim::PanelState& state) { return Texts(state.rtcSettings, TimeText); }},
+     [](const sim::PanelState& state) { return Events(state.rtcSettings); }},
     {"captured", "Screen captures",
-     [](const sim::PanelState& state) { return Texts(state.captures, CaptureText); }},
+     [](const sim::PanelState& state) { return Events(state.captures); }},
     {"ran", "Commands run", [](const sim::PanelState&) { return CommandsRun(); }},
     {"failed", nullptr, Hits},  // the failures' own list tells of them
 };
@@ -222,12 +216,15 @@ void PrintPanel(std::FILE* out, const PanelSource& source) {
         std::fputs("no beep, setting, address, picture or command yet\n", out);
 }
 
-std::string EventText(const sim::Beep& beep) {
-    return BeepText(beep);
+std::string EventText(const sim::Capture& capture) {
+    return Visible(capture.dirMacro + "/" + capture.relativePath) + "  at " +
+           std::to_string(capture.x) + "," + std::to_string(capture.y) + "  size " +
+           std::to_string(capture.width) + " x " + std::to_string(capture.height);
 }
 
-std::string EventText(const sim::Capture& capture) {
-    return CaptureText(capture);
+std::string EventText(const sim::Beep& beep) {
+    return std::to_string(beep.frequencyHz) + " Hz for " + std::to_string(beep.milliseconds) +
+           " ms";
 }
 
 std::string EventText(const hal_network_t& appliedRecord) {

@@ -30,7 +30,7 @@ using Json = nlohmann::json;
 // hxdpanel with a page; its console gets what Type() is given.
 class Panel {
 public:
-    explicit Panel(const QStringList& more = {}) {
+    explicit Panel(const QStringList& more = QStringList()) {
         QStringList words;
         words << QLatin1String("--page") << more;
         m_process.start(QString::fromUtf8(HXD_PANEL_PROGRAM), words);
@@ -50,7 +50,7 @@ public:
 
     int Port() const { return m_port; }
     const std::string& Token() const { return m_token; }
-    long Process() const { return static_cast<long>(hxd::ProcessId(m_process)); }
+    int Process() const { return static_cast<int>(hxd::ProcessId(m_process)); }
 
     void Type(const char* line) {
         m_process.write(line);
@@ -211,7 +211,8 @@ TEST(Page, WhoeverActsAllSeeIt) {
     }
     EXPECT_EQ(panel.Put("/api/channels/7", {{"value", 50}}).status, 200);
     panel.AwaitError("page: write 7 50: 0 (done)");
-    EXPECT_EQ(first.Await("did").data["milliseconds"], 50);
+    const auto isBeep = [](const Json& data) { return data["kind"] == "beep"; };
+    EXPECT_EQ(first.Await("did", isBeep).data["milliseconds"], 50);
     panel.Run("light off");
     EXPECT_EQ(second.Await("panel", [](const Json& data) { return data["light"] == false; }).name,
               "panel");
@@ -364,7 +365,7 @@ TEST(Page, AFloodIsBounded) {
 }
 
 TEST(Page, WithListenTheTokenIsNeeded) {
-    Panel panel({QLatin1String("--listen"), QLatin1String("127.0.0.1")});
+    Panel panel(QStringList() << QLatin1String("--listen") << QLatin1String("127.0.0.1"));
     ASSERT_EQ(panel.Token().size(), 32U);
     const std::string cookie =
         "Cookie: hxdpanel-" + std::to_string(panel.Port()) + "=" + panel.Token() + "\r\n";
@@ -410,7 +411,7 @@ TEST(Page, MetricsAreReadable) {
 namespace {
 
 // How often the threads of a process have been woken.
-long Switches(long process) {
+long Switches(int process) {
     QProcess shell;
     const QString command = QString::fromLatin1("cat /proc/%1/task/*/status").arg(process);
     shell.start(QLatin1String("sh"), QStringList() << QLatin1String("-c") << command);
