@@ -393,7 +393,7 @@ public:
 
 class QDir {
 public:
-    enum Filter { Dirs = 1, Files = 2, AllEntries = 7, Hidden = 0x100 };
+    enum Filter { Dirs = 1, Files = 2, AllEntries = 7, Hidden = 0x100, NoDotAndDotDot = 0x1000 };
     typedef int Filters;
     QDir(const QString& path = QString());
     QStringList entryList(Filters filters) const;

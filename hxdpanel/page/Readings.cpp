@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <utility>
 
 namespace page {
 
@@ -19,19 +20,21 @@ namespace {
 
 constexpr std::chrono::milliseconds INTERVAL{500};
 constexpr std::chrono::seconds SIGN_INTERVAL{10};  // finds those who are gone
-// The picture shows a clock and use that changes with every reading; drawing it costs more than a
-// reading does.
-constexpr std::chrono::seconds SCREEN_INTERVAL{1};
+// The picture shows a clock and use that changes with every reading, and drawing it costs more than
+// a reading does. Light is told at once.
+constexpr std::chrono::seconds SCREEN_INTERVAL{2};
 
-std::string ScreenText() {
+// What the picture shows: light, and the texts.
+std::pair<std::string, std::string> ScreenTexts() {
+    std::string light;
     std::string text;
-    sim::SimPanel::Instance().Change([&text](sim::PanelState& state) {
-        text = state.serialNumber + (state.lightOn ? " on " : " off ") +
-               std::to_string(state.brightness);
+    sim::SimPanel::Instance().Change([&](sim::PanelState& state) {
+        light = (state.lightOn ? "on " : "off ") + std::to_string(state.brightness);
+        text = state.serialNumber;
         for (const auto& row : state.screenRows)
             text += "\n" + row.first + "=" + row.second;
     });
-    return text;
+    return {light, text};
 }
 
 // But for a millisecond between the two clocks that the panel's is compared with.
@@ -163,10 +166,12 @@ void Readings::TellPanel(const Json& panel) {
 }
 
 void Readings::TellScreen() {
-    const std::string screen = ScreenText();
-    if (screen == m_strScreen || m_last < m_lastScreen + SCREEN_INTERVAL)
+    const std::pair<std::string, std::string> screen = ScreenTexts();
+    const bool isDue = screen.first != m_strLight || m_last >= m_lastScreen + SCREEN_INTERVAL;
+    if (!isDue || (screen.first == m_strLight && screen.second == m_strScreen))
         return;
-    m_strScreen = screen;
+    m_strLight = screen.first;
+    m_strScreen = screen.second;
     m_lastScreen = m_last;
     m_hub.Publish("screen", {{"version", ++m_nScreen}});
 }
