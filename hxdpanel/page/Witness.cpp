@@ -50,7 +50,7 @@ void Witness::Acted(const std::string& by, const std::string& line, int status,
     m_hub.Publish("acted", {{"time", IsoTime()},
                             {"by", by},
                             {"line", line},
-                            {"status", JsonStatus(status, meaning.c_str())}});
+                            {"status", JsonStatus(status, meaning)}});
     m_changed();
 }
 
