@@ -12,10 +12,6 @@ constexpr unsigned TICK_MS = 200;
 
 }  // namespace
 
-DiskWorker::~DiskWorker() {
-    StopWorker();
-}
-
 void DiskWorker::StopWorker() {
     m_bRunning = false;
     if (m_thread.joinable())

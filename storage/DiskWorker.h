@@ -19,7 +19,7 @@ class DiskWorker : public DiskInterface {
 public:
     DiskWorker(const DiskWorker&) = delete;
     DiskWorker& operator=(const DiskWorker&) = delete;
-    ~DiskWorker() override;
+    ~DiskWorker() override = default;
 
     bool init() final;
     int getDiskLifeTime() final { return m_nLifePercent; }

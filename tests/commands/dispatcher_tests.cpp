@@ -420,6 +420,11 @@ TEST_F(Screenshots, GoNowhereElseThanToTheStick) {
     EXPECT_FALSE(Exists("/tmp/target/new"));
     EXPECT_EQ(Saved("/media/usb0/a.bmp").size(), QSize(800, 480));  // in the link's place
 
+    // What a capture has left that was cut short is in nobody's way.
+    writeFile("/media/usb0/.hxdcontrol-" + std::to_string(::getpid()) + ".part", "x");
+    EXPECT_EQ(Save("b.bmp"), 0.0);
+    EXPECT_TRUE(Exists("/media/usb0/b.bmp"));
+
     // Links on the panel's own storage are its owner's; files there are replaced as a whole, too.
     ASSERT_EQ(::symlink("/tmp/target", "/storage/user_dir/link"), 0);
     Save("$OLMA_DIR_USR/link/b.png");

@@ -19,6 +19,7 @@
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <QDir>
 #include <QFile>
 #include <QSettings>
 
@@ -231,8 +232,10 @@ TEST_F(Settings, ThatTheDiskRefusesLeaveNoTrace) {
         while (::write(disk.Descriptor(), block.data(), block.size()) > 0) {
         }
         ASSERT_EQ(::ftruncate(disk.Descriptor(), StatusOf(filler).st_size - freePages * 4096), 0);
-        EXPECT_EQ(hxd::AppSettings().Write(hxd::KEY_BUZZ_DURATION, QLatin1String("2")), 0);
+        const bool said = hxd::SettingsFile(QLatin1String(file), hxd::CODEC_UTF8)
+                              .Store({{QLatin1String("DEVICE/buzz_duration"), 2}});
         const std::string after = readFile(file);
+        EXPECT_EQ(said, after != before);
         ASSERT_TRUE(after == before || after == "[DEVICE]\nbuzz_duration=2\n\n" + foreign) << after;
         ++(after == before ? refused : stored);
         ASSERT_EQ(EntriesOf("/storage"), 4u) << "log, user_dir, the filler and the file";
@@ -292,6 +295,36 @@ TEST_F(Settings, AreOnTheStorageBeforeTheyTakeTheirPlaceAndTheirPlaceAfterwards)
     Write(OWN_KEY[0], QLatin1String("new"));
     g_systemCalls.onFlush = nullptr;
     EXPECT_EQ(calls, "fsync: old\nsync: new\n");
+}
+
+TEST_F(Settings, AreNotLostWhereCallsAreInterruptedOrFail) {
+    const QString value = QString(5000, QLatin1Char('x'));
+    QString read;
+    hxd::AppSettings settings;
+    g_systemCalls.interrupts = true;
+    settings.Write(OWN_KEY[0], value);
+    settings.Write(OWN_KEY[1], QLatin1String("1"));
+    settings.Read(OWN_KEY[0], read);
+    g_systemCalls.interrupts = false;
+    EXPECT_EQ(read, value);
+    EXPECT_EQ(Read(OWN_KEY[1]), QLatin1String("1"));
+    // A setting that once could not be read is read again.
+    settings.Read(OWN_KEY[1], read);
+    Write(OWN_KEY[1], QLatin1String("2"));
+    g_systemCalls.diskFull = true;
+    settings.Read(OWN_KEY[1], read);
+    g_systemCalls.diskFull = false;
+    EXPECT_EQ(read, QString());
+    settings.Read(OWN_KEY[1], read);
+    EXPECT_EQ(read, QLatin1String("2"));
+
+    HXDCTRL::FileLock lock;
+    const HXDCTRL::File other(::open("/tmp/y.lck", O_RDONLY | O_CREAT, 0600));
+    ASSERT_TRUE(lock.open("/tmp/y.lck"));
+    g_systemCalls.interrupts = true;
+    const HXDCTRL::FileLocker locker(lock);
+    g_systemCalls.interrupts = false;
+    EXPECT_EQ(::flock(other.Descriptor(), LOCK_EX | LOCK_NB), -1) << "held by the driver";
 }
 
 TEST_F(Settings, AreNeitherReadFromNorWrittenToWhatIsNoFile) {
@@ -396,6 +429,8 @@ TEST(LockFile, TakesItsPlaceBackFromWhateverWasPlantedThere) {
         ::unlink(path);
     }
     EXPECT_NE(::access("/tmp/victim", F_OK), 0);
+    EXPECT_EQ(QDir(QLatin1String("/tmp"), QLatin1String("planted.lck*")).count(), 1u)
+        << "the full folder, aside";
     EXPECT_FALSE(lock.open("/tmp/missing/x.lck"));
 }
 
@@ -412,6 +447,12 @@ TEST(File, ReadsWholeFilesOfEveryKind) {
     EXPECT_EQ(file.LastError(), EISDIR);
     EXPECT_FALSE(file.open("/tmp/none", O_RDONLY));
     EXPECT_FALSE(file.IsOpen());
+    HXDCTRL::File closed, other;
+    char byte = 0;
+    EXPECT_FALSE(closed.seek(0));
+    EXPECT_EQ(closed.LastError(), EBADF);
+    EXPECT_EQ(other.Read(&byte, 1), 0u);
+    EXPECT_EQ(other.LastError(), EBADF);
     EXPECT_FALSE(HXDCTRL::File::is_file_exist("/tmp"));
     EXPECT_TRUE(HXDCTRL::File::is_file_exist("/tmp/content"));
 }

@@ -84,6 +84,12 @@ TEST(Context, ReleasesItsServicesInTheirOrder) {
     std::string left;  // at the end of each of three services
     {
         DEV_CONTEXT context;
+        EXPECT_EQ(context.m_dWork2, -1.0);
+        EXPECT_EQ(context.m_nWork7, 1);
+        EXPECT_EQ(context.m_nWork3 | context.m_nWork4 | context.m_nWork5 | context.m_nWork6 |
+                      context.m_nWork9 | context.m_nWork10 | context.m_nWork13,
+                  0);
+        EXPECT_EQ(context.m_dCpuUse + context.m_dMemAvail, 0.0);
         const auto tell = [&] {
             left += context.m_pNetworkTask != nullptr ? "network " : "";
             left += context.m_pVncLock != nullptr ? "lock " : "";

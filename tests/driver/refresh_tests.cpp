@@ -1,7 +1,9 @@
 #include "Adversity.h"
 #include "Record.h"
+#include "TestFiles.h"
 #include "common/AppSettings.h"
 #include "driver/RefreshCycle.h"
+#include "ntp/NtpCtrl.h"
 #include "storage/DiskInterface.h"
 
 #include <sys/stat.h>
@@ -122,6 +124,18 @@ TEST_F(Refresh, MakesNumbersOfTheSettings) {
         for (int i = 0; i < 4; ++i)
             EXPECT_EQ(Value(3 + i), c.channels[i]) << c.buzz << " channel " << 3 + i;
     }
+}
+
+TEST_F(Refresh, ShowsTimeSettingsAndPassword) {
+    writeFile("/etc/iot_cfg/vncConfig.ini", "[VNCCONFIG]\npasswd=secret\n");
+    writeFile("/usr/olma_app/config/ntp_param_cfg.ini",
+              "[NTP_PARAM]\nntp_switch=2\nntp_mode=3\nntp_freq=4\nntp_server1=five\n"
+              "ntp_server2=six\nntp_server3=seven\nntp_server4=eight\n");
+    context.m_pNtpCtrl = std::make_unique<NtpCtrl>();
+    Run();
+    EXPECT_TRUE(Value(12) == 2 && Value(13) == 3 && Value(14) == 4);
+    EXPECT_EQ(Text(15) + Text(16) + Text(17) + Text(18), "fivesixseveneight");
+    EXPECT_EQ(Text(19), "secret");
 }
 
 TEST_F(Refresh, ShowsSentinelsForWhatIsMissing) {

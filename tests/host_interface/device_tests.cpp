@@ -472,8 +472,10 @@ TEST_F(Device, KeepsItsStateWhenMemoryRunsOut) {
     const int channel = 1;
     const std::vector<int> channels(65536, 1);
     const std::vector<unsigned char> blob(1 << 20);
+    const std::string name(1 << 20, 'x');
     int sized = 0, collected = 0, initialised = -1;
     withoutMemory([&] {
+        EXPECT_EQ(create(name.c_str(), &host), nullptr);
         sized = device->ChannelRefChange(&channel, 65536);
         collected = device->CollectDevData(channels.data(), 65536);
     });

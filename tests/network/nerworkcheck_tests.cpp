@@ -1,4 +1,5 @@
 #include "Adversity.h"
+#include "SystemCalls.h"
 #include "network/NerworkCheck.h"
 #include "network/ResolverText.h"
 #include "tests/ntp/TimePanel.h"
@@ -82,7 +83,13 @@ TEST_F(ReachCheck, PingsTheFirstNameServer) {
 TEST_F(ReachCheck, FindsTheNameServerOrPingsNothing) {
     OnPing("exit 0");
     ASSERT_EQ(::rename("/etc/resolv.conf", "/etc/resolv.conf.tmp"), 0);
+    bool settled = false;
+    g_systemCalls.onFlush = [&](const std::string&) {
+        settled = ::access("/etc/resolv.conf", F_OK) == 0;
+    };
     EXPECT_TRUE(pingNetWork(false)) << "the interrupted writer's file was to be moved into place";
+    g_systemCalls.onFlush = nullptr;
+    EXPECT_TRUE(settled);
     EXPECT_EQ(readFile("/etc/resolv.conf"), "nameserver 127.0.0.53\n");
     EXPECT_NE(::access("/etc/resolv.conf.tmp", F_OK), 0);
     const int pings = Runs("ping");
@@ -121,6 +128,12 @@ TEST_F(ReachCheck, WritesAndRunsOnlyItsOwnFiles) {
     ASSERT_EQ(::mkdir("/tmp/ping.sh", 0755), 0);
     writeFile("/tmp/ping.sh/full", "");
     EXPECT_TRUE(pingNetWork(true));
+
+    const int before = Runs("ping");
+    g_systemCalls.diskFull = true;
+    EXPECT_FALSE(pingNetWork(true));
+    g_systemCalls.diskFull = false;
+    EXPECT_EQ(Runs("ping"), before);
 
     for (const char* lock : {NerworkCheck::pingLckPath, HXDCTRL::dnsFileLockPath}) {
         const int pings = Runs("ping");

@@ -311,3 +311,36 @@ TEST_F(TimeControl, AWorkerWithoutDescriptorsFailsAndIsStartedLater) {
     worker.Post(QLatin1String("127.0.0.11"), 3);  // an unknown mode lets nothing through
     EXPECT_TRUE(WaitFor([&] { return worker.Look(seconds) != NtpThread::Outcome::WORKING; }));
 }
+
+TEST_F(TimeControl, AWorkerEndsInTheMiddleOfARequest) {
+    const TimeServer silent("127.0.0.11", nullptr);
+    std::int32_t seconds = 0;
+    testing::internal::CaptureStdout();
+    {
+        NtpThread worker;
+        worker.Start();
+        worker.Post(QLatin1String("127.0.0.11"), REACH_BOTH);
+        EXPECT_TRUE(WaitFor([&] { return silent.Requests() == 1; }));
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        EXPECT_EQ(worker.Look(seconds), NtpThread::Outcome::WORKING);
+        worker.notifyStop();
+        EXPECT_EQ(worker.Look(seconds), NtpThread::Outcome::FAILED);
+        worker.Post(QLatin1String("127.0.0.11"), REACH_BOTH);
+    }
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "[tryToSend:220]FD_ISSET failed !:127.0.0.11\n\n");
+    EXPECT_EQ(silent.Requests(), 1);
+}
+
+// Threads are short for the worker, then for its look-up.
+TEST_F(TimeControl, FailsWithoutThreadsAndGoesOnLater) {
+    writeFile("/etc/hosts", "127.0.0.12 time.test\n");
+    const TimeServer server("127.0.0.12", TimeServer::Showing(SERVER_TIME));
+    StartOnDemand({"time.test"});
+    for (const int threads : {0, 1}) {
+        g_systemCalls.threads = threads;
+        EXPECT_EQ(Exec(), 10) << threads;
+    }
+    g_systemCalls.threads = -1;
+    EXPECT_EQ(Exec(), 0);
+}

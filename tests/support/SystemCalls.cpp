@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <linux/magic.h>
 #include <pthread.h>
+#include <sys/file.h>
 #include <sys/vfs.h>
 #include <unistd.h>
 
@@ -23,38 +24,60 @@ void Tell(const char* call) {
         g_systemCalls.onFlush(call);
 }
 
+bool IsInterrupted() {
+    static std::atomic<unsigned> calls{0};
+    const bool isInterrupted = g_systemCalls.interrupts && ++calls % 2 != 0;
+    if (isInterrupted)
+        errno = EINTR;
+    return isInterrupted;
+}
+
 }  // namespace
 
 // The program's own functions come before the libraries', for these as well.
 #pragma GCC visibility push(default)
 extern "C" {
 
-int fsync(int descriptor) {
+int fsync(int fd) {
     Tell("fsync");
-    return Next<int (*)(int)>("fsync")(descriptor);
+    return IsInterrupted() ? -1 : Next<decltype(&fsync)>("fsync")(fd);
 }
 
 void sync() noexcept {
     Tell("sync");
-    Next<void (*)()>("sync")();
+    Next<decltype(&sync)>("sync")();
 }
 
-int pthread_create(pthread_t* __restrict thread, const pthread_attr_t* __restrict attributes,
-                   void* (*run)(void*), void* __restrict argument) noexcept {
+int flock(int fd, int operation) noexcept {
+    return IsInterrupted() ? -1 : Next<decltype(&flock)>("flock")(fd, operation);
+}
+
+ssize_t write(int fd, const void* buf, size_t n) {
+    if (g_systemCalls.diskFull) {
+        errno = ENOSPC;
+        return -1;
+    }
+    const size_t most = g_systemCalls.interrupts ? (n + 1) / 2 : n;
+    return IsInterrupted() ? -1 : Next<decltype(&write)>("write")(fd, buf, most);
+}
+
+int pthread_create(pthread_t* __restrict newthread, const pthread_attr_t* __restrict attr,
+                   void* (*start_routine)(void*),  // NOLINT(readability-identifier-naming)
+                   void* __restrict arg) noexcept {
     if (g_systemCalls.threads == 0)
         return EAGAIN;
     if (g_systemCalls.threads > 0)
         --g_systemCalls.threads;
-    return Next<decltype(&pthread_create)>("pthread_create")(thread, attributes, run, argument);
+    return Next<decltype(&pthread_create)>("pthread_create")(newthread, attr, start_routine, arg);
 }
 
-int statfs(const char* path, struct statfs* status) noexcept {
-    const int file = ::open(path, O_PATH | O_CLOEXEC);
-    const int result = ::fstatfs(file, status);
-    if (file >= 0)
-        ::close(file);
+int statfs(const char* file, struct statfs* buf) noexcept {
+    const int opened = ::open(file, O_PATH | O_CLOEXEC);
+    const int result = ::fstatfs(opened, buf);
+    if (opened >= 0)
+        ::close(opened);
     if (result == 0 && g_systemCalls.hasDebugfs)
-        status->f_type = DEBUGFS_MAGIC;
+        buf->f_type = DEBUGFS_MAGIC;
     return result;
 }
 }

@@ -144,7 +144,8 @@ TEST_F(CpuUseOnAPanel, KeepsTheLastGoodValueAndMeasuresOnFromABadSample) {
     } samples[] = {
         {"cpu  750 0 0 250 0 0 0\n", 0.75, ""},  // since boot
         {"cpu  750 0 0 250 0 0 0\n", 0.75, "CPUUSE DevOpear calc error od=1000,"},
-        {"cpu  850 0 0 1150 0 0 0\n", 0.10, ""},
+        {"cpu  850 0 0 250 0 0 0\n", 1.00, ""},
+        {"cpu  950 0 0 1150 0 0 0\n", 0.10, ""},
         {"cpu  10 0 0 20 0 0 0\n", 0.10, "CPUUSE DevOpear calc error od=30,"},
         {"cpu  60 0 0 70 0 0 0\n", 0.50, ""},
         {"cpu  -40 0 0 180 0 0 0\n", 0.50,
@@ -306,9 +307,19 @@ TEST_F(Registry, ReadsTheKernelLogThroughAFileOfItsOwn) {
     host.texts["txt"] = "before";
     host.doubles["st"] = -1;
     EXPECT_EQ(Run("ReadSysLog(0,64,txt,st)"), -3);
+    EXPECT_NE(::access("/tmp/dmesg.log", F_OK), 0);
     EXPECT_EQ(Run("ReadSysLog(1,64,nowhere,nothing)"), -4);
     EXPECT_EQ(host.texts["txt"], "before");
     EXPECT_EQ(host.doubles["st"], -1);
+    writeFile("/run/shims/dmesg", "echo log\n");
+    const std::string path = ::getenv("PATH");
+    ::mkdir("/run/tools", 0755);
+    writeFile("/run/tools/rm", "#!/bin/sh\nexit 1\n");
+    ::chmod("/run/tools/rm", 0755);
+    ::setenv("PATH", ("/run/tools:" + path).c_str(), 1);
+    EXPECT_EQ(Run("ReadSysLog(0,64,txt,st)"), 0);
+    EXPECT_NE(::access("/tmp/dmesg.log", F_OK), 0) << "removed without the command";
+    ::setenv("PATH", path.c_str(), 1);
 }
 
 TEST_F(Registry, KeepsACommandApartFromOneThatAParameterCallSends) {
