@@ -103,7 +103,8 @@ bool RunScript(const std::atomic<bool>& running) {
 
 bool Ping(const QString& address, const std::atomic<bool>& running) {
     HXDCTRL::FileLock lock;
-    lock.open(NerworkCheck::pingLckPath);  // one that is not open cannot be held
+    if (!lock.open(NerworkCheck::pingLckPath))
+        return false;
     const HXDCTRL::FileLocker locker(lock, running);
     return locker.IsHeld() &&
            WriteScript(QString(QLatin1String(PING_SCRIPT)).arg(address).toUtf8()) &&
@@ -135,7 +136,8 @@ std::vector<std::string> ReadNameServers(const std::atomic<bool>& running) {
 // The lock is released before the ping's is taken.
 bool FirstNameServer(std::string& address, const std::atomic<bool>& running) {
     HXDCTRL::FileLock lock;
-    lock.open(HXDCTRL::dnsFileLockPath);
+    if (!lock.open(HXDCTRL::dnsFileLockPath))
+        return false;
     const HXDCTRL::FileLocker locker(lock, running);
     if (!locker.IsHeld())
         return false;
