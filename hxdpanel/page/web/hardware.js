@@ -1,0 +1,62 @@
+// The console's hardware commands behind buttons and fields, and the section of clock, wear and load.
+import { listen } from './bus.js';
+import { answer, button, byId, element, setText, statusText } from './dom.js';
+import { run } from './server.js';
+
+// Runs a line of the console for the section in which the node lies.
+export async function act(node, line) {
+  const section = node.closest('section') ?? byId('panel');
+  try {
+    const ran = await run(line);
+    answer(section, ran.results.map(resultText).join('; ') || 'done', ran.status.code === 0);
+  } catch (refusal) {
+    answer(section, refusal.message, false);
+  }
+}
+
+function resultText(result) {
+  return result.message ?? (result.status ? `${result.command ?? result.channel?.name}: ${statusText(result.status)}` : result.kind);
+}
+
+const CLOCK = [
+  ['hold', 'clock hold'], ['run', 'clock run'], ['×60', 'clock x60'],
+  ['+1 m', 'clock +1m'], ['+1 h', 'clock +1h'], ['+1 d', 'clock +1d'],
+];
+
+const SPEEDS = { 'clock hold': 0, 'clock run': 1, 'clock x60': 60 };
+
+// A field, what it is set with, and what takes it back.
+const AMOUNTS = [
+  { label: 'CPU use', line: 'cpu', value: '0.8', undo: 'machine' },
+  { label: 'Memory', line: 'memory', value: '64M', undo: 'machine' },
+  { label: 'Write to flash', line: 'disk write', value: '300M' },
+  { label: 'Life used', line: 'disk wear life_time', value: '0x05 0x02' },
+  { label: 'Pre-EOL', line: 'disk wear pre_eol_info', value: '0x02' },
+];
+
+function amountRow({ label, line, value, undo }) {
+  const input = element('input', { value, size: 9, spellcheck: false, 'aria-label': label });
+  const row = element('form', { className: 'row amount' }, element('span', {}, label), input,
+    element('button', { type: 'submit', 'aria-label': `Set: ${label}` }, 'set'));
+  if (undo) row.append(button(undo, () => act(row, `${line} ${undo}`), { 'aria-label': `${label}: this machine's` }));
+  row.addEventListener('submit', event => {
+    event.preventDefault();
+    act(row, `${line} ${input.value}`);
+  });
+  return row;
+}
+
+function showPanel(panel) {
+  const speed = panel.clock?.speed ?? 1;
+  setText(byId('clock-state'), panel.clock ? `The clock ${panel.clock.state}.` : '');
+  setText(byId('storage'), panel.storage ?? '');
+  for (const [line, its] of Object.entries(SPEEDS))
+    byId('clock').querySelector(`[data-line="${line}"]`).setAttribute('aria-pressed', its === speed);
+}
+
+export function start() {
+  for (const [text, line] of CLOCK)
+    byId('clock').append(button(text, event => act(event.target, line), { 'data-line': line, title: line }));
+  byId('amounts').append(...AMOUNTS.map(amountRow));
+  listen('panel', showPanel);
+}

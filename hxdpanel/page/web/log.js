@@ -1,0 +1,31 @@
+// Lines of the driver and the stand-ins, newest first, from a level on.
+import { listen } from './bus.js';
+import { byId, element, prepend, setText, timeOfDay } from './dom.js';
+
+const LIMIT = 1000;
+const LEVELS = ['trace', 'output', 'info', 'warning', 'error'];
+const list = byId('log').querySelector('.feed');
+
+function isShown(item) {
+  return LEVELS.indexOf(item.dataset.level) >= LEVELS.indexOf(byId('log-level').value) &&
+    item.textContent.toLowerCase().includes(byId('log-filter').value.toLowerCase());
+}
+
+function filter() {
+  for (const item of list.children) item.hidden = !isShown(item);
+}
+
+function add({ time, level, text }) {
+  const item = element('li', { 'data-level': LEVELS.includes(level) ? level : 'output' },
+    element('time', { dateTime: time }, timeOfDay(time)), element('i', {}, level), element('span', {}, text));
+  item.hidden = !isShown(item);
+  prepend(list, item, LIMIT);
+  setText(byId('log-count'), `${list.childElementCount} lines`);
+}
+
+export function start() {
+  byId('log-level').append(...LEVELS.map(level => new Option(level, level)));
+  byId('log-level').addEventListener('change', filter);
+  byId('log-filter').addEventListener('input', filter);
+  listen('log', add);
+}

@@ -1,0 +1,48 @@
+// The panel's face: its screen with light, brightness and beeps.
+import { announce, calmed, listen } from './bus.js';
+import { byId, setText } from './dom.js';
+import { act } from './hardware.js';
+
+const BEEP_SHOWN_MS = 1500;
+let pictures = 0;
+let beepTimer = 0;
+
+// The new picture is loaded before it takes the place of the old one: nothing flickers.
+function fetchScreen() {
+  const picture = new Image();
+  const number = ++pictures;
+  picture.onload = () => {
+    if (number === pictures) byId('screen').src = picture.src;
+  };
+  picture.src = `/api/screen.png?n=${number}`;
+}
+
+function showPanel(panel) {
+  const slider = byId('brightness');
+  byId('light').setAttribute('aria-checked', panel.light);
+  byId('screen-off').hidden = panel.light;
+  slider.disabled = panel.brightness === null;
+  if (document.activeElement !== slider) slider.value = panel.brightness ?? 0;
+  setText(byId('brightness-shown'), panel.brightness === null ? 'no control' : `${panel.brightness} %`);
+  setText(byId('system-clock'), panel.systemClock ?? '');
+  setText(byId('battery-clock'), panel.batteryClock ?? '');
+}
+
+function showBeep(event) {
+  if (event.kind !== 'beep') return;
+  setText(byId('beep'), `♪ ${event.text}`);
+  clearTimeout(beepTimer);
+  beepTimer = setTimeout(() => setText(byId('beep'), ''), Math.max(BEEP_SHOWN_MS, event.milliseconds ?? 0));
+}
+
+export function start() {
+  const slider = byId('brightness');
+  const turn = calmed(() => act(slider, `brightness ${slider.value}`), 150);
+  slider.addEventListener('input', turn);
+  byId('light').addEventListener('click', event =>
+    act(event.target, event.target.getAttribute('aria-checked') === 'true' ? 'light off' : 'light on'));
+  listen('screen', fetchScreen);
+  listen('panel', showPanel);
+  listen('did', showBeep);
+  announce('screen');
+}

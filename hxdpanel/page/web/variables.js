@@ -1,0 +1,43 @@
+// The host's variables: shown, changed in place, made.
+import { listen } from './bus.js';
+import { answer, byId, element } from './dom.js';
+import { setVariable } from './server.js';
+
+const section = byId('commands');
+
+async function set(name, type, text) {
+  const value = type === 'text' ? text : Number(text);
+  if (type !== 'text' && (text.trim() === '' || !Number.isFinite(value)))
+    return answer(section, `${name}: ${type} takes a number`, false);
+  try {
+    await setVariable(name, type, value);
+    answer(section, `${name} is set`, true);
+  } catch (refusal) {
+    answer(section, `${name}: ${refusal.message}`, false);
+  }
+}
+
+function item({ name, type, value }) {
+  const input = element('input', { value: String(value), title: String(value), 'aria-label': `Value of ${name}`, 'data-name': name, spellcheck: false });
+  input.addEventListener('change', () => set(name, type, input.value));
+  return element('li', {}, element('b', { title: name }, name), element('small', {}, type), input);
+}
+
+function show({ variables }) {
+  const list = byId('variables');
+  const focused = list.contains(document.activeElement) ? document.activeElement : null;
+  list.replaceChildren(...variables.map(item));
+  const again = focused && list.querySelector(`[data-name="${CSS.escape(focused.dataset.name)}"]`);
+  if (again) {
+    again.value = focused.value;
+    again.focus();
+  }
+}
+
+export function start() {
+  listen('variables', show);
+  byId('variable-form').addEventListener('submit', event => {
+    event.preventDefault();
+    set(byId('variable-name').value.trim(), byId('variable-type').value, byId('variable-value').value);
+  });
+}
