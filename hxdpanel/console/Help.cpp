@@ -155,6 +155,25 @@ Json CommandJson(const CommandInfo& command) {
             {"example", command.example}, {"notes", command.notes}};
 }
 
+// What a write takes, for programs; null where it cannot be written.
+Json FormJson(const ChannelRow& row) {
+    switch (row.input) {
+        case ChannelRow::CUT_NUMBER:
+            return "number";
+        case ChannelRow::WHOLE_NUMBER:
+            return "whole number";
+        case ChannelRow::ADDRESS:
+            return "address";
+        case ChannelRow::NETMASK:
+            return "netmask";
+        case ChannelRow::ANY_TEXT:
+            return "text";
+        case ChannelRow::NOTHING:
+            break;
+    }
+    return nullptr;
+}
+
 Json RowJson(const ChannelRow& row) {
     Json sentinels = Json::array();
     for (const ChannelRow::Sentinel& sentinel : Sentinels(row))
@@ -162,12 +181,16 @@ Json RowJson(const ChannelRow& row) {
             {{"value", sentinel.text != nullptr ? Json(sentinel.text)
                                                 : JsonValue(HostValue::Double(sentinel.number))},
              {"meaning", sentinel.meaning}});
+    const bool hasRange = row.IsWritable() && row.input != ChannelRow::ANY_TEXT;
     return {{"number", row.number},
             {"name", row.name},
             {"unit", row.unit},
             {"type", row.kind == ChannelRow::TEXT ? "text" : "number"},
             {"writable", row.IsWritable()},
             {"accepts", AcceptedText(row)},
+            {"form", FormJson(row)},
+            {"lowest", hasRange ? Json(row.minimum) : Json(nullptr)},
+            {"highest", hasRange && row.HasUpperLimit() ? Json(row.maximum) : Json(nullptr)},
             {"sentinels", sentinels}};
 }
 
