@@ -62,7 +62,8 @@ def process(command, **options):
         with contextlib.suppress(subprocess.TimeoutExpired):
             if made.stdin:
                 made.stdin.close()
-                made.wait(10)
+            made.terminate()
+            made.wait(10)
         with contextlib.suppress(ProcessLookupError):
             os.killpg(made.pid, signal.SIGKILL)
         made.wait(10)
@@ -84,8 +85,9 @@ class Panel:
     def wait_for_text(self, pattern):
         return self._lines.wait(pattern)
 
-    def wait_for_end(self):
-        return self._made.wait(15)
+    def end(self):
+        self.type('quit')
+        self._made.wait(15)
 
 
 @contextlib.contextmanager

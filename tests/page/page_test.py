@@ -161,14 +161,14 @@ class PageTest(unittest.TestCase):
 
     def test_a_reboot_is_told_and_the_page_comes_back(self):
         page = self.page
-        page.click('#restart')
-        page.wait_for_text('#activity', 'restart')
-        page.wait_for_text('#connection', 'live, panel was restarted')
-        port = self.panel.port
         command(page, 'REBOOT()')
-        self.assertEqual(self.panel.wait_for_end(), 129)
+        page.wait_for_text('#connection', 'live, reboot at')
+        page.wait_for_text('#activity', 'restartreboot')
+        page.click('#restart')
+        page.wait_for_text('#connection', 'live, restart at')
+        self.panel.end()
         page.wait_for_text('#connection', 'no connection')
-        with panel(PROGRAM, port) as again:
+        with panel(PROGRAM, self.panel.port) as again:
             page.wait_for_text('#connection', 'live')
             again.type('write 21 15')
             channel_is(page, 21, '15')

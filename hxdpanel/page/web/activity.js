@@ -1,10 +1,12 @@
 // What the panel did, and what people did to it; newest first, by kind.
 import { listen } from './bus.js';
 import { button, byId, element, prepend, timeOfDay } from './dom.js';
+import { ask } from './server.js';
 
 const LIMIT = 400;
 const section = byId('activity');
 const list = section.querySelector('.feed');
+const capturing = [];  // items that wait for their picture
 const kinds = new Map();  // kind: its button
 
 function addKind(kind) {
@@ -18,21 +20,34 @@ function addKind(kind) {
   byId('activity-kinds').append(toggle);
 }
 
-function add(time, kind, text, ...more) {
+function add(time, kind, text) {
   addKind(kind);
   const item = element('li', { 'data-kind': kind, hidden: kinds.get(kind).getAttribute('aria-pressed') !== 'true' },
-    element('time', { dateTime: time }, timeOfDay(time)), element('i', {}, kind), element('span', {}, text), ...more);
+    element('time', { dateTime: time }, timeOfDay(time)), element('i', {}, kind), element('span', {}, text));
   prepend(list, item, LIMIT);
+  return item;
 }
 
-function capture(name) {
+function picture(name) {
   const address = `/api/captures/${encodeURIComponent(name)}`;
   return element('a', { href: address, target: '_blank', className: 'capture' },
     element('img', { src: address, alt: `Screen capture ${name}`, loading: 'lazy' }));
 }
 
+// The file is there when the command is done; pictures that were there before belong to earlier lines.
+async function showPictures() {
+  const items = capturing.splice(0);
+  if (items.length === 0) return;
+  const { captures } = await ask('/api/captures').catch(() => ({ captures: [] }));
+  captures.slice(-items.length).forEach((name, i) => items[i].append(picture(name)));
+}
+
 export function start() {
-  listen('did', ({ time, kind, text, picture }) => add(time, kind, text, ...(picture ? [capture(picture)] : [])));
+  listen('did', ({ time, kind, text }) => {
+    const item = add(time, kind, text);
+    if (kind === 'capture') capturing.push(item);
+  });
+  listen('acted', showPictures);
   listen('acted', ({ time, by, line, status }) =>
     add(time, by, `${line}${status.code ? `  status ${status.code} (${status.meaning})` : ''}`));
   listen('restarted', ({ time, why }) => add(time, 'restart', why));

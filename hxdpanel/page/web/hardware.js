@@ -1,6 +1,7 @@
 // The console's hardware commands behind buttons and fields, and the section of clock, wear and load.
 import { listen } from './bus.js';
 import { answer, button, byId, element, setText, statusText } from './dom.js';
+import { present } from './readings.js';
 import { run } from './server.js';
 
 // Runs a line of the console for the section in which the node lies.
@@ -49,9 +50,13 @@ function amountRow({ label, line, value, undo }) {
 function showPanel(panel) {
   const speed = panel.clock?.speed ?? 1;
   setText(byId('clock-state'), panel.clock ? `The clock ${panel.clock.state}.` : '');
-  setText(byId('storage'), panel.storage ?? '');
   for (const [line, its] of Object.entries(SPEEDS))
     byId('clock').querySelector(`[data-line="${line}"]`).setAttribute('aria-pressed', its === speed);
+}
+
+function showStorage() {
+  const [life, gear, free] = [26, 27, 28].map(number => present.get(number)?.value);
+  if (life !== undefined) setText(byId('storage'), `Storage: life left ${life} %, write gear ${gear}, ${free} MiB free`);
 }
 
 export function start() {
@@ -59,4 +64,5 @@ export function start() {
     byId('clock').append(button(text, event => act(event.target, line), { 'data-line': line, title: line }));
   byId('amounts').append(...AMOUNTS.map(amountRow));
   listen('panel', showPanel);
+  listen('readings', showStorage);
 }

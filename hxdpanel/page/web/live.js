@@ -1,13 +1,15 @@
-// The stream of events. It reconnects by itself; after each connection everything is asked anew.
-import { announce, calmed, listen, publish } from './bus.js';
+// The stream of events. It reconnects by itself; after each connection the server tells everything anew,
+// and what is not told is asked.
+import { announce, calmed, listen, publish, state } from './bus.js';
+import { timeOfDay } from './dom.js';
 import { ask } from './server.js';
 
 const RETRY_MS = 1000;
 const EVENTS = ['channels', 'did', 'acted', 'log', 'screen', 'restarted'];
-let restartsSeen;
+let restarts;
 
-function connection(state, text) {
-  publish('connection', { state, text });
+function connection(isThere, text) {
+  publish('connection', { state: isThere, text });
 }
 
 async function fetchState(topic, path) {
@@ -18,20 +20,29 @@ async function fetchState(topic, path) {
   }
 }
 
-const fetchPanel = () => fetchState('panel', '/api/panel');
 const fetchTime = calmed(() => fetchState('time', '/api/time'), 300);
 const fetchFaults = calmed(() => fetchState('faults', '/api/faults'), 100);
 const fetchVariables = calmed(() => fetchState('variables', '/api/variables'), 100);
 
-function greeted(hello) {
-  publish('hello', hello);
-  const rebooted = restartsSeen !== undefined && hello.restarts !== restartsSeen;
-  restartsSeen = hello.restarts;
-  connection('live', rebooted ? 'live, panel was restarted' : 'live');
-  fetchPanel();
+function askAnew() {
   fetchTime();
   fetchVariables();
-  announce('screen');
+  fetchFaults();
+}
+
+function greeted(hello) {
+  if (!state('help') || state('hello')?.version !== hello.version) fetchState('help', '/api/help');
+  const isOther = restarts !== undefined && hello.restarts !== restarts;
+  restarts = hello.restarts;
+  publish('hello', hello);
+  connection('live', isOther ? 'live, restarted meanwhile' : 'live');
+  askAnew();
+}
+
+function restarted(event) {
+  restarts = event.restarts;
+  connection('live', `live, ${event.why} at ${timeOfDay(event.time)}`);
+  askAnew();
 }
 
 function open() {
@@ -48,10 +59,9 @@ function open() {
 
 export function start() {
   connection('connecting', 'connecting');
-  listen('restarted', () => connection('restarting', 'the panel restarts'));
+  listen('restarted', restarted);
   listen('panel', fetchFaults);
   for (const topic of ['acted', 'did']) listen(topic, fetchTime);
   listen('acted', fetchVariables);
-  fetchState('help', '/api/help');
   open();
 }

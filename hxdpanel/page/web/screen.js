@@ -24,8 +24,12 @@ function showPanel(panel) {
   slider.disabled = panel.brightness === null;
   if (document.activeElement !== slider) slider.value = panel.brightness ?? 0;
   setText(byId('brightness-shown'), panel.brightness === null ? 'no control' : `${panel.brightness} %`);
-  setText(byId('system-clock'), panel.systemClock ?? '');
-  setText(byId('battery-clock'), panel.batteryClock ?? '');
+}
+
+// The panel's clock is that of the readings; of the battery's one knows what the driver set it to.
+function showClocks() {
+  listen('channels', ({ time }) => setText(byId('system-clock'), time.slice(0, 19).replace('T', ' ')));
+  listen('time', ({ realTimeClock }) => setText(byId('battery-clock'), realTimeClock ?? 'not set in this run'));
 }
 
 function showBeep(event) {
@@ -44,5 +48,6 @@ export function start() {
   listen('screen', fetchScreen);
   listen('panel', showPanel);
   listen('did', showBeep);
+  showClocks();
   announce('screen');
 }
