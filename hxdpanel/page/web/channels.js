@@ -76,7 +76,7 @@ function edit(row) {
     return wrong;
   };
   input.oninput = check;
-  input.onblur = () => input.replaceWith(value);
+  input.onblur = () => document.hasFocus() && input.replaceWith(value);
   input.onkeydown = event => {
     if (event.key === 'Escape') leave();
     if (event.key !== 'Enter') return;

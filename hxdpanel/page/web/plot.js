@@ -83,7 +83,7 @@ export class Plot {
   }
 
   select(row) {
-    if (row === null) this.graph?.clearSelection();
+    if (row === null || row < 0) this.graph?.clearSelection();
     else this.graph?.setSelection(row);
   }
 

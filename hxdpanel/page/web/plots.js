@@ -14,7 +14,8 @@ let chosen = new Set(JSON.parse(localStorage.getItem(CHOICE_KEY)) ?? FIRST_CHOIC
 let span = 60;  // seconds that are shown while the plots follow
 let zoomed = null;  // [from, to] while they do not
 let plots = [];
-let pointed = null;
+let pointed = null;  // the time at which the pointer stands
+let first = 0;  // the reading with which the drawn ones begin
 let drawn = 0;
 
 const numeric = () => (state('help')?.channels ?? []).filter(channel => channel.type === 'number');
@@ -72,25 +73,28 @@ function key(event) {
 }
 
 function point(row) {
-  pointed = row;
-  plots.forEach(plot => plot.select(row));
+  pointed = row === null ? null : times[first + row];
   showValues();
 }
 
+// Those at the pointer, in all graphs, or the newest.
 function showValues() {
-  const [first] = between(...shownWindow());
-  const index = pointed === null ? times.length - 1 : Math.min(first + pointed, times.length - 1);
-  plots.forEach(plot => plot.showValues(values[index], pointed === null ? null : times[index]));
+  const index = pointed === null ? times.length - 1 : times.lastIndexOf(pointed);
+  for (const plot of plots) {
+    plot.select(pointed === null ? null : index - first);
+    plot.showValues(values[index], pointed);
+  }
 }
 
 function draw() {
   drawn = Date.now();
   if (times.length === 0 || !globalThis.Dygraph) return;
   const window = shownWindow();
-  const [first, last] = between(...window);
+  const [begin, end] = between(...window);
+  first = begin;
   for (const plot of plots) {
     const rows = [];
-    for (let i = first; i < last; ++i)
+    for (let i = begin; i < end; ++i)
       rows.push([new Date(times[i]), ...plot.channels.map(channel => values[i].get(channel.number) ?? null)]);
     plot.draw(rows, window);
   }
@@ -115,13 +119,12 @@ function showSpan() {
 }
 
 function sampled() {
-  if (document.hidden || pointed !== null || (zoomed && zoomed[1] < times.at(-1))) return;
+  if (document.hidden || (zoomed && zoomed[1] < times.at(-1))) return;
   if (Date.now() - drawn >= DRAW_MS) draw();
 }
 
 function save() {
-  const [first, last] = between(...shownWindow());
-  saveCsv(numeric().filter(channel => chosen.has(channel.number)), first, last);
+  saveCsv(numeric().filter(channel => chosen.has(channel.number)), ...between(...shownWindow()));
 }
 
 export function start() {
@@ -135,6 +138,6 @@ export function start() {
   listen('help', build);
   listen('sampled', sampled);
   matchMedia('(prefers-color-scheme: dark)').addEventListener('change', build);
-  window.addEventListener('resize', draw);
+  window.addEventListener('resize', () => plots.forEach(plot => plot.graph?.resize()));
   document.addEventListener('visibilitychange', draw);
 }
