@@ -1,7 +1,6 @@
 // The console's hardware commands behind buttons and fields, and the section of clock, wear and load.
 import { listen } from './bus.js';
 import { answer, button, byId, element, setText, statusText } from './dom.js';
-import { present } from './readings.js';
 import { run } from './server.js';
 
 // Runs a line of the console for the section in which the node lies.
@@ -47,16 +46,29 @@ function amountRow({ label, line, value, undo }) {
   return row;
 }
 
-function showPanel(panel) {
-  const speed = panel.clock?.speed ?? 1;
-  setText(byId('clock-state'), panel.clock ? `The clock ${panel.clock.state}.` : '');
-  for (const [line, its] of Object.entries(SPEEDS))
-    byId('clock').querySelector(`[data-line="${line}"]`).setAttribute('aria-pressed', its === speed);
+function clockText({ held, speed, aheadMs }) {
+  const ahead = aheadMs >= 1000 ? `, ${(aheadMs / 3600000).toFixed(2)} h ahead` : '';
+  return held ? `The clock is held${ahead}; what the driver waits for moves it.`
+    : `The clock runs${speed === 1 ? '' : ` ${speed} times as fast`}${ahead}.`;
 }
 
-function showStorage() {
-  const [life, gear, free] = [26, 27, 28].map(number => present.get(number)?.value);
-  if (life !== undefined) setText(byId('storage'), `Storage: life left ${life} %, write gear ${gear}, ${free} MiB free`);
+const amountText = ({ source, use, bytes }) =>
+  source === 'hand' ? String(use ?? `${Math.round(bytes / 1048576)} MiB`) : `the ${source}'s`;
+
+// What the flash tells, in the words of the console.
+function flashText(flash) {
+  if (flash === null) return 'no flash';
+  return flash.kind === 'eMMC'
+    ? `eMMC: life ${flash.lifeTime ?? 'not told'}, pre-EOL ${flash.preEolInfo ?? 'not told'}`
+    : `NAND: ${flash.erasures} erasures of ${flash.blocks} blocks, ${flash.badBlocks} bad`;
+}
+
+function showPanel(panel) {
+  const { speed } = panel.clock;
+  setText(byId('clock-state'), clockText(panel.clock));
+  setText(byId('storage'), `CPU use: ${amountText(panel.cpu)}; memory: ${amountText(panel.memory)}; ${flashText(panel.flash)}`);
+  for (const [line, its] of Object.entries(SPEEDS))
+    byId('clock').querySelector(`[data-line="${line}"]`).setAttribute('aria-pressed', its === speed);
 }
 
 export function start() {
@@ -64,5 +76,4 @@ export function start() {
     byId('clock').append(button(text, event => act(event.target, line), { 'data-line': line, title: line }));
   byId('amounts').append(...AMOUNTS.map(amountRow));
   listen('panel', showPanel);
-  listen('readings', showStorage);
 }

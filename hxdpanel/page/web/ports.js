@@ -34,7 +34,7 @@ function interfaceItem(port) {
 
 function comItem(port) {
   const name = `COM${port.port}`;
-  const input = element('input', { type: 'number', min: 0, max: 100, value: port.use ?? 50, 'data-key': name, 'aria-label': `${name}: use in %` });
+  const input = element('input', { type: 'number', min: 0, max: 100, value: port.percent ?? 50, 'data-key': name, 'aria-label': `${name}: use in %` });
   const set = event => act(event.target, `com ${port.port} ${input.value}`);
   input.addEventListener('change', set);
   const item = element('li', { 'data-state': port.present ? 'there' : 'gone' },
@@ -50,8 +50,7 @@ function comItem(port) {
 function showPanel(panel) {
   replace(byId('locks'), panel.locks, () => LOCKS.map(lock => lockItem(panel.locks, lock)));
   replace(byId('interfaces'), panel.interfaces, () => panel.interfaces.map(interfaceItem));
-  const ports = panel.comPorts ?? [];
-  replace(byId('com-ports'), ports, () => ports.map(comItem));
+  replace(byId('com-ports'), panel.serialPorts, () => panel.serialPorts.map(comItem));
 }
 
 export function start() {
