@@ -163,7 +163,7 @@ class Browser:
 @contextlib.contextmanager
 def browser():
     with process(['chromedriver', '--port=0']) as driver:
-        port = Lines(driver.stdout).wait(r'on port (\d+)').group(1)
+        port = Lines(driver.stdout).wait(r'successfully on port (\d+)').group(1)
         made = Browser(f'http://127.0.0.1:{port}')
         try:
             yield made

@@ -107,7 +107,7 @@ class PageTest(unittest.TestCase):
         page.click('#faults [value="hal_display_set_backlight_brightness"]')
         page.fill('#fault-result', '-5')
         page.click('#fail')
-        page.wait_for_text('#faults [data-set="true"]', 'fails with -5')
+        page.wait_for_text('#faults [data-set="true"]', 'fails: -5')
         write(page, 21, '50')
         page.wait_for_text('#channels .answer', r'21 Brightness: status 15 \(')
         page.wait_for_text('#faults [data-set="true"] td:last-child', '^1$')

@@ -30,8 +30,8 @@ function buildRow({ name }) {
 }
 
 function stateText({ result, times: left, slowMs }) {
-  const what = result !== null ? `fails with ${result}` : slowMs !== null ? `${slowMs} ms slower` : '';
-  return what && left !== null && left >= 0 ? `${what}, ${left} more` : what;
+  const what = result !== null ? `fails: ${result}` : slowMs !== null ? `${slowMs} ms slower` : '';
+  return what && left !== null && left >= 0 ? `${what}, ${left || 'no'} more` : what;
 }
 
 function show({ functions }) {

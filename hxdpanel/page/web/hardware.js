@@ -15,7 +15,9 @@ export async function act(node, line) {
 }
 
 function resultText(result) {
-  return result.message ?? (result.status ? `${result.command ?? result.channel?.name}: ${statusText(result.status)}` : result.kind);
+  const variables = (result.variables ?? []).map(({ name, value }) => `${name} = ${value}`);
+  const status = result.status ? [`${result.command ?? result.channel?.name}: ${statusText(result.status)}`] : [];
+  return result.message ?? [...status, ...variables].join(', ');
 }
 
 const CLOCK = [

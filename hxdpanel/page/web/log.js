@@ -4,6 +4,7 @@ import { byId, element, prepend, setText, timeOfDay } from './dom.js';
 
 const LIMIT = 1000;
 const LEVELS = ['trace', 'output', 'info', 'warning', 'error'];
+const FIRST_LEVEL = 'output';  // the trace of each call would cover the rest
 const list = byId('log').querySelector('.feed');
 
 function isShown(item) {
@@ -16,6 +17,7 @@ function filter() {
 }
 
 function add({ time, level, text }) {
+  if (text === '') return;  // the driver parts its lines with empty ones
   const item = element('li', { 'data-level': LEVELS.includes(level) ? level : 'output' },
     element('time', { dateTime: time }, timeOfDay(time)), element('i', {}, level), element('span', {}, text));
   item.hidden = !isShown(item);
@@ -24,7 +26,7 @@ function add({ time, level, text }) {
 }
 
 export function start() {
-  byId('log-level').append(...LEVELS.map(level => new Option(level, level)));
+  byId('log-level').append(...LEVELS.map(level => new Option(level, level, level === FIRST_LEVEL, level === FIRST_LEVEL)));
   byId('log-level').addEventListener('change', filter);
   byId('log-filter').addEventListener('input', filter);
   listen('log', add);

@@ -1,5 +1,5 @@
 // The panel's face: its screen with light, brightness and beeps.
-import { announce, calmed, listen } from './bus.js';
+import { calmed, listen } from './bus.js';
 import { byId, setText } from './dom.js';
 import { act } from './hardware.js';
 
@@ -49,5 +49,4 @@ export function start() {
   listen('panel', showPanel);
   listen('did', showBeep);
   showClocks();
-  announce('screen');
 }

@@ -7,16 +7,20 @@ import { present } from './readings.js';
 const [SWITCH, MODE, PERIOD, FIRST_SERVER, LAST_SERVER] = [12, 13, 14, 15, 18];
 const ATTEMPTS = 30;
 
-// Lines that the driver prints, and what each means for the attempt.
+// Lines that the driver prints, and what each means for the attempt; at the end stands the server.
+const BEGIN = /execNtp-/;
 const REASONS = [
-  [/getaddrinfo error/, 'the name servers do not know the name, or do not answer'],
-  [/tryToSend:187/, 'there is no route to the server'],
-  [/tryToSend:214/, 'no answer within 2 s: wrong address, or UDP port 123 is blocked'],
-  [/getServerTime:305|sendPacketToServer:246/, 'an empty answer'],
-  [/tryToSend:220/, 'stopped while it waited for the answer'],
-  [/date is :/, 'a server answered; the clocks are set'],
-  [/execNtp-/, 'a synchronisation was asked for'],
+  [BEGIN, () => 'a synchronisation begins'],
+  [/tryToSend:187.*?([^:]*)$/, server => `${server}: there is no route to it`],
+  [/tryToSend:214.*?([^:]*)$/, server => `${server}: no answer within 2 s; wrong address, or UDP port 123 is blocked`],
+  [/tryToSend:220.*?([^:]*)$/, server => `${server}: stopped while it waited for the answer`],
+  [/(?:getServerTime:305|sendPacketToServer:246).*?([^:]*)$/, server => `${server}: an empty answer`],
+  [/date is :(.*)/, time => `a server answered, the clocks are set to ${time.trim()}`],
 ];
+const NOBODY_ASKED = 'failed before a server was asked: no ping was answered, or the name servers do not know the names';
+
+let told = new Set();  // of the present attempt
+let askedAt = null;  // when ExecNTP ran whose result has not been seen
 
 const value = number => present.get(number)?.value;
 
@@ -48,16 +52,37 @@ function showFacts(ntp) {
   byId('time-facts').replaceChildren(...facts.flatMap(([term, text]) => [element('dt', {}, term), element('dd', {}, text)]));
 }
 
+function tell(time, text) {
+  if (told.has(text)) return;
+  told.add(text);
+  prepend(byId('time-attempts'), element('li', {}, element('time', { dateTime: time }, timeOfDay(time)), ` ${text}`), ATTEMPTS);
+}
+
 function explain({ time, text }) {
-  const reason = REASONS.find(([pattern]) => pattern.test(text));
-  if (!reason) return;
-  prepend(byId('time-attempts'), element('li', { title: text }, element('time', { dateTime: time }, timeOfDay(time)), ` ${reason[1]}`), ATTEMPTS);
+  if (BEGIN.test(text)) told = new Set();
+  for (const [pattern, meaning] of REASONS) {
+    const found = pattern.exec(text);
+    if (found) tell(time, meaning(found[1]));
+  }
+}
+
+function explainFailure(ntp) {
+  if (askedAt && told.size <= 1 && ntp.lastSynchronisation?.includes('failed')) tell(askedAt, NOBODY_ASKED);
+  askedAt = null;
+}
+
+// How it went only a result variable tells.
+async function synchronise(event) {
+  await act(event.target, 'set page_sync 99');
+  await act(event.target, 'ExecNTP(page_sync)');
 }
 
 export function start() {
   byId('time-switch').addEventListener('click', event => act(event.target, `write ${SWITCH} ${value(SWITCH) === 1 ? 0 : 1}`));
-  byId('time-now').addEventListener('click', event => act(event.target, 'ExecNTP()'));
+  byId('time-now').addEventListener('click', synchronise);
   listen('readings', showSettings);
   listen('time', showFacts);
+  listen('time', explainFailure);
+  listen('acted', ({ time, line }) => { if (/^ExecNTP/i.test(line)) askedAt = time; });
   listen('log', explain);
 }
