@@ -15,7 +15,7 @@ import urllib.request
 ELEMENT = 'element-6066-11e4-a52e-4f735466cecf'
 KEYS = {'Tab': '\ue004', 'Enter': '\ue007', 'Escape': '\ue00c', 'ArrowDown': '\ue015'}
 ARGUMENTS = ['--headless=new', '--no-sandbox', '--disable-gpu', '--disable-dev-shm-usage', '--no-first-run',
-             '--window-size=1280,900']
+             '--hide-scrollbars', '--window-size=1280,900']
 
 
 class Unmet(AssertionError):

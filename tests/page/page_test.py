@@ -220,13 +220,13 @@ class PageTest(unittest.TestCase):
 def make_pictures(folder):
     """The page as an engineer has it after a minute, light and dark."""
     with panel(PROGRAM) as shown, browser() as page:
-        page.devtools('Emulation.setDeviceMetricsOverride', width=1280, height=1000, deviceScaleFactor=1, mobile=False)
+        page.devtools('Emulation.setDeviceMetricsOverride', width=1280, height=900, deviceScaleFactor=1, mobile=False)
         open_page(page, shown.address)
-        for line in ('set digest:text', 'STRSHA256(hello,digest)', 'disk write 120M', 'write 7 200',
-                     'SAVESCREEN($OLMA_DIR_USR/shot.png)', 'write 24 1', 'unplug eth1', 'fail hal_uart_info -5,40'):
+        for line in ('cpu 0.25', 'set digest:text', 'STRSHA256(hello,digest)', 'disk write 120M', 'cpu 0.7', 'write 24 1',
+                     'unplug eth1', 'com 1 60', 'fail hal_uart_info -5,16', 'cpu 0.4', 'write 21 75'):
             command(page, line)
             time.sleep(4)
-        time.sleep(12)
+        time.sleep(8)
         for scheme, name in (('light', 'page.png'), ('dark', 'page-dark.png')):
             page.devtools('Emulation.setEmulatedMedia', features=[{'name': 'prefers-color-scheme', 'value': scheme}])
             time.sleep(2)

@@ -13,7 +13,7 @@ function described(command) {
     ...pairs('Arguments', (command.arguments ?? []).map(one =>
       [one.name, `${one.direction}, ${one.type}${one.optional ? ', optional' : ''}: ${one.meaning}`])),
     ...pairs('Status', (command.statuses ?? []).map(one => [String(one.code), one.meaning])),
-    ...(command.example ? [element('h4', {}, 'Example'), element('pre', {}, command.example.join('\n'))] : []),
+    ...(command.example?.length ? [element('h4', {}, 'Example'), element('pre', {}, command.example.join('\n'))] : []),
     ...(command.notes ?? []).map(note => element('p', { className: 'note' }, note))];
 }
 
