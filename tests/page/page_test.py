@@ -43,8 +43,7 @@ def open_page(page, address):
 
 def write(page, channel, value):
     page.click(f'#channel-{channel} button')
-    page.fill(f'#channel-{channel} input', value)
-    page.press('Enter')
+    page.press(value, 'Enter')
 
 
 def command(page, line):
@@ -152,8 +151,8 @@ class PageTest(unittest.TestCase):
             page.wait_for_text('#activity', 'consolewrite 21 35')
         command(self.page, 'set answer 42')
         other.wait_for_text('#variables', 'answerint')
-        other.wait_for_text('#activity', 'pageset answer 42')
-        self.panel.wait_for_text('set answer 42')
+        other.wait_for_text('#activity', 'pageset answer')
+        self.panel.wait_for_text('page: set answer')
         other.fill('#variables [data-name="answer"]', '43')
         other.press('Enter')
         self.panel.type('vars')

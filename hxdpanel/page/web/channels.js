@@ -80,6 +80,7 @@ function edit(row) {
   input.onkeydown = event => {
     if (event.key === 'Escape') leave();
     if (event.key !== 'Enter') return;
+    event.preventDefault();  // else the value, which has the focus next, would be pressed with it
     const text = input.value;
     const wrong = check();
     if (wrong && warned !== text) {
@@ -91,6 +92,7 @@ function edit(row) {
     write(row, text);
   };
   value.replaceWith(input);
+  input.focus();
   input.select();
   check();
 }
