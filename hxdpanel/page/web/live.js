@@ -7,6 +7,7 @@ import { ask } from './server.js';
 const RETRY_MS = 1000;
 const EVENTS = ['channels', 'did', 'acted', 'log', 'screen', 'restarted'];
 let restarts;
+let failures;  // as the panel told them last
 
 function connection(isThere, text) {
   publish('connection', { state: isThere, text });
@@ -23,6 +24,12 @@ async function fetchState(topic, path) {
 const fetchTime = calmed(() => fetchState('time', '/api/time'), 300);
 const fetchFaults = calmed(() => fetchState('faults', '/api/faults'), 100);
 const fetchVariables = calmed(() => fetchState('variables', '/api/variables'), 100);
+
+function failuresMayDiffer(panel) {
+  const text = JSON.stringify(panel.failures);
+  if (text !== failures) fetchFaults();
+  failures = text;
+}
 
 function askAnew() {
   fetchTime();
@@ -60,7 +67,7 @@ function open() {
 export function start() {
   connection('connecting', 'connecting');
   listen('restarted', restarted);
-  listen('panel', fetchFaults);
+  listen('panel', failuresMayDiffer);
   for (const topic of ['acted', 'did']) listen(topic, fetchTime);
   listen('acted', fetchVariables);
   open();

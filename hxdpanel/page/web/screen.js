@@ -7,8 +7,10 @@ const BEEP_SHOWN_MS = 1500;
 let pictures = 0;
 let beepTimer = 0;
 
-// The new picture is loaded before it takes the place of the old one: nothing flickers.
+// The new picture is loaded before it takes the place of the old one: nothing flickers. While nobody
+// can see it, none is fetched.
 function fetchScreen() {
+  if (document.hidden) return;
   const picture = new Image();
   const number = ++pictures;
   picture.onload = () => {
@@ -46,6 +48,7 @@ export function start() {
   byId('light').addEventListener('click', event =>
     act(event.target, event.target.getAttribute('aria-checked') === 'true' ? 'light off' : 'light on'));
   listen('screen', fetchScreen);
+  document.addEventListener('visibilitychange', fetchScreen);
   listen('panel', showPanel);
   listen('did', showBeep);
   showClocks();
