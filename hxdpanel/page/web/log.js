@@ -1,8 +1,8 @@
 // Lines of the driver and the stand-ins, newest first, from a level on.
-import { listen } from './bus.js';
+import { calmed, listen } from './bus.js';
 import { byId, element, prepend, setText, timeOfDay } from './dom.js';
 
-const LIMIT = 1000;
+const LIMIT = 2000;
 const LEVELS = ['trace', 'output', 'info', 'warning', 'error'];
 const FIRST_LEVEL = 'output';  // the trace of each call would cover the rest
 const list = byId('log').querySelector('.feed');
@@ -12,8 +12,12 @@ function isShown(item) {
     item.textContent.toLowerCase().includes(byId('log-filter').value.toLowerCase());
 }
 
+const showCount = calmed(() => setText(byId('log-count'),
+  `${list.querySelectorAll('li:not([hidden])').length} of ${list.childElementCount} lines`), 200);
+
 function filter() {
   for (const item of list.children) item.hidden = !isShown(item);
+  showCount();
 }
 
 function add({ time, level, text }) {
@@ -22,7 +26,7 @@ function add({ time, level, text }) {
     element('time', { dateTime: time }, timeOfDay(time)), element('i', {}, level), element('span', {}, text));
   item.hidden = !isShown(item);
   prepend(list, item, LIMIT);
-  setText(byId('log-count'), `${list.childElementCount} lines`);
+  showCount();
 }
 
 export function start() {
