@@ -200,6 +200,8 @@ int RunWithConsole(Session& session, const SessionParts& parts, const Options& o
 }
 
 int RunMode(Session& session, const SessionParts& parts, const Options& options) {
+    if (options.mode != Options::CONSOLE && options.mode != Options::WATCH)
+        session.BeBrief();  // nobody looks on
     switch (options.mode) {
         case Options::EXEC:
             return RunCommands(session, options.commands);

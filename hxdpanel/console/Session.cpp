@@ -17,7 +17,24 @@
 #include "hxdpanel/report/PanelReport.h"
 #include "hxdpanel/report/TimeReport.h"
 
+#include <memory>
+
 namespace {
+
+// The clock is held, so that a sleep of this thread moves it (HardwareCommands); then runs on.
+class MovedClock {
+public:
+    MovedClock() { sim::SimPanel::Instance().HoldClock(); }
+    MovedClock(const MovedClock&) = delete;
+    MovedClock& operator=(const MovedClock&) = delete;
+    ~MovedClock() {
+        if (m_dSpeed > 0.0)
+            sim::SimPanel::Instance().RunClock(m_dSpeed);
+    }
+
+private:
+    double m_dSpeed = sim::SimPanel::Instance().ClockSpeed();  // 0: it was held before
+};
 
 int ExitFor(int status) {
     return status == HOST_OK ? EXIT_DONE : EXIT_STATUS;
@@ -200,6 +217,7 @@ void Session::BeScript(std::FILE* out) {
 int Session::Collect() {
     const MutedDriver muted(m_output);
     ++m_shared.collections;
+    const std::unique_ptr<MovedClock> moved(m_bBrief ? new MovedClock : nullptr);
     const int status = m_device.Collect();
     sim::SimPanel::Instance().Change(
         [&](sim::PanelState& state) { state.screenRows = ScreenRows(m_database); });

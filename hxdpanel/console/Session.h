@@ -67,6 +67,9 @@ public:
     // what others are told of who acts.
     void PrintTo(std::FILE* out, std::string* complaint);
     void BeNamed(const std::string& name) { m_strName = name; }
+    // When the driver waits for its own worker while it collects, the panel's clock passes over
+    // that.
+    void BeBrief() { m_bBrief = true; }
     // What the last line of Run() did.
     const LineResult& Result() const { return m_result; }
     const HostDatabase& Database() const { return m_database; }
@@ -144,6 +147,7 @@ private:
     Recorder m_recorder;
     std::string m_strName = "console";
     std::string* m_pComplaint = nullptr;  // null: mistakes go to standard error
+    bool m_bBrief = false;
     bool m_json = false;
     JsonLayout m_layout = JsonLayout::DOCUMENT;
     bool m_bEnded = false;

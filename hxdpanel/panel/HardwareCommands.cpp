@@ -205,8 +205,9 @@ HardwareCommands::HardwareCommands(const PanelRestart& restart,
     sim::SimPanel::Instance().MoveHeldClock();
 }
 
+// Fast, because the device that ends now waits for threads that sleep by this clock.
 HardwareCommands::~HardwareCommands() {
-    sim::SimPanel::Instance().RunClock();
+    sim::SimPanel::Instance().RunClock(1000.0);
 }
 
 HardwareResult HardwareCommands::Run(const std::string& line) {
