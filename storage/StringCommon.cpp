@@ -23,7 +23,7 @@ void StringCommon::splitString(const QString& text, QVector<QString>& out) {
         out.append(text.mid(word.begin, word.end - word.begin));
 }
 
-QString StringCommon::wordAt(const QString& text, int index) {
+QString StringCommon::WordAt(const QString& text, int index) {
     Word word(text, 0);
     for (int i = 0; i < index; ++i)
         word = Word(text, word.end);

@@ -11,7 +11,7 @@ public:
     static void splitString(const QString& text, QVector<QString>& out);
 
     // The word with that index, from 0; empty when the text has fewer.
-    static QString wordAt(const QString& text, int index);
+    static QString WordAt(const QString& text, int index);
 };
 
 #endif

@@ -121,7 +121,7 @@ long long wear::EraseSum(const QVector<QString>& table) {
     constexpr int ERASE_COUNTER = 1;
     long long sum = 0;
     for (int i = 1; i < table.size(); ++i)  // thousands of blocks; 0 for a line without a counter
-        sum = Sum(sum, StringCommon::wordAt(table.at(i), ERASE_COUNTER).toLongLong());
+        sum = Sum(sum, StringCommon::WordAt(table.at(i), ERASE_COUNTER).toLongLong());
     return sum;
 }
 

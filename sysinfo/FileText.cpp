@@ -33,9 +33,9 @@ bool FileText::Read(HXDCTRL::File& file, long long size) {
 
 CString FileText::TakeTail(std::size_t limit) {
     const std::size_t length = std::min(m_nSize, limit);
-    const CString tail =
-        length == 0 ? CString()
-                    : CString(m_pBytes.get() + (m_nSize - length), static_cast<int>(length));
+    CString tail;
+    if (length > 0)
+        tail = CString(m_pBytes.get() + (m_nSize - length), static_cast<int>(length));
     m_pBytes.reset();
     m_nSize = 0;
     return tail;
