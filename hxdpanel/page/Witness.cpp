@@ -11,6 +11,7 @@ namespace page {
 
 namespace {
 
+constexpr std::size_t NOTICE_COLUMNS = 160;
 constexpr std::size_t MAX_LINES = 1000;  // of the driver, for one command
 
 const char* LevelName(int level) {
@@ -41,16 +42,16 @@ Witness::~Witness() {
 // Who sits at the console sees what the page does.
 void Witness::Acted(const std::string& by, const std::string& line, int status,
                     const std::string& meaning) {
-    if (by != "console")
-        std::fprintf(stderr, "%s\n",
-                     terminal::Styled(stderr, terminal::FAINT,
-                                      by + ": " + Visible(line) + ": " + std::to_string(status) +
-                                          " (" + Visible(meaning) + ")")
-                         .c_str());
-    m_hub.Publish("acted", {{"time", IsoTime()},
-                            {"by", by},
-                            {"line", line},
-                            {"status", JsonStatus(status, meaning)}});
+    if (by != "console") {
+        const std::string text = by + ": " + Visible(line) + ": " + std::to_string(status) + " (" +
+                                 Visible(meaning) + ")";
+        std::fprintf(
+            stderr, "%s\n",
+            terminal::Styled(stderr, terminal::FAINT, Shortened(text, NOTICE_COLUMNS)).c_str());
+    }
+    m_hub.Publish(
+        "acted",
+        {{"time", IsoTime()}, {"by", by}, {"line", line}, {"status", JsonStatus(status, meaning)}});
     m_changed();
 }
 
