@@ -43,8 +43,9 @@ class Lines:
         self._thread.start()
 
     def _read(self, pipe):
-        for line in pipe:
-            self.text += line
+        with pipe:
+            for line in pipe:
+                self.text += line
 
     def wait(self, pattern, seconds=30):
         return wait_for(pattern, lambda: self.text, lambda text: re.search(pattern, text), seconds) and \
