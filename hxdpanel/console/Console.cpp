@@ -17,7 +17,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdlib>
 #include <cwchar>
 #include <memory>
 
@@ -282,15 +281,45 @@ int RunPiped(Session& session, const std::string& line) {
     return EXIT_USAGE;
 }
 
+// The lines of standard input. A signal ends them whichever thread it reached, and also when it
+// came just before the wait for input.
+class PipedLines {
+public:
+    bool Next(std::string& line) {
+        std::size_t end = m_read.find('\n');
+        while (end == std::string::npos && ReadMore())
+            end = m_read.find('\n');
+        line = m_read.substr(0, end);
+        m_read.erase(0, end == std::string::npos ? end : end + 1);
+        return !interrupt::Pending() && (end != std::string::npos || !line.empty());
+    }
+
+private:
+    // False at the end, and when the user has interrupted.
+    bool ReadMore() {
+        pollfd events[] = {{STDIN_FILENO, POLLIN, 0}, {interrupt::Descriptor(), POLLIN, 0}};
+        hxd::RetryInterrupted([&] { return ::poll(events, 2, -1); });
+        if (interrupt::Pending())
+            return false;
+        char text[4096];
+        const ssize_t length =
+            hxd::RetryInterrupted([&] { return ::read(STDIN_FILENO, text, sizeof text); });
+        if (length > 0)
+            m_read.append(text, static_cast<std::size_t>(length));
+        return length > 0;
+    }
+
+    std::string m_read;  // what follows the last line
+};
+
 int RunPipe(Session& session, DriverOutput& output) {
     int worst = EXIT_DONE;
-    char* buffer = nullptr;
-    std::size_t size = 0;
-    while (!session.Ended() && !interrupt::Pending() && ::getline(&buffer, &size, stdin) >= 0) {
-        worst = std::max(worst, RunPiped(session, buffer));
+    PipedLines lines;
+    std::string line;
+    while (!session.Ended() && lines.Next(line)) {
+        worst = std::max(worst, RunPiped(session, line));
         std::fflush(output.Results());
     }
-    std::free(buffer);
     return worst;
 }
 
