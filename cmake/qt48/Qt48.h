@@ -136,6 +136,7 @@ public:
 
     QString();
     QString(QChar c);
+    QString(const QChar* characters, int size);
     QString(int size, QChar fill);
     QString(const QLatin1String& text);
     QString& operator=(const QLatin1String& text);
@@ -169,6 +170,7 @@ public:
     void swap(QString& other);
     const QChar at(int index) const;
     const QChar operator[](int index) const;
+    const QChar* constData() const;
     const_iterator begin() const;
     const_iterator end() const;
     QString& append(const QString& other);
@@ -243,6 +245,7 @@ public:
     QBool contains(const QString& text, Qt::CaseSensitivity = Qt::CaseSensitive) const;
     int indexOf(const QString& text, int from = 0) const;
     QStringList& operator<<(const QString& text);
+    QStringList& operator<<(const QStringList& texts);
 };
 
 template <typename T>
@@ -395,7 +398,12 @@ class QDir {
 public:
     enum Filter { Dirs = 1, Files = 2, AllEntries = 7, Hidden = 0x100, NoDotAndDotDot = 0x1000 };
     typedef int Filters;
+    enum SortFlag { Name = 0, IgnoreCase = 0x10 };
+    typedef int SortFlags;
     QDir(const QString& path = QString());
+    QDir(const QString& path, const QString& nameFilter,
+         SortFlags sort = SortFlags(Name | IgnoreCase), Filters filters = AllEntries);
+    uint count() const;
     QStringList entryList(Filters filters) const;
     bool exists() const;
     bool mkpath(const QString& path) const;

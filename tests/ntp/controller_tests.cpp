@@ -261,12 +261,11 @@ TEST_F(TimeControl, ServesSeveralThreads) {
 TEST_F(TimeControl, ChangesOneSettingAtATime) {
     NtpCtrl& control = StartOnDemand({});
     const QString name = QLatin1String("a");
+    const QStringList names = QStringList() << name << name << name << name;
     const std::function<void()> changes[] = {
         [&] { control.setNtpFreq(3); },
         [&] { control.setNtpServer(name, 0); },
-        [&] {
-            control.setNtpServers({name, name, name, name});
-        },
+        [&] { control.setNtpServers(names); },
     };
     const std::function<void()> others[] = {
         [&] { control.enableNtp(1); },
