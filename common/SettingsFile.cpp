@@ -202,11 +202,11 @@ Parsed ParseOnce(const std::string& content, const char* codec) {
     return parsed;
 }
 
-// QSettings writes a few odd keys, an encoded word in a line of its own for example, in a way in
-// which it does not find them again.
+// QSettings writes a few odd keys, an encoded word in a line of its own or one in a section without
+// a name for example, in a way in which it does not find them again.
 bool IsFoundAgain(const QString& key) {
-    return !key.endsWith(QLatin1Char('/')) && !key.contains(QLatin1String("//")) &&
-           !key.contains(QChar(0));
+    return !key.startsWith(QLatin1Char('/')) && !key.endsWith(QLatin1Char('/')) &&
+           !key.contains(QLatin1String("//")) && !key.contains(QChar(0));
 }
 
 // Qt's part of a change, on a file that nobody else knows. How many keys there are to be then.

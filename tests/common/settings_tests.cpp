@@ -267,7 +267,7 @@ TEST_F(Settings, KeepModeTimeLinksAndForeignKeys) {
     EXPECT_EQ(readFile(FILE_NAME), "[DEVICE]\nbacklight_duration=1\n\n" + foreign);
     // Not even by keys that Qt does not find again.
     for (const char* odd :
-         {"[GUI]\nfoo/=1\n", "[GUI]\nQUJD/==\n", "[/]\n=1\n", "[DEVICE]\n/=1\n"}) {
+         {"[GUI]\nfoo/=1\n", "[GUI]\nQUJD/==\n", "[/]\n=1\n", "[DEVICE]\n/=1\n", "a=1\n[\na=2\n"}) {
         writeFile("/tmp/odd", odd);
         Write(OWN_KEY[0], QLatin1String("7"), QLatin1String("/tmp/odd"));
         EXPECT_EQ(Read(OWN_KEY[0], QLatin1String("/tmp/odd")), QLatin1String("7")) << odd;
