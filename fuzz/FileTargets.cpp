@@ -1,6 +1,7 @@
 // Settings files as others leave them, and what a time server sends.
 #include "commands/VncPassword.h"
 #include "common/AppSettings.h"
+#include "common/IniOperator.h"
 #include "common/QtText.h"
 #include "common/SettingsFile.h"
 #include "fuzz/FuzzDevice.h"
@@ -50,6 +51,17 @@ void PasswordFile(const QString& value) {
     CDevBas::ReadVncPwd();
     CDevBas::writeVncPwd(hxd::ToHost(value));
     FUZZ_EXPECT(CDevBas::ReadVncPwd() == hxd::ToHost(value));
+}
+
+// As the GUI uses it: names and default from outside.
+void AnyFile(const QString& name) {
+    const QString file = QLatin1String(APP_SETTINGS);
+    const QString section = name.section(QLatin1Char('.'), 0, 0);
+    const QString key = name.section(QLatin1Char('.'), 1, 1);
+    QString value;
+    IniOperator::FileIniReadValue(file, section, key, value, name);
+    IniOperator::FileIniWriteValue(file, section, key, name);
+    IniOperator::FileIniReadValue(file, section, key, value, QString());
 }
 
 // Only a loopback socket of its own hears what a worker asks for.
@@ -112,13 +124,16 @@ void fuzz::Settings(Input& input) {
     const int choice = input.ConsumeIntegral<std::uint8_t>();
     const QString value = hxd::FromHost(input.ConsumeRandomLengthString(40).c_str());
     const std::string text = input.ConsumeRemainingBytesAsString();
-    switch (choice % 3) {
+    switch (choice % 4) {
         case 0:
             Put(APP_SETTINGS, text);
             return AppSettingsFile(value);
         case 1:
             Put(TIME_SETTINGS, text);
             return TimeSettingsFile(value);
+        case 2:
+            Put(APP_SETTINGS, text);
+            return AnyFile(value);
         default:
             Put(PASSWORD, text);
             return PasswordFile(value);

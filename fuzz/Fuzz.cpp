@@ -2,6 +2,7 @@
 #include "fuzz/Fuzz.h"
 
 #include "SimPanel.h"
+#include "fuzz/Machine.h"
 #include "hxdpanel/host/LockPlugin.h"
 
 #include <QCoreApplication>
@@ -65,6 +66,7 @@ extern "C" int LLVMFuzzerInitialize(int* count, char*** arguments) {
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
+    machine::driven = true;
     Input input(data, size);
     g_target->run(input);
     return 0;

@@ -3,7 +3,11 @@
 #include "SimPanel.h"
 #include "fuzz/Machine.h"
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <climits>
+#include <cstdio>
 #include <vector>
 
 namespace {
@@ -19,8 +23,41 @@ void BreakThePlatform(Input& input, sim::PanelState& state) {
         state.interfaces.resize(5);
     if (choice == 0xF2)
         state.uarts[0].counters = {INT_MAX, INT_MIN, -1, INT_MIN};
+    if (choice == 0xF4)
+        state.storageMounted = true;
     if (choice == 0xF3)
         std::fill_n(state.interfaces[0].record.name, sizeof state.interfaces[0].record.name, 'n');
+}
+
+// What others may have put, or taken away, where the driver has its files.
+constexpr const char* PLACES[] = {"/tmp/olma_app_conf.lck",
+                                  "/tmp/ping.lock",
+                                  "/tmp/dns_access_lock.lck",
+                                  "/tmp/ping.sh",
+                                  "/tmp/dmesg.log",
+                                  "/usr/olma_app/config/olma_app_conf.ini",
+                                  "/usr/olma_app/config/ntp_param_cfg.ini",
+                                  "/etc/timezone"};
+constexpr const char* IN_THE_WAY = "/in_the_way";
+
+void Plant(Input& input) {
+    static std::string planted;
+    if (!planted.empty()) {
+        ::rmdir((planted + IN_THE_WAY).c_str());
+        std::remove(planted.c_str());
+    }
+    planted.clear();
+    const std::size_t choice = input.ConsumeIntegral<std::uint8_t>();
+    if (choice >= sizeof PLACES / sizeof *PLACES * 4)
+        return;
+    planted = PLACES[choice / 4];
+    std::remove(planted.c_str());
+    if (choice % 4 == 1)
+        ::mkfifo(planted.c_str(), 0600);
+    if (choice % 4 == 2)
+        FUZZ_EXPECT(::symlink("/tmp/elsewhere", planted.c_str()) == 0);
+    if (choice % 4 == 3 && ::mkdir(planted.c_str(), 0700) == 0)
+        ::mkdir((planted + IN_THE_WAY).c_str(), 0700);
 }
 
 }  // namespace
@@ -48,6 +85,7 @@ FuzzDevice& FuzzDevice::Fresh(Input& input) {
         BreakThePlatform(input, state);
     });
     made.device.DevIOCtrl("EnableNTP(0)");
+    Plant(input);
     machine::commandsFail = input.ConsumeIntegral<std::uint8_t>() == 0xFF;
     return made;
 }

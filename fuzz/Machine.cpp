@@ -7,6 +7,7 @@
 #include "hxdpanel/sandbox/GuardedCalls.h"
 #include "olma_host.h"
 
+#include <dlfcn.h>
 #include <errno.h>
 #include <poll.h>
 #include <spawn.h>
@@ -29,6 +30,7 @@
 
 #define HXD_EXPORT __attribute__((visibility("default")))
 
+bool machine::driven = false;
 std::string machine::kernelLog;
 std::atomic<bool> machine::commandsFail{false};
 std::atomic<bool> machine::pingAnswers{true};
@@ -85,6 +87,8 @@ bool Begins(const std::string& text, const std::string& beginning) {
 extern "C" {
 
 HXD_EXPORT int system(const char* command) {
+    if (!machine::driven)  // the fuzzer itself
+        return reinterpret_cast<decltype(&::system)>(::dlsym(RTLD_NEXT, "system"))(command);
     const std::string text = command;
     const std::string makeFolders = "mkdir -p ";
     const bool known = Begins(text, makeFolders) || text == "dmesg > /tmp/dmesg.log" ||
