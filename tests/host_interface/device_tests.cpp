@@ -2,13 +2,13 @@
 #include "Adversity.h"
 #include "FakeHost.h"
 #include "FakeLink.h"
+#include "Resources.h"
 #include "SimPanel.h"
 #include "SystemCalls.h"
 #include "WaitStatus.h"
 
 #include <gtest/gtest.h>
 
-#include <dirent.h>
 #include <dlfcn.h>
 #include <pthread.h>
 #include <sched.h>
@@ -66,26 +66,6 @@ constexpr int CYCLES = 500;
 #else
 constexpr int CYCLES = 10000;
 #endif
-
-struct Resources {
-    long memoryKib, descriptors, threads;
-};
-
-Resources Used() {
-    Resources used = {0, 0, 0};
-    std::ifstream status("/proc/self/status");
-    for (std::string word; status >> word;) {
-        if (word == "VmRSS:")
-            status >> used.memoryKib;
-        else if (word == "Threads:")
-            status >> used.threads;
-    }
-    DIR* const directory = ::opendir("/proc/self/fd");
-    while (::readdir(directory) != nullptr)
-        ++used.descriptors;
-    ::closedir(directory);
-    return used;
-}
 
 void RunInAThread(std::function<void()> body) {
     pthread_t thread = {};
@@ -349,9 +329,9 @@ TEST_F(FromWithin, AReleaseWaitsForTheEndOfTheOperation) {
     });
     OfEach([&] { EXPECT_EQ(destroy(device), 0); },
            [&](const std::function<int()>& call) {
-               const long threads = Used().threads;
+               const long threads = Resources::Used().threads;
                call();
-               EXPECT_LT(Used().threads, threads);
+               EXPECT_LT(Resources::Used().threads, threads);
                device = create("next", &host);
            });
 }
@@ -499,9 +479,9 @@ TEST_F(Device, LeavesNothingBehind) {
         }
     };
     cycles(200);  // whatever is allocated once
-    const Resources before = Used();
+    const Resources before = Resources::Used();
     cycles(CYCLES);
-    const Resources after = Used();
+    const Resources after = Resources::Used();
     EXPECT_EQ(after.descriptors, before.descriptors);
     EXPECT_EQ(after.threads, before.threads);
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
