@@ -115,7 +115,6 @@ void NtpThread::Start() {
     m_pWakeUp = std::make_unique<HXDCTRL::File>(wakeUp.Descriptor());
     wakeUp.Release();
     m_bRunning = true;
-    m_eState = STATE_IDLE;
     try {
         m_thread = std::thread(&NtpThread::Run, this);
     } catch (...) {

@@ -28,6 +28,7 @@
 #include <fstream>
 #include <functional>
 #include <random>
+#include <thread>
 
 namespace {
 
@@ -455,4 +456,23 @@ TEST(File, ReadsWholeFilesOfEveryKind) {
     EXPECT_EQ(other.LastError(), EBADF);
     EXPECT_FALSE(HXDCTRL::File::is_file_exist("/tmp"));
     EXPECT_TRUE(HXDCTRL::File::is_file_exist("/tmp/content"));
+}
+
+TEST(File, IsReadOnAfterAnInterruption) {
+    int ends[2] = {-1, -1};
+    ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
+    HXDCTRL::File reading(ends[0]);
+    HXDCTRL::File writing(ends[1]);
+    std::thread writer([&] {
+        ::usleep(50000);
+        EXPECT_EQ(::write(writing.Descriptor(), "ab", 2), 2);
+    });
+    char bytes[2] = {};
+    const InterruptingTimer timer;
+    EXPECT_EQ(reading.Read(bytes, 2), 2u);
+    writer.join();
+    writing.close();
+    errno = EIO;
+    EXPECT_EQ(reading.Read(bytes, 2), 0u);
+    EXPECT_EQ(reading.LastError(), 0) << "the end is no error";
 }

@@ -331,7 +331,7 @@ TEST_F(TimeControl, AWorkerEndsInTheMiddleOfARequest) {
     EXPECT_EQ(silent.Requests(), 1);
 }
 
-// Threads are short for the worker, then for its look-up.
+// Threads are short for the worker, then for its look-up; later calls are interrupted.
 TEST_F(TimeControl, FailsWithoutThreadsAndGoesOnLater) {
     writeFile("/etc/hosts", "127.0.0.12 time.test\n");
     const TimeServer server("127.0.0.12", TimeServer::Showing(SERVER_TIME));
@@ -342,4 +342,8 @@ TEST_F(TimeControl, FailsWithoutThreadsAndGoesOnLater) {
     }
     g_systemCalls.threads = -1;
     EXPECT_EQ(Exec(), 0);
+    g_systemCalls.interrupts = true;
+    EXPECT_EQ(Exec(), 0);
+    g_systemCalls.interrupts = false;
+    EXPECT_EQ(server.Requests(), 2);
 }

@@ -116,6 +116,7 @@ TEST(Wear, IsJudgedAgainstTheHoursShareOfFiveYears) {
     EXPECT_EQ(wear::Gear(1, 0), 4);
     EXPECT_EQ(wear::Gear(-1, 0), 1);
     EXPECT_EQ(wear::Increase(7, 5), -2);  // a counter that was reset
+    EXPECT_EQ(wear::Increase(-1, 5), 6);
     EXPECT_EQ(wear::Increase(-1, HIGHEST), HIGHEST);
     EXPECT_EQ(wear::Increase(1, LOWEST), LOWEST);
     EXPECT_EQ(wear::Sum(HIGHEST, 1), HIGHEST);

@@ -1,8 +1,11 @@
+// Without the compiler's own versions of some of the functions below.
+#undef _FORTIFY_SOURCE
 #include "SystemCalls.h"
 
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <linux/magic.h>
+#include <poll.h>
 #include <pthread.h>
 #include <sys/file.h>
 #include <sys/vfs.h>
@@ -50,6 +53,10 @@ void sync() noexcept {
 
 int flock(int fd, int operation) noexcept {
     return IsInterrupted() ? -1 : Next<decltype(&flock)>("flock")(fd, operation);
+}
+
+int poll(pollfd* fds, nfds_t nfds, int timeout) {
+    return IsInterrupted() ? -1 : Next<decltype(&poll)>("poll")(fds, nfds, timeout);
 }
 
 ssize_t write(int fd, const void* buf, size_t n) {

@@ -9,6 +9,7 @@
 
 #include <sys/stat.h>
 #include <unistd.h>
+#include <algorithm>
 #include <cmath>
 #include <fstream>
 
@@ -163,6 +164,17 @@ TEST_F(CpuUseOnAPanel, KeepsTheLastGoodValueAndMeasuresOnFromABadSample) {
         EXPECT_EQ(errors.substr(0, sample.error.size()), sample.error) << sample.line;
         EXPECT_EQ(errors.empty(), sample.error.empty()) << errors;
     }
+}
+
+TEST_F(CpuUseOnAPanel, TellsWhatItReadAsTextsAndAsNumbers) {
+    std::ofstream("/proc/stat") << "cpu  1 2 3 4 5 6 7\n";
+    EXPECT_EQ(Run("GetCpuUse(10)"), 0);
+    const Names log = Log();
+    EXPECT_EQ(std::count(log.begin(), log.end(),
+                         "4 DevCalcCpuUse DevCalcCpuUse begin m_cpuname = cpu,m_user = 1,m_nice=2,"
+                         "m_system = 3,m_idle=4,m_iowait=5,m_irq=6,m_softirq=7"),
+              2)
+        << testing::PrintToString(log);
 }
 
 TEST(MemoryInfo, TakesTheKernelsFigureFromACompleteLine) {
