@@ -167,7 +167,7 @@ TEST_F(CpuUseOnAPanel, KeepsTheLastGoodValueAndMeasuresOnFromABadSample) {
 }
 
 TEST_F(CpuUseOnAPanel, TellsWhatItReadAsTextsAndAsNumbers) {
-    std::ofstream("/proc/stat") << "cpu  1 2 3 4 5 6 7\n";
+    std::ofstream("/proc/stat") << "cpu  1 2 3 4 5 6 7 8\n";
     EXPECT_EQ(Run("GetCpuUse(10)"), 0);
     const Names log = Log();
     EXPECT_EQ(std::count(log.begin(), log.end(),
