@@ -71,7 +71,7 @@ bool Gate::IsInTime() {
     const hxd::MutexLock lock(m_lock);
     const auto now = std::chrono::steady_clock::now();
     const double passed = std::chrono::duration<double>(now - m_since).count();
-    m_dLeft = std::min(REQUESTS_AT_ONCE, m_dLeft + passed * REQUESTS_A_SECOND);
+    m_dLeft = std::min(+REQUESTS_AT_ONCE, m_dLeft + passed * REQUESTS_A_SECOND);
     m_since = now;
     if (m_dLeft < 1.0)
         return false;

@@ -59,10 +59,6 @@ Json PortsJson(const sim::PanelState& state) {
     return list;
 }
 
-Json TextOrNull(const std::string& text) {
-    return text.empty() ? Json(nullptr) : Json(text);
-}
-
 Json FlashJson() {
     const storagewear::Flash flash = storagewear::State();
     switch (flash.kind) {

@@ -70,3 +70,7 @@ Json JsonVariable(const std::string& name, const HostValue& value) {
 Json JsonText(const char* text) {
     return text != nullptr ? Json(text) : Json(nullptr);
 }
+
+Json TextOrNull(const std::string& text) {
+    return text.empty() ? Json(nullptr) : Json(text);
+}

@@ -28,6 +28,7 @@ Json JsonStatus(int status, const std::string& meaning);
 // Whole numbers without a fraction.
 Json JsonValue(const HostValue& value);
 Json JsonVariable(const std::string& name, const HostValue& value);
-Json JsonText(const char* text);  // null for null
+Json JsonText(const char* text);           // null for null
+Json TextOrNull(const std::string& text);  // null for an empty one
 
 #endif

@@ -33,10 +33,6 @@ ShownChannels Settings(const HostDatabase& database) {
     return channels;
 }
 
-Json TextOrNull(const std::string& text) {
-    return text.empty() ? Json(nullptr) : Json(text);
-}
-
 }  // namespace
 
 void PrintTime(std::FILE* out, const HostDatabase& database, const std::string& lastResult) {
