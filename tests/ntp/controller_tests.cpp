@@ -338,7 +338,9 @@ TEST_F(TimeControl, FailsWithoutThreadsAndGoesOnLater) {
     StartOnDemand({"time.test"});
     for (const int threads : {0, 1}) {
         g_systemCalls.threads = threads;
+        testing::internal::CaptureStderr();
         EXPECT_EQ(Exec(), 10) << threads;
+        EXPECT_EQ(Count(testing::internal::GetCapturedStderr(), "getaddrinfo error"), 2 * threads);
     }
     g_systemCalls.threads = -1;
     EXPECT_EQ(Exec(), 0);

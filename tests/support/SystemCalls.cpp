@@ -29,7 +29,7 @@ void Tell(const char* call) {
 
 bool IsInterrupted() {
     static std::atomic<unsigned> calls{0};
-    const bool isInterrupted = g_systemCalls.interrupts && ++calls % 2 != 0;
+    const bool isInterrupted = g_systemCalls.interrupts && ++calls % 16 != 0;
     if (isInterrupted)
         errno = EINTR;
     return isInterrupted;

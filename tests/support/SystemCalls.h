@@ -9,7 +9,8 @@
 // As long as nothing is set, everything goes its usual way.
 struct SystemCalls {
     std::function<void(const std::string& call)> onFlush;  // before each "fsync" and "sync"
-    // Every other write(), flock(), fsync() and poll() is interrupted, and no write() takes all.
+    // Fifteen of sixteen write(), flock(), fsync() and poll() are interrupted, and no write() takes
+    // all.
     std::atomic<bool> interrupts{false};
     std::atomic<bool> diskFull{false};    // for every write()
     std::atomic<int> threads{-1};         // how many more can be started; below 0: any number
