@@ -75,10 +75,12 @@ int main(int argc, char** argv) {
     std::fprintf(results, "%.9f %ld %ld\n", elapsed.count(), after.residentKib - before.residentKib,
                  after.privateKib - before.privateKib);
     std::fflush(results);
-    while (argc == 3) {
-        ::sleep(static_cast<unsigned>(std::atoi(argv[2])));
-        device->DevIOCtrl("REFLESH()");
-        Collect(*device);
+    if (argc == 3) {
+        for (const auto seconds = static_cast<unsigned>(std::atoi(argv[2]));;) {
+            ::sleep(seconds);
+            device->DevIOCtrl("REFLESH()");
+            Collect(*device);
+        }
     }
     ::_exit(0);  // the device is not what is measured any more
 }
