@@ -99,8 +99,9 @@ void fuzz::Scripts(Input& input) {
     ScriptPanel& panel = ThePanel();
     const bool asJson = input.ConsumeBool();
     const bool echo = input.ConsumeBool();
-    Session session(panel.database, panel.device, panel.output, panel.memory, panel.hardware,
-                    nullptr, panel.files);
+    SharedRun shared;
+    Session session({panel.database, panel.device, panel.output, panel.memory, panel.hardware,
+                     shared, nullptr, panel.files});
     static std::FILE* const nowhere = std::fopen("/dev/null", "w");
     ScriptReport report(nowhere, asJson ? ScriptReport::TAP : ScriptReport::SUMMARY);
     Echo shown(nowhere, asJson ? "# " : "");

@@ -99,8 +99,7 @@ ssize_t ReadStream(void* state, std::uint64_t, char* buffer, std::size_t size) {
             if (!self.stream->Read(self.rest))
                 return MHD_CONTENT_READER_END_OF_STREAM;
         }
-        const std::size_t length = std::min(size, self.rest.size());
-        std::memcpy(buffer, self.rest.data(), length);
+        const std::size_t length = self.rest.copy(buffer, size);
         self.rest.erase(0, length);
         return static_cast<ssize_t>(length);
     } catch (...) {

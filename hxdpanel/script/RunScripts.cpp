@@ -17,7 +17,10 @@ int RunScripts(Session& session, const std::vector<ScriptFile>& files, const Scr
     const bool isShown = echo && shown.Stream() != nullptr;
     Script script(session, options, report, isShown ? &shown : nullptr);
     session.BeScript(isShown ? shown.Stream() : nullptr);
-    session.Collect();  // as a host does before its scripts run
+    {
+        const Session::Turn turn(session);
+        session.Collect();  // as a host does before its scripts run
+    }
     report.Begin();
     bool going = true;
     bool readable = true;

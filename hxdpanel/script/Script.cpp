@@ -237,8 +237,10 @@ Script::Observed Script::ObserveValue(const Expectation& expectation) {
     std::string subject = Visible(expectation.name);
     int number = 0;
     if (IsWhole(expectation.name) || !m_session.Database().FindVariable(expectation.name, value)) {
-        if (!m_bRead)
+        if (!m_bRead) {
+            const Session::Turn turn(m_session);
             m_session.Refresh();
+        }
         m_bRead = true;
         if (ChooseChannel(expectation.name, HighestChannel(m_session.Database()), number,
                           observed.error)) {
