@@ -161,7 +161,7 @@ TEST(Hxdpanel, JsonTellsWhatWasSetByHandAndWhatThePanelDid) {
     for (const auto& row : members)
         EXPECT_EQ(panel[nlohmann::json::json_pointer(row.member)], nlohmann::json::parse(row.holds))
             << row.member << panel;
-    EXPECT_GE(panel["clock"]["aheadMs"], 3599000);
+    EXPECT_GE(panel["clock"]["aheadMs"], 3000000);  // the hour, less what has passed since
 }
 
 TEST(Hxdpanel, WatchTellsChangesOnly) {

@@ -92,7 +92,7 @@ JsonSchema SchemaOf(const Json& description, Json objects) {
         objects["oneOf"].push_back({{"$ref", "#/$defs/" + object.key()}});
     std::string text = objects.dump();
     for (const std::string place : {"json-schema.json#/$defs/", "#/components/schemas/"}) {
-        for (std::size_t at; (at = text.find(place)) != std::string::npos;)
+        for (std::size_t at = text.find(place); at != std::string::npos; at = text.find(place))
             text.replace(at, place.size(), "#/$defs/");
     }
     return JsonSchema(Json::parse(text));
@@ -357,6 +357,7 @@ TEST(Page, AFloodIsBounded) {
         refused += panel.Get("/api/complete").status == 429 ? 1 : 0;
     EXPECT_GT(refused, 0);
     std::vector<std::unique_ptr<http::Connection>> idle;
+    idle.reserve(100);
     for (int i = 0; i < 100; ++i)
         idle.push_back(std::make_unique<http::Connection>(panel.Port()));
     int threads = 0;
