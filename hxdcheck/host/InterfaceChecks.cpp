@@ -60,8 +60,8 @@ bool CheckInterface(Findings& findings, const DriverLibrary& driver) {
     };
     if (findings.Run("create", create).status != Finding::OK)
         return false;
-    const auto slots = [&] { return CheckSlots(*device); };
-    const Finding answered = findings.Run("slots", slots, 10, SAME_HEADER);
+    const auto checkSlots = [&] { return CheckSlots(*device); };
+    const Finding answered = findings.Run("slots", checkSlots, 10, SAME_HEADER);
     const Finding released = findings.Run("destroy", destroy, 10, SAME_HEADER);
     return answered.status == Finding::OK && released.status == Finding::OK;
 }
