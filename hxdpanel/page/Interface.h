@@ -63,6 +63,7 @@ private:
     Response File(const Call& call);
     Response Library(const Call& call);
 
+    Response AnswerTo(const char* line);  // what the console answers to it
     bool KnowsChannel(const std::string& word, Response& error) const;
 
     Session& m_session;
