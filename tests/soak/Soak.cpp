@@ -239,7 +239,7 @@ int Run(int seconds, pid_t neighbour) {
     Host(9, CHANNEL_BUZZER_DURATION).Step();  // whatever is made once
     const Resources before = Resources::Used();
     const long steps = Soak(seconds);
-    const Resources after = Resources::Used();
+    const Resources after = Resources::Used(before.threads);
     Check(after.descriptors == before.descriptors, "descriptors are left", after.descriptors);
     Check(after.threads == before.threads, "threads are left", after.threads);
     Check(server.Requests() > seconds / 10, "synchronisations are missing", server.Requests());

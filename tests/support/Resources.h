@@ -3,17 +3,34 @@
 #define HXD_TESTS_RESOURCES_H
 
 #include <dirent.h>
+
+#include <chrono>
+#include <climits>
 #include <fstream>
 #include <string>
+#include <thread>
 
 struct Resources {
     long memoryKib, descriptors, threads;
 
-    static Resources Used() {
+    // Once there are no more threads than these, or seconds later: a thread that has been joined is
+    // counted until the kernel is through with it.
+    static Resources Used(long threads = LONG_MAX) {
+        Resources used = Now();
+        for (int tries = 0; used.threads > threads && tries < 200; ++tries) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+            used = Now();
+        }
+        return used;
+    }
+
+private:
+    // Memory without what is read from files, which the kernel drops and reads again as it likes.
+    static Resources Now() {
         Resources used = {0, 0, 0};
         std::ifstream status("/proc/self/status");
         for (std::string word; status >> word;) {
-            if (word == "VmRSS:")
+            if (word == "RssAnon:")
                 status >> used.memoryKib;
             else if (word == "Threads:")
                 status >> used.threads;
