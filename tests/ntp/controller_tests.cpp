@@ -1,6 +1,7 @@
 // Commands, workers and the control thread, against servers on the panel's own network.
 #include "SystemCalls.h"
 #include "common/QtText.h"
+#include "network/NerworkCheck.h"
 #include "tests/ntp/TimeControl.h"
 #include "tests/ntp/TimeServer.h"
 
@@ -336,6 +337,7 @@ TEST_F(TimeControl, FailsWithoutThreadsAndGoesOnLater) {
     writeFile("/etc/hosts", "127.0.0.12 time.test\n");
     const TimeServer server("127.0.0.12", TimeServer::Showing(SERVER_TIME));
     StartOnDemand({"time.test"});
+    NerworkCheck::pingNetWork(true);  // Qt 4 starts a thread with the first process
     for (const int threads : {0, 1}) {
         g_systemCalls.threads = threads;
         testing::internal::CaptureStderr();
