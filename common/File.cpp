@@ -75,7 +75,7 @@ std::string File::readAll() {
     char buffer[1024];
     for (;;) {
         const ssize_t count =
-            hxd::RetryInterrupted([&] { return ::read(m_nFd, buffer, sizeof buffer); });
+            hxd::RetryInterrupted([&] { return ::read(m_nFd, buffer, sizeof buffer - 1); });
         if (count == 0)
             return content;
         if (count < 0)

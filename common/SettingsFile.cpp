@@ -205,7 +205,7 @@ Parsed ParseOnce(const std::string& content, const char* codec) {
 // QSettings writes a few odd keys, an encoded word in a line of its own or one in a section without
 // a name for example, in a way in which it does not find them again.
 bool IsFoundAgain(const QString& key) {
-    return !key.startsWith(QLatin1Char('/')) && !key.endsWith(QLatin1Char('/')) &&
+    return !key.startsWith(QLatin1String("/")) && !key.endsWith(QLatin1String("/")) &&
            !key.contains(QLatin1String("//")) && !key.contains(QChar(0));
 }
 

@@ -245,6 +245,20 @@ std::unique_ptr<TimeServer> StartTimeServer() {
     return server;
 }
 
+// Null, with a message, for a library that cannot be loaded.
+std::unique_ptr<DriverLibrary> LoadDriver(const Options& options) {
+    std::string error;
+    const std::string driver = sandbox::DriverFile(options);
+    auto library = DriverLibrary::Load(driver, error);
+    if (library != nullptr)
+        return library;
+    const std::size_t place = options.driver.empty() ? std::string::npos : error.find(driver);
+    if (place != std::string::npos)  // the user knows it by another name than the sandbox
+        error.replace(place, driver.size(), options.driver);
+    std::fprintf(stderr, "hxdpanel: %s\n", error.c_str());
+    return nullptr;
+}
+
 int RunPanel(const Options& options, int argc, char** argv) {
     QCoreApplication application(argc, argv);
     PanelFiles files;
@@ -267,16 +281,9 @@ int RunPanel(const Options& options, int argc, char** argv) {
     DriverOutput output;
     if (options.logLevel > 0)
         output.ShowAll();
-    std::string error;
-    const std::string driver = sandbox::DriverFile(options);
-    const auto library = DriverLibrary::Load(driver, error);
-    if (library == nullptr) {
-        const std::size_t place = options.driver.empty() ? std::string::npos : error.find(driver);
-        if (place != std::string::npos)  // the user knows it by another name than the sandbox
-            error.replace(place, driver.size(), options.driver);
-        std::fprintf(stderr, "hxdpanel: %s\n", error.c_str());
+    const auto library = LoadDriver(options);
+    if (library == nullptr)
         return EXIT_NO_DRIVER;
-    }
     auto starting = std::make_unique<MutedDriver>(output);
     Device device(*library, database, options.blob, options.channels);
     starting.reset();

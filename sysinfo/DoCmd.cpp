@@ -31,7 +31,7 @@ bool DoCmd::doCmdSync(const std::string& cmd, std::string& output) {
     for (;;) {
         // Not fread, which ends at a signal as at the end.
         const ssize_t count = hxd::RetryInterrupted(
-            [&] { return ::read(::fileno(pipe.get()), buffer, sizeof buffer); });
+            [&] { return ::read(::fileno(pipe.get()), buffer, sizeof buffer - 1); });
         if (count < 1)
             return true;
         output.append(buffer, static_cast<std::size_t>(count));

@@ -161,6 +161,14 @@ std::vector<std::string> SplitWords(const std::string& line) {
     return words;
 }
 
+std::vector<std::string> SplitAt(char separator, const std::string& text) {
+    std::istringstream stream(text);
+    std::vector<std::string> pieces;
+    for (std::string piece; std::getline(stream, piece, separator);)
+        pieces.push_back(piece);
+    return pieces;
+}
+
 bool Unquote(std::string& text) {
     if (text.size() < 2 || text.front() != '"' || text.back() != '"')
         return false;

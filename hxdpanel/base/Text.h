@@ -32,6 +32,7 @@ std::string Shortened(const std::string& visible, std::size_t columns);
 std::string TakeWord(std::string& rest);
 // The words between blanks.
 std::vector<std::string> SplitWords(const std::string& line);
+std::vector<std::string> SplitAt(char separator, const std::string& text);
 // Takes the quotes around a text away; false when there are none.
 bool Unquote(std::string& text);
 // True for a text that begins with a quote and does not end with another.

@@ -275,7 +275,7 @@ int RunTerminal(Session& session, DriverOutput& output, const std::string& histo
 
 // What ends only with Ctrl-C would keep the lines behind it waiting for ever.
 int RunPiped(Session& session, const std::string& line) {
-    if (Trimmed(line) != "watch" && Trimmed(line).compare(0, 6, "watch ") != 0)
+    if (Session::PlaceOf(line) <= Session::Place::PIPE)
         return session.Run(line);
     std::fputs("watch has no end in a pipe; use: hxdpanel watch --count N\n", stderr);
     return EXIT_USAGE;

@@ -56,6 +56,10 @@ public:
     // A console command, or a command of the driver as it stands. Blank lines do nothing.
     int Run(const std::string& line);
     int RunInTurn(const std::string& line) HXD_REQUIRES(m_shared.turn);
+    // What a line needs at least: quit ends the lines of a script, record writes one of what comes
+    // after it, and only at a terminal somebody ends what has no end.
+    enum class Place { PAGE, SCRIPT, PIPE, TERMINAL };
+    static Place PlaceOf(const std::string& line);
     // False, with a message for the user, when Run() would find no meaning in the line.
     static bool Understands(const std::string& line, std::string& error);
     bool Ended() const { return m_bEnded; }  // after quit
@@ -103,6 +107,7 @@ private:
     struct ConsoleCommand {
         ConsoleTopic topic;
         int (Session::*run)(const std::string& rest);
+        Place place = Place::PAGE;
     };
     static const std::vector<ConsoleCommand>& ConsoleCommands();
     static const ConsoleCommand* FindConsoleCommand(const std::string& name);

@@ -43,7 +43,8 @@ const std::vector<Session::ConsoleCommand>& Session::ConsoleCommands() {
         {{"read", "CHANNEL", "the same of one channel, its value alone"}, &Session::RunRead},
         {{"watch", "[CHANNEL...] [every S] [changes]",
           "read again and again, every second if not told, until Ctrl-C; changes shows only these"},
-         &Session::RunWatch},
+         &Session::RunWatch,
+         Place::TERMINAL},
         {{"write", "CHANNEL VALUE", "write a value to a channel"}, &Session::RunWrite},
         {{"set", "NAME[:TYPE] VALUE", "make a variable; TYPE int, double or text forces its type"},
          &Session::RunSet},
@@ -55,10 +56,11 @@ const std::vector<Session::ConsoleCommand>& Session::ConsoleCommands() {
          &Session::RunHelp},
         {{"record", "FILE|off",
           "write a script of what is typed from now on, with the results as its expectations"},
-         &Session::RunRecord},
+         &Session::RunRecord,
+         Place::PIPE},
         {{"page", "", "show the address at which a browser shows the panel (--page)"},
          &Session::RunPage},
-        {{"quit", "", "leave (Ctrl-D too)"}, &Session::RunQuit},
+        {{"quit", "", "leave (Ctrl-D too)"}, &Session::RunQuit, Place::SCRIPT},
     };
     return commands;
 }
@@ -125,11 +127,15 @@ bool Session::Understands(const std::string& line, std::string& error) {
     return false;
 }
 
+Session::Place Session::PlaceOf(const std::string& line) {
+    const ConsoleCommand* const command = FindConsoleCommand(Split(line).first);
+    return command != nullptr ? command->place : Place::PAGE;
+}
+
 int Session::Run(const std::string& line) {
-    const Words words = Split(line);
-    if (words.first == "watch") {
+    if (PlaceOf(line) == Place::TERMINAL) {
         m_result = LineResult();
-        return RunWatch(words.rest);
+        return RunWatch(Split(line).rest);
     }
     const Turn turn(*this);
     return RunInTurn(line);

@@ -117,9 +117,13 @@ MHD_Response* MakeResponse(MHD_Connection* connection, Response& response) {
                                                  MHD_RESPMEM_MUST_COPY);
     ::MHD_set_connection_option(connection, MHD_CONNECTION_OPTION_TIMEOUT,
                                 HttpServer::STREAM_IDLE_SECONDS);
-    return ::MHD_create_response_from_callback(MHD_SIZE_UNKNOWN, STREAM_BLOCK, ReadStream,
-                                               new StreamState{std::move(response.stream), ""},
-                                               FreeStream);
+    auto state = std::make_unique<StreamState>();
+    state->stream = std::move(response.stream);
+    MHD_Response* const made = ::MHD_create_response_from_callback(
+        MHD_SIZE_UNKNOWN, STREAM_BLOCK, ReadStream, state.get(), FreeStream);
+    if (made != nullptr)
+        static_cast<void>(state.release());
+    return made;
 }
 
 MHD_Result Send(MHD_Connection* connection, Response response) {

@@ -9,6 +9,7 @@
 #include "hxdpanel/page/Results.h"
 #include "hxdpanel/report/ChannelChoice.h"
 #include "hxdpanel/report/ChannelReport.h"
+#include "hxdpanel/report/HardwareReport.h"
 
 #include <algorithm>
 #include <sstream>
@@ -17,33 +18,15 @@ namespace page {
 
 namespace {
 
-// Lines that mean something at a terminal only.
-const char* const CONSOLE_ONLY[] = {"watch", "record", "quit"};
-
 std::string Argument(const Request& request, const std::string& name) {
     const auto found = request.arguments.find(name);
     return found != request.arguments.end() ? found->second : "";
-}
-
-std::vector<std::string> SplitAtCommas(const std::string& text) {
-    std::vector<std::string> parts;
-    std::istringstream stream(text);
-    for (std::string part; std::getline(stream, part, ',');)
-        parts.push_back(part);
-    return parts;
 }
 
 bool IsOneLine(const std::string& line) {
     return std::none_of(line.begin(), line.end(), [](char character) {
         return static_cast<unsigned char>(character) < ' ' && character != '\t';
     });
-}
-
-bool IsConsoleOnly(const std::string& line) {
-    std::string rest = Trimmed(line);
-    const std::string first = rest.substr(0, rest.find_first_of(" \t"));
-    return std::find(std::begin(CONSOLE_ONLY), std::end(CONSOLE_ONLY), first) !=
-           std::end(CONSOLE_ONLY);
 }
 
 // A number or a text, as it is typed; false for anything else.
@@ -59,30 +42,13 @@ bool HasText(const Json& body, const char* name) {
     return body.contains(name) && body[name].is_string();
 }
 
-// "" for a path that is not of this pattern, else true; name: the part in braces.
+// name: the part in braces.
 bool Matches(const std::string& pattern, const std::string& path, std::string& name) {
     const std::size_t brace = pattern.find('{');
     if (brace == std::string::npos)
         return path == pattern;
     name = path.size() > brace ? path.substr(brace) : "";
     return !name.empty() && path.compare(0, brace, pattern, 0, brace) == 0;
-}
-
-Json FaultJson(const std::string& function, const sim::Failure* failure) {
-    Json object = {{"name", function},
-                   {"result", nullptr},
-                   {"times", nullptr},
-                   {"slowMs", nullptr},
-                   {"hits", nullptr}};
-    if (failure == nullptr)
-        return object;
-    if (failure->fails)
-        object["result"] = failure->result;
-    if (failure->delayMs > 0)
-        object["slowMs"] = failure->delayMs;
-    object["times"] = failure->times;
-    object["hits"] = failure->hits;
-    return object;
 }
 
 }  // namespace
@@ -182,8 +148,9 @@ bool Interface::KnowsChannel(const std::string& word, Response& error) const {
 
 Response Interface::Channels(const Call& call) {
     const Session::Turn turn(m_session);
+    const MutedLog muted(m_witness);
     Results results(m_session, m_witness);
-    m_session.ShowChannels(SplitAtCommas(Argument(call.request, "channels")));
+    m_session.ShowChannels(SplitAt(',', Argument(call.request, "channels")));
     return results.Answer();
 }
 
@@ -192,6 +159,7 @@ Response Interface::ReadChannel(const Call& call) {
     if (!KnowsChannel(call.name, error))
         return error;
     const Session::Turn turn(m_session);
+    const MutedLog muted(m_witness);
     Results results(m_session, m_witness);
     m_session.Read(call.name);
     return results.Answer();
@@ -216,7 +184,7 @@ Response Interface::RunLine(const Call& call) {
     const std::string line = call.body["line"];
     if (!IsOneLine(line))
         return ErrorResponse(400, "the line has control characters");
-    if (IsConsoleOnly(line))
+    if (Session::PlaceOf(line) > Session::Place::PAGE)
         return ErrorResponse(400, "this is for the console only");
     const Session::Turn turn(m_session);
     Results results(m_session, m_witness);
@@ -272,16 +240,18 @@ Response Interface::Panel(const Call&) {
 Response Interface::Faults(const Call&) {
     const auto failures = sim::SimPanel::Instance().State().failures;
     Json functions = Json::array();
+    sim::Failure works;
+    works.fails = false;
     for (const std::string& function : sim::FailableFunctions()) {
         const auto found = failures.find(function);
-        functions.push_back(
-            FaultJson(function, found != failures.end() ? &found->second : nullptr));
+        functions.push_back(FailureJson(function, found != failures.end() ? found->second : works));
     }
     return JsonResponse("faults", {{"functions", functions}});
 }
 
 Response Interface::Time(const Call&) {
     const Session::Turn turn(m_session);
+    const MutedLog muted(m_witness);
     Results results(m_session, m_witness);
     m_session.ShowTime();
     return results.Answer();
@@ -322,6 +292,7 @@ Response Interface::Metrics(const Call& call) {
     counts.restarts = m_witness.Restarts();
     {
         const Session::Turn turn(m_session);
+        const MutedLog muted(m_witness);
         counts.status = m_session.Refresh();
     }
     {

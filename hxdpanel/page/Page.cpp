@@ -12,6 +12,7 @@
 #include <sys/socket.h>
 
 #include <array>
+#include <system_error>
 
 namespace {
 
@@ -38,7 +39,7 @@ struct Page::Parts {
         : session(parts),
           witness(hub, parts.shared, parts.output, [this] { Wake(); }),
           readings(session, hub, witness),
-          gate(setup.machine, token, port),
+          gate(setup.isOpen ? setup.machine : "", token, port),
           interface(session, parts.database, parts.shared, hub, witness, readings, gate,
                     setup.folder, setup.documents) {
         session.BeNamed("page");
@@ -73,7 +74,13 @@ std::unique_ptr<Page> Page::Start(const SessionParts& parts, const PageSetup& se
         error = "the socket or the token cannot be had";
         return nullptr;
     }
-    std::unique_ptr<Page> made(new Page(std::make_unique<Parts>(parts, setup, token, place.port)));
+    std::unique_ptr<Page> made;
+    try {
+        made.reset(new Page(std::make_unique<Parts>(parts, setup, token, place.port)));
+    } catch (const std::system_error& failed) {
+        error = failed.what();
+        return nullptr;
+    }
     page::Interface& interface = made->m_parts->interface;
     made->m_parts->server = page::HttpServer::Start(
         setup.socket,

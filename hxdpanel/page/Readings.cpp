@@ -11,7 +11,9 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdint>
+#include <system_error>
 #include <utility>
 
 namespace page {
@@ -55,6 +57,8 @@ Readings::Readings(Session& session, EventHub& hub, Witness& witness)
       m_hub(hub),
       m_witness(witness),
       m_wakeEvent(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+    if (!m_wakeEvent.IsOpen())
+        throw std::system_error(errno, std::generic_category(), "eventfd");
     m_thread = std::thread([this] { Run(); });
 }
 
@@ -113,9 +117,8 @@ void Readings::Read() {
     m_last = Clock::now();
     {
         const Session::Turn turn(m_session);
-        m_witness.MuteLog(true);
+        const MutedLog muted(m_witness);
         status = m_session.Refresh();
-        m_witness.MuteLog(false);
         channels = m_session.Channels();
         panel = m_session.Panel();
         commands = CommandsRun();

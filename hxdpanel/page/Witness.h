@@ -36,9 +36,6 @@ public:
     void Did(const sim::LogLine& line) override;
     void Did(const char* kind, const std::string& text, const Json& more = Json::object());
 
-    // Readings log the same every time; meanwhile nothing is told.
-    void MuteLog(bool mute) { m_bLogMuted = mute; }
-
     // Lines of the driver from here on; what there was before is forgotten.
     void CollectLines();
     std::vector<std::string> TakeLines();
@@ -46,6 +43,7 @@ public:
     int Restarts() const { return m_nRestarts; }
 
 private:
+    friend class MutedLog;
     void PrintedByDriver(const std::string& line);
     void Log(const char* level, const std::string& text);
 
@@ -59,6 +57,19 @@ private:
     hxd::Mutex m_lock;
     bool m_bCollecting HXD_GUARDED_BY(m_lock) = false;
     std::vector<std::string> m_lines HXD_GUARDED_BY(m_lock);
+};
+
+// Made in the session's turn, and gone with it: readings log the same every time, and nothing of it
+// is told.
+class MutedLog {
+public:
+    explicit MutedLog(Witness& witness) : m_witness(witness) { m_witness.m_bLogMuted = true; }
+    ~MutedLog() { m_witness.m_bLogMuted = false; }
+    MutedLog(const MutedLog&) = delete;
+    MutedLog& operator=(const MutedLog&) = delete;
+
+private:
+    Witness& m_witness;
 };
 
 }  // namespace page

@@ -92,19 +92,21 @@ Json ClockJson() {
 
 Json FailuresJson(const sim::PanelState& state) {
     Json list = Json::array();
-    for (const auto& entry : state.failures) {
-        const sim::Failure& failure = entry.second;
-        list.push_back({{"function", entry.first},
-                        {"result", failure.fails ? Json(failure.result) : Json(nullptr)},
-                        {"slowMs", failure.delayMs},
-                        {"timesLeft", failure.times >= 0 ? Json(failure.times) : Json(nullptr)},
-                        {"after", failure.after},
-                        {"hits", failure.hits}});
-    }
+    for (const auto& entry : state.failures)
+        list.push_back(FailureJson(entry.first, entry.second));
     return list;
 }
 
 }  // namespace
+
+Json FailureJson(const std::string& function, const sim::Failure& failure) {
+    return {{"function", function},
+            {"result", failure.fails ? Json(failure.result) : Json(nullptr)},
+            {"slowMs", failure.delayMs},
+            {"timesLeft", failure.times >= 0 ? Json(failure.times) : Json(nullptr)},
+            {"after", failure.after},
+            {"hits", failure.hits}};
+}
 
 std::vector<std::pair<const char*, std::string>> HardwareLines(const SystemLoad& load) {
     return {

@@ -9,10 +9,15 @@
 #include <vector>
 
 class SystemLoad;
+namespace sim {
+struct Failure;
+}
 
 // Titles and texts for people: clock, load, serial ports, flash.
 std::vector<std::pair<const char*, std::string>> HardwareLines(const SystemLoad& load);
 // The same for programs, and the failures: members of the panel's object.
 Json HardwareMembers(const SystemLoad& load);
+// One of these failures.
+Json FailureJson(const std::string& function, const sim::Failure& failure);
 
 #endif

@@ -100,9 +100,8 @@ void Script::RunOther(const std::string& line) {
     std::string error;
     if (!Session::Understands(line, error))
         return Fail("wanted a line that means something, got: " + error);
-    const std::string word = line.substr(0, line.find_first_of(" \t"));
-    if (word == "watch" || word == "record")
-        return Fail("wanted a line with an end, got " + word);
+    if (Session::PlaceOf(line) > Session::Place::SCRIPT)
+        return Fail("wanted a line with an end, got " + Visible(line));
     const int exitCode = m_session.Run(line);
     if (m_pEcho != nullptr)
         m_pEcho->Show();

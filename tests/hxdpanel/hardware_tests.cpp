@@ -82,7 +82,7 @@ TEST(Scripts, StopWhereTheyAreWrongAndSayWhere) {
         {"frobnicate", 1, "stdin:1: wanted a line that means something"},
         {"write 33 1", 1, "stdin:1: wanted a line that can be run"},
         {"disk write many", 1, "stdin:1: wanted a line that can be run"},
-        {"watch", 1, "wanted a line with an end"},
+        {"watch\t21", 1, "wanted a line with an end"},
         {"wait 21 = 80", 1, "usage: wait"},
         {"expect panel danced", 1, "beeped; reloaded"},
         {"write 7 50\nexpect panel beeped 900 Hz 51 ms", 1, "got 900 Hz for 50 ms"},

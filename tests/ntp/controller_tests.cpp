@@ -289,6 +289,7 @@ TEST_F(TimeControl, ChangesOneSettingAtATime) {
         };
         change();
         g_systemCalls.onFlush = nullptr;
+        EXPECT_EQ(threads.size(), 3U) << &change - changes;
         for (std::thread& thread : threads)
             thread.join();
     }

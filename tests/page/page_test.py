@@ -136,7 +136,7 @@ class PageTest(unittest.TestCase):
         channel_is(page, 27, '4')
         page.click('#clock [data-line="clock +1h"]')
         page.wait_for_text('#hardware .answer', '1h later')
-        time.sleep(1)  # the driver measures the hour that was written in
+        time.sleep(1)  # two readings: the hour that was written in is measured
         page.click('#clock [data-line="clock +1h"]')
         channel_is(page, 27, '1')
         page.click('#clock [data-line="clock hold"]')

@@ -20,7 +20,7 @@ function actOnChosen(event) {
   else answer(section, 'choose a function first', false);
 }
 
-function buildRow({ name }) {
+function buildRow({ function: name }) {
   const radio = element('input', { type: 'radio', name: 'function', value: name });
   const state = element('td');
   const hits = element('td');
@@ -29,15 +29,15 @@ function buildRow({ name }) {
   return row;
 }
 
-function stateText({ result, times: left, slowMs }) {
-  const what = result !== null ? `fails: ${result}` : slowMs !== null ? `${slowMs} ms slower` : '';
-  return what && left !== null && left >= 0 ? `${what}, ${left || 'no'} more` : what;
+function stateText({ result, timesLeft: left, slowMs }) {
+  const what = result !== null ? `fails: ${result}` : slowMs > 0 ? `${slowMs} ms slower` : '';
+  return what && left !== null ? `${what}, ${left || 'no'} more` : what;
 }
 
 function show({ functions }) {
   if (rows.size === 0) section.querySelector('tbody').replaceChildren(...functions.map(buildRow));
   for (const one of functions) {
-    const { row, state, hits } = rows.get(one.name);
+    const { row, state, hits } = rows.get(one.function);
     setText(state, stateText(one));
     state.title = state.textContent;
     setText(hits, one.hits ? String(one.hits) : '');

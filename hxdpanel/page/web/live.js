@@ -1,5 +1,5 @@
-// The stream of events. It reconnects by itself; after each connection the server tells everything anew,
-// and what is not told is asked.
+// The stream of events. It reconnects by itself; after each connection the server tells what was
+// missed, or everything anew, and what is not told is asked.
 import { announce, calmed, listen, publish, state } from './bus.js';
 import { timeOfDay } from './dom.js';
 import { ask } from './server.js';

@@ -7,14 +7,16 @@ import { present } from './readings.js';
 const [SWITCH, MODE, PERIOD, FIRST_SERVER, LAST_SERVER] = [12, 13, 14, 15, 18];
 const ATTEMPTS = 30;
 
-// Lines that the driver prints, and what each means for the attempt; at the end stands the server.
+// Lines that the driver prints, and what each means for the attempt; after the last colon of some
+// stands the server.
 const BEGIN = /execNtp-/;
 const REASONS = [
   [BEGIN, () => 'a synchronisation begins'],
   [/tryToSend:187.*?([^:]*)$/, server => `${server}: there is no route to it`],
   [/tryToSend:214.*?([^:]*)$/, server => `${server}: no answer within 2 s; wrong address, or UDP port 123 is blocked`],
   [/tryToSend:220.*?([^:]*)$/, server => `${server}: stopped while it waited for the answer`],
-  [/(?:getServerTime:305|sendPacketToServer:246).*?([^:]*)$/, server => `${server}: an empty answer`],
+  [/tryToSend:208.*?([^:]*)$/, server => `${server}: waiting for the answer failed`],
+  [/getServerTime:305/, () => 'a server’s answer was empty'],
   [/date is :(.*)/, time => `a server answered, the clocks are set to ${time.trim()}`],
 ];
 const NOBODY_ASKED = 'failed before a server was asked: no ping was answered, or the name servers do not know the names';
