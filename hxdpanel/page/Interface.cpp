@@ -51,6 +51,21 @@ bool Matches(const std::string& pattern, const std::string& path, std::string& n
     return !name.empty() && path.compare(0, brace, pattern, 0, brace) == 0;
 }
 
+// What changes something comes with an object. Its type is what a form of another site cannot send.
+bool TakesBody(const Request& request, Json& body, Response& refusal) {
+    if (request.method == "GET")
+        return true;
+    const std::string type = request.Header("content-type");
+    body = Json::parse(request.body, nullptr, false);
+    if (type != "application/json" && type.compare(0, 17, "application/json;") != 0)
+        refusal = ErrorResponse(415, "the Content-Type must be application/json");
+    else if (!body.is_object())
+        refusal = ErrorResponse(400, "the body is no JSON object");
+    else
+        return true;
+    return false;
+}
+
 }  // namespace
 
 const std::vector<Interface::Route>& Interface::Routes() {
@@ -112,10 +127,9 @@ Response Interface::Dispatch(const Request& request) {
         if (!Matches(route.path, request.path, call.name))
             continue;
         if (request.method == route.method) {
-            if (request.method != "GET")
-                call.body = Json::parse(request.body, nullptr, false);
-            if (request.method != "GET" && !call.body.is_object())
-                return ErrorResponse(400, "the body is no JSON object");
+            Response refusal;
+            if (!TakesBody(request, call.body, refusal))
+                return refusal;
             return (this->*route.answer)(call);
         }
         allowed += (allowed.empty() ? "" : ", ") + std::string(route.method);

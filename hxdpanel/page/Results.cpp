@@ -63,6 +63,7 @@ Response Results::AnswerToLine(const std::string& line) {
     if (!m_strComplaint.empty())
         return ErrorResponse(400, m_strComplaint);
     return JsonResponse("run", {{"line", line},
+                                {"known", m_session.Result().isKnown},
                                 {"status", StatusOf(objects)},
                                 {"results", objects},
                                 {"log", m_witness.TakeLines()}});

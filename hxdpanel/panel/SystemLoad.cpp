@@ -18,7 +18,8 @@ const std::string MACHINE_FILES = "/run/machine/";
 
 // So many that what the machine's counters went on since the last reading does not matter.
 constexpr long long STEP_JIFFIES = 100000;
-constexpr long long LARGEST_COUNTER = 1000000000;  // the driver reads 32 bits
+constexpr long long LARGEST_COUNTER = 1000000000;   // the driver reads 32 bits
+constexpr long long MOST_MEMORY = (2LL << 40) - 1;  // so does it the KiB of memory
 
 bool CopyFromMachine(const char* name) {
     std::string text;
@@ -128,6 +129,8 @@ HardwareResult SystemLoad::Memory(const Words& words) {
     if (words.size() != 1 || !ParseSize(words[0], bytes))
         return HardwareResult::Refused(
             "usage: memory SIZE, for example memory 512M, or memory machine for this machine's");
+    if (bytes > MOST_MEMORY)
+        return HardwareResult::Refused("the driver counts memory up to 2T only");
     std::string text;
     if (!panelfile::Read(PROC + "meminfo", text) ||
         !panelfile::Write(PROC + "meminfo", WithAvailable(text, bytes / 1024)))

@@ -68,8 +68,9 @@ const std::vector<Description> DESCRIPTIONS = {
      {},
      {},
      {"REBOOT()"},
-     {"Here it ends the simulated panel, and hxdpanel with it; restart is the command that comes "
-      "back."},
+     {"Here it ends the simulated panel, and hxdpanel with it; in a script and with --page the "
+      "panel "
+      "is restarted. restart is the command that always comes back."},
      LEAVES_NO_FILE},
     {COMMAND_SAVE_SCREEN,
      "save a picture of the screen, or of a part of it",

@@ -1,6 +1,6 @@
 // What the panel did, and what people did to it; newest first, by kind.
 import { listen } from './bus.js';
-import { button, byId, element, prepend, timeOfDay } from './dom.js';
+import { button, byId, element, prepend, setText, timeOfDay } from './dom.js';
 import { ask } from './server.js';
 
 const LIMIT = 400;
@@ -18,6 +18,17 @@ function addKind(kind) {
   }, { 'aria-pressed': 'true' });
   kinds.set(kind, toggle);
   byId('activity-kinds').append(toggle);
+}
+
+// A panel that tries again and again would push everything else out of sight: the command that it
+// repeats is counted in its line.
+function isRepeated(time, kind, text) {
+  const item = list.firstElementChild;
+  if (kind !== 'command' || item?.dataset.kind !== kind || item.children[2].textContent !== text) return false;
+  item.dataset.times = Number(item.dataset.times ?? 1) + 1;
+  setText(item.firstElementChild, timeOfDay(time));
+  setText(item.children[3] ?? item.appendChild(element('small')), ` × ${item.dataset.times}`);
+  return true;
 }
 
 function add(time, kind, text) {
@@ -44,6 +55,7 @@ async function showPictures() {
 
 export function start() {
   listen('did', ({ time, kind, text }) => {
+    if (isRepeated(time, kind, text)) return;
     const item = add(time, kind, text);
     if (kind === 'capture') capturing.push(item);
   });

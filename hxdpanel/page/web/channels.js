@@ -1,6 +1,6 @@
 // The table of channels: live, changes marked, writable in place.
 import { listen } from './bus.js';
-import { complaint } from './check.js';
+import { complaint, isNumber } from './check.js';
 import { answer, byId, element, roving, setText, statusText } from './dom.js';
 import { present } from './readings.js';
 import { writeChannel } from './server.js';
@@ -15,7 +15,7 @@ function buildRow(row) {
     : element('span', { className: 'value' });
   const tr = element('tr', { id: `channel-${row.number}` }, element('td', {}, String(row.number)),
     element('th', { scope: 'row' }, row.name), element('td', {}, value), element('td', {}, row.unit));
-  rows.set(row.number, { row, tr, value });
+  rows.set(row.number, { row, tr, value, unit: tr.lastElementChild });
   return tr;
 }
 
@@ -40,11 +40,11 @@ function show(channel) {
   setText(shown.value, text === '' ? '(empty)' : text);
   shown.value.dataset.special = channel.meaning !== null || text === '';
   if (shown.row.writable) shown.value.setAttribute('aria-label', `Write ${channel.number} ${channel.name}, now ${text}`);
-  shown.tr.title = channel.meaning ?? '';
+  setText(shown.unit, channel.meaning ?? shown.row.unit);
 }
 
 async function write(row, text) {
-  const value = row.type === 'number' && Number.isFinite(Number(text)) ? Number(text) : text;
+  const value = row.type === 'number' && isNumber(text) ? Number(text) : text;
   answer(section, `writing ${row.number} ${row.name} …`, true);
   try {
     const wrote = await writeChannel(row.number, value);
@@ -83,9 +83,10 @@ function edit(row) {
     event.preventDefault();  // else the value, which has the focus next, would be pressed with it
     const text = input.value;
     const wrong = check();
-    if (wrong && warned !== text) {
+    const canBeSent = row.type !== 'number' || isNumber(text);
+    if (wrong && (!canBeSent || warned !== text)) {
       warned = text;
-      answer(section, `${wrong}; Enter again writes it all the same`, false);
+      answer(section, canBeSent ? `${wrong}; Enter again writes it all the same` : wrong, false);
       return;
     }
     leave();

@@ -7,14 +7,18 @@ function isDotted(text) {
   return numbers.length === 4 && numbers.every(one => /^\d{1,3}$/.test(one) && Number(one) <= 255);
 }
 
+const isWhole = text => /^-?\d+$/.test(text);
+export const isNumber = text => text.trim() !== '' && Number.isFinite(Number(text));
+
 const FORMS = {
-  'number': (text, row) => text.trim() !== '' && Number.isFinite(Number(text)) && inRange(Math.trunc(Number(text)), row),
-  'whole number': (text, row) => /^-?\d+$/.test(text) && inRange(Number(text), row),
+  'number': (text, row) => isNumber(text) && inRange(Math.trunc(Number(text)), row),
+  'whole number': (text, row) => isWhole(text) && inRange(Number(text), row),
   'address': (text, row) => isDotted(text) && inRange(parseInt(text, 10), row),
   'netmask': (text, row) => isDotted(text) && inRange(parseInt(text, 10), row),
   'text': () => true,
 };
 
 export function complaint(row, text) {
-  return FORMS[row.form]?.(text, row) ? '' : row.accepts;
+  if (FORMS[row.form]?.(text, row)) return '';
+  return row.form === 'whole number' && !isWhole(text) ? `${row.accepts}, a whole number` : row.accepts;
 }

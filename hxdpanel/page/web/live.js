@@ -58,9 +58,12 @@ function open() {
   stream.addEventListener('panel', event => publish('panel', JSON.parse(event.data)));
   for (const name of EVENTS)
     stream.addEventListener(name, event => announce(name, JSON.parse(event.data)));
-  stream.onerror = () => {
+  stream.onerror = async () => {
     connection('lost', 'no connection, trying again');
-    if (stream.readyState === EventSource.CLOSED) setTimeout(open, RETRY_MS);
+    if (stream.readyState !== EventSource.CLOSED) return;
+    setTimeout(open, RETRY_MS);
+    // Refused, without a reason that a stream could tell; the server is there if it answers this.
+    if (await ask('/api').then(() => true, () => false)) connection('lost', 'refused, too many listen; trying again');
   };
 }
 

@@ -1,5 +1,5 @@
 // The panel's face: its screen with light, brightness and beeps.
-import { calmed, listen } from './bus.js';
+import { calmed, listen, state } from './bus.js';
 import { byId, setText } from './dom.js';
 import { act } from './hardware.js';
 
@@ -28,9 +28,16 @@ function showPanel(panel) {
   setText(byId('brightness-shown'), panel.brightness === null ? 'no control' : `${panel.brightness} %`);
 }
 
-// The panel's clock is that of the readings; of the battery's one knows what the driver set it to.
+// The panel's clock is that of the last reading, and goes on from there; of the battery's one knows
+// what the driver set it to.
 function showClocks() {
-  listen('channels', ({ time }) => setText(byId('system-clock'), time.slice(0, 19).replace('T', ' ')));
+  let aheadMs = null;  // of the browser's steady clock
+  listen('channels', ({ time }) => { aheadMs = Date.parse(`${time.slice(0, 19)}Z`) - performance.now(); });
+  setInterval(() => {
+    if (aheadMs === null || state('connection')?.state !== 'live') return;
+    const now = new Date(aheadMs + performance.now());
+    setText(byId('system-clock'), now.toISOString().slice(0, 19).replace('T', ' '));
+  }, 250);
   listen('time', ({ realTimeClock }) => setText(byId('battery-clock'), realTimeClock ?? 'not set in this run'));
 }
 

@@ -10,8 +10,9 @@ const ATTEMPTS = 30;
 // Lines that the driver prints, and what each means for the attempt; after the last colon of some
 // stands the server.
 const BEGIN = /execNtp-/;
+const BEGUN = 'a synchronisation begins';
 const REASONS = [
-  [BEGIN, () => 'a synchronisation begins'],
+  [BEGIN, () => BEGUN],
   [/tryToSend:187.*?([^:]*)$/, server => `${server}: there is no route to it`],
   [/tryToSend:214.*?([^:]*)$/, server => `${server}: no answer within 2 s; wrong address, or UDP port 123 is blocked`],
   [/tryToSend:220.*?([^:]*)$/, server => `${server}: stopped while it waited for the answer`],
@@ -54,14 +55,26 @@ function showFacts(ntp) {
   byId('time-facts').replaceChildren(...facts.flatMap(([term, text]) => [element('dt', {}, term), element('dd', {}, text)]));
 }
 
+// An attempt that only began asked nobody. Of several in a row one line remains.
+function closeAttempt() {
+  const [begun, before] = byId('time-attempts').children;
+  if (told.size !== 1 || !told.has(BEGUN) || !begun) return;
+  if (before?.dataset.text === NOBODY_ASKED) before.remove();
+  begun.dataset.text = NOBODY_ASKED;
+  setText(begun.lastElementChild, NOBODY_ASKED);
+}
+
 function tell(time, text) {
   if (told.has(text)) return;
   told.add(text);
-  prepend(byId('time-attempts'), element('li', {}, element('time', { dateTime: time }, timeOfDay(time)), ` ${text}`), ATTEMPTS);
+  prepend(byId('time-attempts'), element('li', {}, element('time', { dateTime: time }, timeOfDay(time)), ' ', element('span', {}, text)), ATTEMPTS);
 }
 
 function explain({ time, text }) {
-  if (BEGIN.test(text)) told = new Set();
+  if (BEGIN.test(text)) {
+    closeAttempt();
+    told = new Set();
+  }
   for (const [pattern, meaning] of REASONS) {
     const found = pattern.exec(text);
     if (found) tell(time, meaning(found[1]));
