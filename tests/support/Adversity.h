@@ -10,14 +10,14 @@
 #include <unistd.h>
 #include <cstdint>
 
-// Interrupts whatever the process does every 10 ms, with a handler that restarts nothing.
+// Interrupts whatever the process does every so often, with a handler that restarts nothing.
 class InterruptingTimer {
 public:
-    InterruptingTimer() {
+    explicit InterruptingTimer(int microseconds = 10000) {
         struct sigaction action = {};
         action.sa_handler = [](int) {};
         ::sigaction(SIGALRM, &action, nullptr);
-        Every(10000);
+        Every(microseconds);
     }
     ~InterruptingTimer() { Every(0); }
     InterruptingTimer(const InterruptingTimer&) = delete;

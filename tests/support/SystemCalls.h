@@ -13,6 +13,7 @@ struct SystemCalls {
     // all.
     std::atomic<bool> interrupts{false};
     std::atomic<bool> diskFull{false};    // for every write()
+    std::atomic<bool> flushes{true};      // false: "fsync" and "sync" do nothing
     std::atomic<int> threads{-1};         // how many more can be started; below 0: any number
     std::atomic<bool> hasDebugfs{false};  // every file system is a debugfs
 };

@@ -1,0 +1,318 @@
+// Every operation of a device while the system refuses something: whatever it answers, it returns,
+// the settings stay whole, and the device works again when the fault is gone. Each case runs in a
+// process of its own, which a fault may keep.
+#include "Adversity.h"
+#include "FakeHost.h"
+#include "FaultyMemory.h"
+#include "SimPanel.h"
+#include "SystemCalls.h"
+#include "TestFiles.h"
+#include "WaitStatus.h"
+
+#include <gtest/gtest.h>
+
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/mman.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace {
+
+constexpr const char* SETTINGS = "/usr/olma_app/config/olma_app_conf.ini";
+constexpr int OLD_VALUE = 30;
+constexpr int NEW_VALUE = 77;
+const unsigned char BLOB[] = {2, 0, 0, 0, 1, 0, 0, 0, 200, 0, 0, 0};
+
+// A device with its host, in the process of a case.
+struct Panel {
+    explicit Panel(void* library) {
+        const auto create =
+            reinterpret_cast<decltype(&CreateDeviceCtrl)>(::dlsym(library, "CreateDeviceCtrl"));
+        device = create("faults", &host);
+        host.ints = {{"i", 0}, {"one", 1}, {"r", 0}};
+        host.texts = {{"t", "text"}, {"server", "127.0.0.11"}};
+    }
+    int Init() { return device->InitDevice(BLOB, sizeof BLOB); }
+    int Collect() {
+        const int channels[32] = {};  // the operations themselves need no memory
+        return device->CollectDevData(channels, 32);
+    }
+    void Write(int channel, const char* text) {
+        device->WriteChannel(channel - 1, DATATYPE_TEXT, const_cast<char*>(text));
+    }
+    // The written setting is the old or the new one, and everything can be done.
+    bool Works() {
+        if (Init() != 0 || device->DevIOCtrl("REFLESH()") != 0 || Collect() != 0)
+            return false;
+        const double value = host.numberChannels[3];
+        int next = 40;
+        return (value == OLD_VALUE || value == NEW_VALUE) &&
+               device->WriteChannel(3, DATATYPE_INTEGER, &next) == 0 && Collect() == 0 &&
+               host.numberChannels[3] == 40;
+    }
+
+    FakeHost host;
+    IDeviceCtrl* device = nullptr;
+};
+
+struct Operation {
+    const char* name;
+    std::function<void(Panel&)> run;
+};
+
+Operation Command(const char* text) {
+    return {text, [text](Panel& panel) { panel.device->DevIOCtrl(text); }};
+}
+
+const std::vector<Operation>& Operations() {
+    static const std::vector<Operation> operations = {
+        {"InitDevice",
+         [](Panel& panel) {
+             panel.device->CleanupDevice();
+             panel.Init();
+         }},
+        {"CleanupDevice", [](Panel& panel) { panel.device->CleanupDevice(); }},
+        {"CollectDevData", [](Panel& panel) { panel.Collect(); }},
+        {"ChannelRefChange",
+         [](Panel& panel) {
+             const int channel = 1;
+             panel.device->ChannelRefChange(&channel, 1000);
+         }},
+        {"a setting", [](Panel& panel) { panel.Write(4, std::to_string(NEW_VALUE).c_str()); }},
+        {"an address", [](Panel& panel) { panel.Write(1, "10.0.0.9"); }},
+        {"a password", [](Panel& panel) { panel.Write(19, "secret"); }},
+        {"a time server", [](Panel& panel) { panel.Write(15, "time.example.org"); }},
+        Command("GetCpuUse(10)"),
+        Command("GetMemUse(11)"),
+        Command("ReadAppLog(i,one,t,r)"),
+        Command("ReadSysLog(i,one,t,r)"),
+        Command("GetMacInfo(i,t,t)"),
+        Command("SetNetworkMode(i,one,r)"),
+        Command("STRSHA256(server,t)"),
+        Command("ModVncPwd(server,r)"),
+        Command("SetNTPServer(server,server,,,r)"),
+        Command("SetNTPFreq(one,r)"),
+        Command("SAVESCREEN($OLMA_DIR_USR/a/b.png,0,0,20,20)"),
+        Command("Nothing(server)"),
+    };
+    return operations;
+}
+
+// The calls that a filter refuses; mask and value are of an argument's lower half.
+struct Refusal {
+    int call;
+    unsigned argument, mask, value;
+    bool whenEqual;
+};
+
+// For good, for this process and the threads that it starts from now on.
+void Refuse(const std::vector<Refusal>& refusals, unsigned error) {
+    std::vector<sock_filter> filter;
+    for (const Refusal& refusal : refusals) {
+        const auto offset =
+            static_cast<unsigned>(offsetof(seccomp_data, args)) + 8 * refusal.argument;
+        const unsigned char refused = refusal.whenEqual ? 0 : 1;
+        const unsigned char passed = refusal.whenEqual ? 1 : 0;
+        filter.push_back(BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)));
+        filter.push_back(
+            BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, static_cast<unsigned>(refusal.call), 0, 4));
+        filter.push_back(BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offset));
+        filter.push_back(BPF_STMT(BPF_ALU | BPF_AND | BPF_K, refusal.mask));
+        filter.push_back(BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, refusal.value, refused, passed));
+        filter.push_back(BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | error));
+    }
+    filter.push_back(BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW));
+    const sock_fprog program = {static_cast<unsigned short>(filter.size()), filter.data()};
+    if (::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 ||
+        ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) != 0)
+        ::_exit(70);
+}
+
+void Limit(__rlimit_resource resource, rlim_t most) {
+    rlimit limit = {};
+    ::getrlimit(resource, &limit);
+    limit.rlim_cur = most;
+    ::setrlimit(resource, &limit);
+}
+
+struct Fault {
+    const char* name;
+    std::function<void()> begin;
+    std::function<void()> end;  // null: it does not end
+};
+
+const std::vector<Fault>& AllFaults() {
+    static std::unique_ptr<InterruptingTimer> timer;
+    static const std::vector<Fault> faults = {
+        {"no descriptors", [] { Limit(RLIMIT_NOFILE, 0); }, [] { Limit(RLIMIT_NOFILE, 1024); }},
+        {"no threads", [] { g_systemCalls.threads = 0; }, [] { g_systemCalls.threads = -1; }},
+        {"interrupted and short calls", [] { g_systemCalls.interrupts = true; },
+         [] { g_systemCalls.interrupts = false; }},
+        {"no space",
+         [] {
+             ::signal(SIGXFSZ, SIG_IGN);
+             Limit(RLIMIT_FSIZE, 0);
+         },
+         [] { Limit(RLIMIT_FSIZE, RLIM_INFINITY); }},
+        {"interruptions", [] { timer = std::make_unique<InterruptingTimer>(3000); },
+         [] { timer.reset(); }},
+        {"a slow platform",
+         [] {
+             for (const std::string& function : sim::FailableFunctions())
+                 sim::SimPanel::Instance().Fail(function, {0, -1, 0, 3, false, 0});
+         },
+         [] { sim::SimPanel::Instance().Reset(); }},
+#ifdef __x86_64__
+        {"no processes",  // no thread, and the newer call cannot be looked into
+         [] {
+             Refuse({{SYS_fork, 0, 0, 0, true},
+                     {SYS_vfork, 0, 0, 0, true},
+                     {SYS_clone, 0, 0x10000, 0, true}},
+                    EAGAIN);
+             Refuse({{SYS_clone3, 0, 0, 0, true}}, ENOSYS);
+         },
+         nullptr},
+        {"read-only",
+         [] {
+             std::vector<Refusal> refusals;
+             for (const int call : {SYS_mkdir, SYS_mkdirat, SYS_rename, SYS_renameat, SYS_renameat2,
+                                    SYS_unlink, SYS_unlinkat, SYS_rmdir, SYS_utimensat, SYS_fchmod})
+                 refusals.push_back({call, 0, 0, 0, true});
+             refusals.push_back({SYS_openat, 2, O_ACCMODE | O_CREAT, 0, false});
+             refusals.push_back({SYS_open, 1, O_ACCMODE | O_CREAT, 0, false});
+             Refuse(refusals, EROFS);
+         },
+         nullptr},
+#endif
+    };
+    return faults;
+}
+
+class Faults : public testing::Test {
+protected:
+    Faults() : library(::dlopen(HXD_DRIVER_FILE, RTLD_NOW | RTLD_LOCAL)) {
+        ::mkdir("/run/shims", 0755);
+        writeFile("/run/shims/dmesg", "echo line\n");
+        writeFile("/storage/log/restart.log", "log\n");
+        writeFile("/etc/iot_cfg/vncConfig.ini", "[VNCCONFIG]\npasswd=panel\n");
+        Restore();
+    }
+
+    static void Restore() {
+        writeFile(SETTINGS, "[DEVICE]\nbuzz_duration=30\nbacklight_status=1\n[OTHER]\nkey=kept\n");
+    }
+    // What other programs keep in the file is still there.
+    static bool KeptTheRest() { return readFile(SETTINGS).find("key=kept") != std::string::npos; }
+
+    // In a process of its own; its status.
+    template <class BODY>
+    static int Apart(BODY body) {
+        std::fflush(stdout);
+        const pid_t child = ::fork();
+        if (child == 0) {
+            if (std::freopen("/dev/null", "w", stdout) == nullptr)  // what the driver prints
+                ::_exit(73);
+            g_systemCalls.flushes = false;
+            sim::SimPanel::Instance().RunClock(1000.0);
+            body();
+            ::_exit(0);
+        }
+        return WaitStatus(child);
+    }
+
+    void* library;
+};
+
+}  // namespace
+
+TEST_F(Faults, LeaveTheDeviceWorking) {
+    for (const Fault& fault : AllFaults()) {
+        const int status = Apart([&] {
+            Panel panel(library);
+            for (const Operation& operation : Operations()) {
+                Restore();
+                panel.Init();
+                panel.device->DevIOCtrl("REFLESH()");
+                if (fault.end == nullptr)
+                    continue;
+                fault.begin();
+                operation.run(panel);
+                fault.end();
+                if (!panel.Works() || !KeptTheRest()) {
+                    std::fprintf(stderr, "%s: %s\n", fault.name, operation.name);
+                    ::_exit(71);
+                }
+            }
+            if (fault.end == nullptr)
+                fault.begin();
+            for (const Operation& operation : Operations()) {
+                panel.Init();
+                operation.run(panel);
+            }
+        });
+        EXPECT_EQ(status, 0) << fault.name;
+        EXPECT_TRUE(KeptTheRest()) << fault.name;
+        const int after = Apart([&] {
+            Restore();
+            ::_exit(Panel(library).Works() ? 0 : 72);
+        });
+        EXPECT_EQ(after, 0) << fault.name;
+    }
+}
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+// The first, the second, ... allocation of each operation fails. Where Qt ends the process, the
+// next one goes on behind that; nobody else may.
+TEST_F(Faults, EveryAllocationMayFail) {
+    void* const shared =
+        ::mmap(nullptr, sizeof(int), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    ASSERT_NE(shared, MAP_FAILED);
+    int& number = *static_cast<int*>(shared);
+    for (const Operation& operation : Operations()) {
+        int endsOfQt = 0;
+        number = 0;
+        for (bool reachedAll = false; !reachedAll;) {
+            const int status = Apart([&] {
+                faulty_memory::TellQtsEnds();
+                sim::SimPanel::Instance().Fail("__gui_screen_capture", {});  // draws for long
+                Panel panel(library);
+                bool refused = true;
+                while (refused) {
+                    ++number;
+                    Restore();
+                    panel.Init();
+                    panel.device->DevIOCtrl("REFLESH()");
+                    faulty_memory::Refuse(number);
+                    operation.run(panel);
+                    refused = faulty_memory::Stop();
+                    if (!panel.Works() || !KeptTheRest())
+                        ::_exit(71);
+                }
+            });
+            reachedAll = status == 0;
+            const bool isQts = WIFEXITED(status) && WEXITSTATUS(status) == faulty_memory::QTS_END;
+            endsOfQt += isQts ? 1 : 0;
+            if (!reachedAll && !isQts) {
+                ADD_FAILURE() << operation.name << ": allocation " << number << ", status "
+                              << status;
+                break;
+            }
+        }
+        std::printf("%s: %d allocations, %d ends of Qt\n", operation.name, number - 1, endsOfQt);
+    }
+    ::munmap(shared, sizeof(int));
+}
+#endif
