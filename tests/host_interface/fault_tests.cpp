@@ -34,7 +34,7 @@ namespace {
 constexpr const char* SETTINGS = "/usr/olma_app/config/olma_app_conf.ini";
 constexpr int OLD_VALUE = 30;
 constexpr int NEW_VALUE = 77;
-const unsigned char BLOB[] = {2, 0, 0, 0, 1, 0, 0, 0, 200, 0, 0, 0};
+const unsigned char PARAMETERS[] = {2, 0, 0, 0, 1, 0, 0, 0, 200, 0, 0, 0};
 
 // A device with its host, in the process of a case.
 struct Panel {
@@ -45,7 +45,7 @@ struct Panel {
         host.ints = {{"i", 0}, {"one", 1}, {"r", 0}};
         host.texts = {{"t", "text"}, {"server", "127.0.0.11"}};
     }
-    int Init() { return device->InitDevice(BLOB, sizeof BLOB); }
+    int Init() { return device->InitDevice(PARAMETERS, sizeof PARAMETERS); }
     int Collect() {
         const int channels[32] = {};  // the operations themselves need no memory
         return device->CollectDevData(channels, 32);

@@ -5,7 +5,7 @@
 
 namespace faulty_memory {
 
-// Has 3 seconds until the next of these calls.
+// Until the next of these calls there are 10 seconds, or a quarter of one in a function of Qt's.
 void Refuse(int number);  // the number-th from now on, 1 for the next
 bool Stop();              // true when it has come to that
 
