@@ -30,10 +30,11 @@ void Kill(int) {
         ::kill(g_child, SIGTERM);
 }
 
+// Await() is all that they interrupt, and begins again by itself: ThreadSanitizer calls a handler
+// when the interrupted call has returned.
 void Handle(int signal, void (*handler)(int)) {
     struct sigaction action = {};
     action.sa_handler = handler;
-    action.sa_flags = SA_RESTART;
     ::sigaction(signal, &action, nullptr);
 }
 

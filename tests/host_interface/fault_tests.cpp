@@ -157,7 +157,9 @@ struct Fault {
 const std::vector<Fault>& AllFaults() {
     static std::unique_ptr<InterruptingTimer> timer;
     static const std::vector<Fault> faults = {
+#ifndef __SANITIZE_ADDRESS__  // UndefinedBehaviorSanitizer opens a pipe to look at an object
         {"no descriptors", [] { Limit(RLIMIT_NOFILE, 0); }, [] { Limit(RLIMIT_NOFILE, 1024); }},
+#endif
         {"no threads", [] { g_systemCalls.threads = 0; }, [] { g_systemCalls.threads = -1; }},
         {"interrupted and short calls", [] { g_systemCalls.interrupts = true; },
          [] { g_systemCalls.interrupts = false; }},
