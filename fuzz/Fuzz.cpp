@@ -32,6 +32,7 @@ constexpr Target TARGETS[] = {
     {"time", fuzz::Time},
     {"files", fuzz::SystemFiles},
     {"script", fuzz::Scripts},
+    {"page", fuzz::Requests},
     {"settings", fuzz::Settings},
     {"sntp", fuzz::TimeAnswers},
 };

@@ -36,6 +36,7 @@ void Host(Input& input);
 void Time(Input& input);
 void SystemFiles(Input& input);
 void Scripts(Input& input);
+void Requests(Input& input);
 
 // Through files and sockets.
 void Settings(Input& input);

@@ -1,54 +1,16 @@
 // What the user of the console types, and his scripts.
 #include "SimPanel.h"
 #include "fuzz/Fuzz.h"
-#include "fuzz/Machine.h"
+#include "fuzz/FuzzPanel.h"
 #include "hxdpanel/Options.h"
 #include "hxdpanel/base/Amounts.h"
 #include "hxdpanel/base/Text.h"
-#include "hxdpanel/console/Session.h"
-#include "hxdpanel/host/DriverLibrary.h"
-#include "hxdpanel/panel/HardwareCommands.h"
-#include "hxdpanel/panel/HardwareMemory.h"
 #include "hxdpanel/report/ChannelChoice.h"
 #include "hxdpanel/report/CommandHints.h"
 #include "hxdpanel/script/Echo.h"
 #include "hxdpanel/script/Script.h"
 
-#include <memory>
 #include <sstream>
-
-namespace {
-
-const std::vector<unsigned char> BLOB = {0, 0};
-
-// The console around the driver in this program.
-struct ScriptPanel {
-    explicit ScriptPanel(std::unique_ptr<DriverLibrary> driver)
-        : library(std::move(driver)), device(*library, database, BLOB, 32) {
-        files.memory = "/root/panel-hardware.ini";
-    }
-
-    PanelFiles files;
-    std::unique_ptr<DriverLibrary> library;
-    HostDatabase database;
-    DriverOutput output;
-    Device device;
-    HardwareMemory memory{"/root/panel-hardware.ini"};
-    HardwareCommands hardware{PanelRestart(files, memory,
-                                           [this] {
-                                               device.Restart();
-                                               return device.InitStatus() == HOST_OK;
-                                           }),
-                              {}};
-};
-
-ScriptPanel& ThePanel() {
-    std::string error;
-    static ScriptPanel& panel = *new ScriptPanel(DriverLibrary::Load("", error));
-    return panel;
-}
-
-}  // namespace
 
 void fuzz::Expectations(Input& input) {
     HostValue value = GuessValue(input.ConsumeRandomLengthString(64));
@@ -96,12 +58,10 @@ void fuzz::CommandLine(Input& input) {
 
 // Each input has variables and a session of its own; the panel is what the inputs before have left.
 void fuzz::Scripts(Input& input) {
-    ScriptPanel& panel = ThePanel();
     const bool asJson = input.ConsumeBool();
     const bool echo = input.ConsumeBool();
     SharedRun shared;
-    Session session({panel.database, panel.device, panel.output, panel.memory, panel.hardware,
-                     shared, nullptr, panel.files});
+    Session session(FuzzPanel::Instance().Parts(shared));
     static std::FILE* const nowhere = std::fopen("/dev/null", "w");
     ScriptReport report(nowhere, asJson ? ScriptReport::TAP : ScriptReport::SUMMARY);
     Echo shown(nowhere, asJson ? "# " : "");
