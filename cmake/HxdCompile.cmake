@@ -12,7 +12,7 @@ function(hxd_compile_options target)
         target_compile_options(${target} PRIVATE
             -fsanitize=${HXD_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
         target_link_options(${target} PRIVATE -fsanitize=${HXD_SANITIZE})
-    elseif(NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
+    elseif(NOT CMAKE_BUILD_TYPE STREQUAL "Debug" AND NOT HXD_QUICK)  # needs an optimiser
         target_compile_options(${target} PRIVATE -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
     endif()
 endfunction()

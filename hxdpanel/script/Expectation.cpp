@@ -88,7 +88,7 @@ bool ParsePanel(const std::string& text, Expectation& expectation, std::string& 
 }
 
 // The words between blanks, with one between any two and around all; "for" is for reading only.
-std::string Words(const std::string& text) {
+std::string SingleSpaced(const std::string& text) {
     std::istringstream stream(text);
     std::string words = " ";
     for (std::string word; stream >> word;)
@@ -176,5 +176,5 @@ bool IsEvent(const Expectation& expectation, const std::string& event) {
         const std::string pattern = expectation.wanted.substr(1, expectation.wanted.size() - 2);
         return QRegExp(Unicode(pattern)).indexIn(Unicode(event)) >= 0;
     }
-    return Words(event).find(Words(expectation.wanted)) != std::string::npos;
+    return SingleSpaced(event).find(SingleSpaced(expectation.wanted)) != std::string::npos;
 }

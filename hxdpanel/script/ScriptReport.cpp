@@ -22,7 +22,7 @@ std::string TapText(const std::string& text) {
     return escaped;
 }
 
-std::string Place(const ScriptCheck& check) {
+std::string LineOf(const ScriptCheck& check) {
     return check.file + ":" + std::to_string(check.line);
 }
 
@@ -38,10 +38,10 @@ void ScriptReport::Add(const ScriptCheck& check) {
     const bool held = check.failure.empty();
     if (m_form == TAP)
         std::fprintf(m_results, "%sok %zu - %s %s\n%s", held ? "" : "not ", m_checks.size(),
-                     TapText(Place(check)).c_str(), TapText(check.text).c_str(),
+                     TapText(LineOf(check)).c_str(), TapText(check.text).c_str(),
                      held ? "" : ("# " + Visible(check.failure) + "\n").c_str());
     if (!held)
-        std::fprintf(stderr, "%s: %s\n", Visible(Place(check)).c_str(),
+        std::fprintf(stderr, "%s: %s\n", Visible(LineOf(check)).c_str(),
                      Visible(check.failure).c_str());
     std::fflush(m_results);
 }
@@ -100,7 +100,7 @@ void ScriptReport::PrintJunit(std::FILE* out) const {
             if (!check.failure.empty()) {
                 xml.writeStartElement(QLatin1String("failure"));
                 xml.writeAttribute(QLatin1String("message"), Xml(check.failure));
-                xml.writeCharacters(Xml(Place(check) + ": " + check.failure));
+                xml.writeCharacters(Xml(LineOf(check) + ": " + check.failure));
                 xml.writeEndElement();
             }
             xml.writeEndElement();
