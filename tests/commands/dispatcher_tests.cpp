@@ -416,6 +416,7 @@ TEST_F(Screenshots, GoNowhereElseThanToTheStick) {
     ASSERT_EQ(::symlink("/tmp/target/a.bmp", "/media/usb0/a.bmp"), 0);
     for (const char* path : {"link/a.bmp", "link/new/a.bmp", "./link//new/a.bmp", "a.bmp"})
         EXPECT_EQ(Save(path), 0.0);
+    EXPECT_EQ(Panel().captures.size(), 1u);
     EXPECT_EQ(readFile("/tmp/target/a.bmp"), "precious");
     EXPECT_FALSE(Exists("/tmp/target/new"));
     EXPECT_EQ(Saved("/media/usb0/a.bmp").size(), QSize(800, 480));  // in the link's place
@@ -427,7 +428,7 @@ TEST_F(Screenshots, GoNowhereElseThanToTheStick) {
 
     // Links on the panel's own storage are its owner's; files there are replaced as a whole, too.
     ASSERT_EQ(::symlink("/tmp/target", "/storage/user_dir/link"), 0);
-    Save("$OLMA_DIR_USR/link/b.png");
+    Save("$OLMA_DIR_USR//link//b.png");
     EXPECT_FALSE(Saved("/tmp/target/b.png").isNull());
     const std::string before = readFile("/tmp/target/b.png");
     Save("$OLMA_DIR_USR/link/b.png", ",5");  // nothing to save

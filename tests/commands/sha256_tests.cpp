@@ -22,9 +22,13 @@ std::string OwnDigest(const std::string& text, std::size_t piece) {
     SHA256 hash;
     for (std::size_t at = 0; at < text.size(); at += piece)
         hash.update(text.data() + at, std::min(piece, text.size() - at));
-    unsigned char digest[SHA256::DIGEST_BYTES];
-    hash.finish(digest);
-    return Hex(digest);
+    struct {
+        unsigned char digest[SHA256::DIGEST_BYTES];
+        unsigned char behind;
+    } out = {{}, 0xa5};
+    hash.finish(out.digest);
+    EXPECT_EQ(out.behind, 0xa5);
+    return Hex(out.digest);
 }
 
 std::string ReferenceDigest(const std::string& text) {

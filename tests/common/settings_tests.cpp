@@ -7,6 +7,7 @@
 #include "common/File.h"
 #include "common/FileLock.h"
 #include "common/IniOperator.h"
+#include "common/PublicFolder.h"
 #include "common/ScratchFolder.h"
 #include "common/SettingsFile.h"
 
@@ -308,7 +309,8 @@ TEST_F(Settings, AreNotLostWhereCallsAreInterruptedOrFail) {
     settings.Read(OWN_KEY[0], read);
     g_systemCalls.interrupts = false;
     EXPECT_EQ(read, value);
-    EXPECT_EQ(Read(OWN_KEY[1]), QLatin1String("1"));
+    EXPECT_EQ(readFile(FILE_NAME),
+              "[DEVICE]\nbacklight_duration=" + std::string(5000, 'x') + "\nbuzz_duration=1\n");
     // A setting that once could not be read is read again.
     settings.Read(OWN_KEY[1], read);
     Write(OWN_KEY[1], QLatin1String("2"));
@@ -318,6 +320,14 @@ TEST_F(Settings, AreNotLostWhereCallsAreInterruptedOrFail) {
     EXPECT_EQ(read, QString());
     settings.Read(OWN_KEY[1], read);
     EXPECT_EQ(read, QLatin1String("2"));
+
+    // A file that cannot be given to its owner is stored, one that the storage fails is not.
+    for (const int error : {EPERM, EINVAL, EIO}) {
+        g_systemCalls.chownError = error;
+        Write(OWN_KEY[1], QString::number(error));
+        EXPECT_EQ(Read(OWN_KEY[1]), QString::number(error == EIO ? EINVAL : error));
+    }
+    g_systemCalls.chownError = 0;
 
     HXDCTRL::FileLock lock;
     const HXDCTRL::File other(::open("/tmp/y.lck", O_RDONLY | O_CREAT, 0600));
@@ -336,6 +346,10 @@ TEST_F(Settings, AreNeitherReadFromNorWrittenToWhatIsNoFile) {
         Write(OWN_KEY[0], QLatin1String("1"), QLatin1String(path));
         EXPECT_EQ(Read(OWN_KEY[0], QLatin1String(path)), QLatin1String("-")) << path;
     }
+    std::string largest = "[DEVICE]\nbacklight_duration=1\n;";
+    largest.resize(4 << 20, '-');
+    writeFile("/tmp/huge", largest);
+    EXPECT_EQ(Read(OWN_KEY[0], QLatin1String("/tmp/huge")), QLatin1String("1"));
 }
 
 TEST(ScratchFolder, IsRemovedByOthersOnlyWhenItsOwnerIsDead) {
@@ -427,6 +441,8 @@ TEST(LockFile, TakesItsPlaceBackFromWhateverWasPlantedThere) {
         EXPECT_TRUE(lock.open(path));
         ::lstat(path, &status);
         EXPECT_EQ(status.st_ino, inode);  // a lock file is never removed
+        EXPECT_FALSE(hxd::RemoveUnlessRegular(path));
+        EXPECT_EQ(::access(path, F_OK), 0);
         ::unlink(path);
     }
     EXPECT_NE(::access("/tmp/victim", F_OK), 0);
@@ -465,11 +481,15 @@ TEST(File, IsReadOnAfterAnInterruption) {
     HXDCTRL::File writing(ends[1]);
     std::thread writer([&] {
         ::usleep(50000);
-        EXPECT_EQ(::write(writing.Descriptor(), "ab", 2), 2);
+        EXPECT_EQ(::write(writing.Descriptor(), "a", 1), 1);
+        ::usleep(50000);
+        EXPECT_EQ(::write(writing.Descriptor(), "bcd", 3), 3);
     });
-    char bytes[2] = {};
+    char bytes[5] = {};
     const InterruptingTimer timer;
     EXPECT_EQ(reading.Read(bytes, 2), 2u);
+    EXPECT_EQ(reading.Read(bytes + 2, 2), 2u);
+    EXPECT_STREQ(bytes, "abcd");
     writer.join();
     writing.close();
     errno = EIO;

@@ -69,6 +69,7 @@ TEST_F(Blobs, GiveTheDeviceParameters) {
         {{2, 0, 0, 0, 5, 0, 0, 0, 0x2C, 1, 0, 0}, {5, 300}},
         {{0x20, 0x4E, 2, 0, 0, 0, 5, 0, 0, 0, 0x2C, 1, 0, 0}, {5, 300}},
         {{0x21, 0x4E, 2, 0, 0, 0, 5, 0, 0, 0, 0x2C, 1, 0, 0}, defaults},
+        {{0x1F, 0x4E, 0, 0}, std::vector<int>(19999)},  // one below the mark is a count
         {{0xFF, 0xFF, 0xFF, 0xFF}, defaults},
         {{5}, {0, 0, 0, 0, 0}},  // what is missing reads as zero
         {{1, 0, 0, 0, 0xFE, 0xFF, 0xFF, 0xFF}, {-2}},

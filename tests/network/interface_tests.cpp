@@ -5,6 +5,8 @@
 
 #include <arpa/inet.h>
 #include <dlfcn.h>
+#include <fcntl.h>
+#include <unistd.h>
 #include <QSemaphore>
 #include <atomic>
 #include <cstring>
@@ -356,9 +358,36 @@ TEST_F(NetworkMode, TaskEndsFromEveryState) {
     });
     caller.join();
     owner.join();
-    EXPECT_TRUE(result == 0 || result == -6) << result;  // -6: the task ended before it began
+    EXPECT_TRUE(result == 0 || result == -6) << result;  // -6: as in the next test
     context.m_pNetworkTask = std::make_unique<NetworkTask>();
     EXPECT_EQ(SetNetworkMode(record, "i,m,r"), -6);  // no thread to do it, but an answer
+}
+
+// The task hangs in its first line, which nobody reads.
+TEST_F(NetworkMode, ARequestThatTheEndComesBeforeIsAnswered) {
+    int ends[2] = {-1, -1};
+    std::vector<char> page(4096);
+    ASSERT_EQ(::pipe(ends), 0);
+    ASSERT_EQ(::fcntl(ends[1], F_SETPIPE_SZ, 4096), 4096);
+    ASSERT_EQ(::write(ends[1], page.data(), page.size()), 4096);
+    const int usual = ::dup(STDERR_FILENO);
+    ::dup2(ends[1], STDERR_FILENO);
+    auto* const task = new NetworkTask;
+    task->start();
+    int result = 99;
+    std::thread caller([&] { task->Execute(0, 1, result); });
+    while (task->GetState() != NetworkTask::STATE_EXECUTING)
+        std::this_thread::yield();
+    std::thread owner([task] { delete task; });
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    ::dup2(usual, STDERR_FILENO);
+    EXPECT_EQ(::read(ends[0], page.data(), page.size()), 4096);
+    caller.join();
+    owner.join();
+    EXPECT_EQ(result, -6);
+    EXPECT_TRUE(Panel().appliedRecords.empty());
+    for (const int descriptor : {ends[0], ends[1], usual})
+        ::close(descriptor);
 }
 
 // The caller goes on while the task still shows its state; another request is refused meanwhile.

@@ -93,6 +93,10 @@ TEST_F(TimeControl, SetsBothClocksToTheServersTime) {
     EXPECT_EQ(Panel().rtcSettings.back().tm_hour, 30);
     EXPECT_EQ(Count(readFile(COMMANDS), " (refused)\n"), 1) << "but the other clock was set";
 
+    ASSERT_EQ(::symlink("/usr/share/zoneinfo/Etc/UTC", "/etc/localtime"), 0);
+    EXPECT_EQ(Exec(), 0);
+    ExpectClocksAt(EVENING);
+    ::unlink("/etc/localtime");
     sim::SimPanel::Instance().Fail("hal_set_rtc_time", sim::Failure());
     EXPECT_EQ(Exec(), 10);
     EXPECT_EQ(CDevBas::ExecNtp(record, "nobody"), -4);
@@ -143,6 +147,7 @@ TEST_F(TimeControl, AsksOnlyServersThatCanBeReached) {
 
 TEST_F(TimeControl, TakesTheOneServerThatAnswers) {
     const TimeServer silent("127.0.0.11", nullptr);
+    writeFile("/etc/hosts", "2001:db8::1 none.test\n");  // no IPv4 address
     StartOnDemand({"127.0.0.11", "none.test", "127.0.0.14", "127.0.0.15"});
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
@@ -157,13 +162,24 @@ TEST_F(TimeControl, TakesTheOneServerThatAnswers) {
     ExpectClocksAt(SERVER_TIME);
 }
 
-TEST_F(TimeControl, SaysWhatCouldNotBeSent) {
+TEST_F(TimeControl, SaysWhatCouldNotBeSentOrAwaited) {
     StartOnDemand({"255.255.255.255"});  // sending to everybody is not permitted
     testing::internal::CaptureStdout();
     EXPECT_EQ(Exec(), 10);
     EXPECT_EQ(testing::internal::GetCapturedStdout(),
               "[tryToSend:187]发送请求数据包到服务器失败...:255.255.255.255\n\n"
               "[tryToSend:187]发送请求数据包到服务器失败...:255.255.255.255\n\n");
+    NtpThread worker;
+    std::int32_t seconds = 0;
+    testing::internal::CaptureStdout();
+    g_systemCalls.pollFails = true;
+    worker.Start();
+    worker.Post(QLatin1String("127.0.0.11"), REACH_BOTH);
+    EXPECT_TRUE(WaitFor([&] { return worker.Look(seconds) != NtpThread::Outcome::WORKING; }));
+    g_systemCalls.pollFails = false;
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "[tryToSend:208]select函数出错，被迫终止 !:127.0.0.11\n\n"
+              "[tryToSend:208]select函数出错，被迫终止 !:127.0.0.11\n\n");
 }
 
 TEST_F(TimeControl, TakesAnyBytesForAnAnswer) {
@@ -347,6 +363,9 @@ TEST_F(TimeControl, FailsWithoutThreadsAndGoesOnLater) {
     }
     g_systemCalls.threads = -1;
     EXPECT_EQ(Exec(), 0);
+    const TimeServer silentNames("127.0.0.53", nullptr, 53);  // which is asked for a second
+    writeFile("/etc/resolv.conf", "nameserver 127.0.0.53\noptions timeout:1 attempts:1\n");
+    writeFile("/etc/nsswitch.conf", "hosts: dns files\n");
     g_systemCalls.interrupts = true;
     EXPECT_EQ(Exec(), 0);
     g_systemCalls.interrupts = false;

@@ -195,6 +195,7 @@ TEST(StorageFiles, AreReadByLines) {
 TEST_F(EmmcHealth, IsMeasuredOnRequestInTheFirstHourAndHourlyAfterwards) {
     SetWritten(1000);
     ASSERT_TRUE(Init());
+    EXPECT_TRUE(disk->init()) << "already";
     EXPECT_EQ(disk->getDiskLifeTime(), 80);
     EXPECT_EQ(disk->getDiskIO(), 1);
     SetWritten(1000 + 156882);  // 3/10 of an hour's 522,941

@@ -59,7 +59,19 @@ int flock(int fd, int operation) noexcept {
 }
 
 int poll(pollfd* fds, nfds_t nfds, int timeout) {
+    if (g_systemCalls.pollFails) {
+        errno = ENOMEM;
+        return -1;
+    }
     return IsInterrupted() ? -1 : Next<decltype(&poll)>("poll")(fds, nfds, timeout);
+}
+
+int fchown(int fd, uid_t owner, gid_t group) noexcept {
+    if (g_systemCalls.chownError != 0) {
+        errno = g_systemCalls.chownError;
+        return -1;
+    }
+    return Next<decltype(&fchown)>("fchown")(fd, owner, group);
 }
 
 ssize_t write(int fd, const void* buf, size_t n) {

@@ -12,8 +12,10 @@ struct SystemCalls {
     // Fifteen of sixteen write(), flock(), fsync() and poll() are interrupted, and no write() takes
     // all.
     std::atomic<bool> interrupts{false};
-    std::atomic<bool> diskFull{false};    // for every write()
-    std::atomic<bool> flushes{true};      // false: "fsync" and "sync" do nothing
+    std::atomic<bool> diskFull{false};  // for every write()
+    std::atomic<bool> flushes{true};    // false: "fsync" and "sync" do nothing
+    std::atomic<bool> pollFails{false};
+    std::atomic<int> chownError{0};       // of every fchown(); 0: none
     std::atomic<int> threads{-1};         // how many more can be started; below 0: any number
     std::atomic<bool> hasDebugfs{false};  // every file system is a debugfs
 };

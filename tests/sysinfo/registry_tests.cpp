@@ -5,10 +5,12 @@
 #include "sysinfo/DevLiunxCpuUse.h"
 #include "sysinfo/DevLiunxMemUse.h"
 #include "sysinfo/DoCmd.h"
+#include "sysinfo/FileText.h"
 #include "sysinfo/MemInfo.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
+#include <QDir>
 #include <algorithm>
 #include <cmath>
 #include <fstream>
@@ -146,8 +148,10 @@ TEST_F(CpuUseOnAPanel, KeepsTheLastGoodValueAndMeasuresOnFromABadSample) {
         {"cpu  750 0 0 250 0 0 0\n", 0.75, ""},  // since boot
         {"cpu  750 0 0 250 0 0 0\n", 0.75, "CPUUSE DevOpear calc error od=1000,"},
         {"cpu  850 0 0 250 0 0 0\n", 1.00, ""},
-        {"cpu  950 0 0 1150 0 0 0\n", 0.10, ""},
-        {"cpu  10 0 0 20 0 0 0\n", 0.10, "CPUUSE DevOpear calc error od=30,"},
+        {"cpu  850 0 0 350 0 0 0\n", 0.00, ""},
+        {"cpu  950 0 0 1250 0 0 0\n", 0.10, ""},
+        {"cpu  951 0 0 1250 0 0 0\n", 1.00, ""},
+        {"cpu  10 0 0 20 0 0 0\n", 1.00, "CPUUSE DevOpear calc error od=30,"},
         {"cpu  60 0 0 70 0 0 0\n", 0.50, ""},
         {"cpu  -40 0 0 180 0 0 0\n", 0.50,
          "CPUUSE DevOpear calc error(out of range) cpu_use = 0.5"},
@@ -166,15 +170,60 @@ TEST_F(CpuUseOnAPanel, KeepsTheLastGoodValueAndMeasuresOnFromABadSample) {
     }
 }
 
-TEST_F(CpuUseOnAPanel, TellsWhatItReadAsTextsAndAsNumbers) {
-    std::ofstream("/proc/stat") << "cpu  1 2 3 4 5 6 7 8\n";
-    EXPECT_EQ(Run("GetCpuUse(10)"), 0);
-    const Names log = Log();
-    EXPECT_EQ(std::count(log.begin(), log.end(),
-                         "4 DevCalcCpuUse DevCalcCpuUse begin m_cpuname = cpu,m_user = 1,m_nice=2,"
-                         "m_system = 3,m_idle=4,m_iowait=5,m_irq=6,m_softirq=7"),
-              2)
-        << testing::PrintToString(log);
+// Between the lines that every command begins and ends with.
+TEST_F(CpuUseOnAPanel, TellsEveryStep) {
+    writeFile("/proc/stat", "cpu  1 2 3 4 5 6 7 8\n");
+    writeFile("/proc/meminfo", "MemAvailable: 2048 kB\n");
+    writeFile("/storage/log/restart.log", "x");
+    const struct {
+        const char* cmd;
+        Names steps;
+    } cases[] = {
+        {"GetCpuUse(10)",
+         {"4 DevReadFile DevReadFile begin strFileName = /proc/stat",
+          "4 DevReadFile DevReadFile end Read strFileContext = cpu  1 2 3 4 5 6 7 8\n ",
+          "4 DevCalcCpuUse DevCalcCpuUse begin strFileContext = cpu  1 2 3 4 5 6 7 8\n",
+          // As texts, then as numbers.
+          "4 DevCalcCpuUse DevCalcCpuUse begin m_cpuname = cpu,m_user = 1,m_nice=2,m_system = 3,"
+          "m_idle=4,m_iowait=5,m_irq=6,m_softirq=7",
+          "4 DevCalcCpuUse DevCalcCpuUse begin m_cpuname = cpu,m_user = 1,m_nice=2,m_system = 3,"
+          "m_idle=4,m_iowait=5,m_irq=6,m_softirq=7",
+          "4 DevCalcCpuUse_1 CPUUSE DevOpear begin od = 28,_cpu_jiff_all=0",
+          "4 DevCalcCpuUse_1 CPUUSE DevOpear begin sd = 4,_cpu_jiff_idle=0",
+          "4 DevCalcCpuUse_1 CPUUSE DevOpear calc end cpu_use = 0.857143",
+          "4 DevCalcCpuUse_1 CPUUSE DevOpear end cpu_use = 0.860000",
+          "4 DevOpear CPUUSE DevOpear begin Chl = 10",
+          "4 DevOpear CPUUSE DevOpear end Chl = 10,CpuUse = 0.860000"}},
+        {"GetMemUse(11)",
+         {"4 DevOpear CPUMem DevOpear begin Chl = 11",
+          "4 DevOpear CPUMem DevOpear end Chl = 11,Mem = 2.000000"}},
+        {"ReadAppLog(0,1,txt,st)",
+         {"4 DevReadFile DevReadFile begin strFileName = /storage/log/restart.log",
+          "4 DevReadFile DevReadFile begin strFileName = /storage/log/restart.log,flen = 1",
+          "4 DevReadFile DevReadFile end Read strFileName = /storage/log/restart.log,len = 1",
+          "4 DevSetContext AppAppLog DevOpear begin getLen = 1"}},
+        {"ReadAppLog(1,1,txt,st)",
+         {"4 DevReadFile DevReadFile begin strFileName = /storage/log/dmesg.log",
+          "4 DevReadFile DevReadFile end Read strFileName = /storage/log/dmesg.log error",
+          "4 DevSetContext AppAppLog DevOpear begin getLen = 1"}},
+    };
+    for (const auto& c : cases) {
+        ChangePanel([](sim::PanelState& state) { state.log.clear(); });
+        EXPECT_EQ(Run(c.cmd), 0);
+        const Names log = Log();
+        ASSERT_GT(log.size(), 3u);
+        EXPECT_EQ(Names(log.begin() + 2, log.end() - 1), c.steps);
+        EXPECT_EQ(log.back(), "4 DevOpear DevOpear end strCmd = " + std::string(c.cmd));
+    }
+}
+
+TEST_F(CpuUseOnAPanel, AndItsMemoryWithoutTheKernelsFigure) {
+    writeFile("/proc/meminfo", "MemTotal: 9\nMemFree: 4096\nBuffers: 1024\nCached: 1025 kB\n");
+    EXPECT_EQ(Run("GetMemUse(11)"), 0);
+    EXPECT_EQ(context.m_dMemAvail, 6.0);
+    writeFile("/proc/meminfo", "MemFree: 4096 kB\n");
+    EXPECT_EQ(Run("GetMemUse(11)"), -1);
+    EXPECT_EQ(context.m_dMemAvail, 6.0);
 }
 
 TEST(MemoryInfo, TakesTheKernelsFigureFromACompleteLine) {
@@ -211,7 +260,6 @@ TEST(MemoryInfo, EstimatesOnOldKernels) {
         {{"MemTotal: 1 kB\n", "MemFree: 100 kB\n", "Buffers: 20 kB\n", "SwapCached: 3 kB\n"},
          Estimate::COMPLETE,
          122},
-        {{"MemFree: 100 kB\n", "Buffers: 20 kB\n", "Cached: 3 kB\n"}, Estimate::MORE, 122},
         {{"MemTotal:"}, Estimate::BROKEN, -1},
         {{"MemTotal: 1\n", "MemFree: 2147483647\n", "Buffers: 2147483647\n", "Cached: 9\n"},
          Estimate::COMPLETE,
@@ -224,6 +272,12 @@ TEST(MemoryInfo, EstimatesOnOldKernels) {
             state = estimate.Feed(&line[0]);
         EXPECT_EQ(state, c.state) << testing::PrintToString(c.lines);
         EXPECT_EQ(estimate.FreeKb(), c.kb) << testing::PrintToString(c.lines);
+    }
+    const Names all = {"MemTotal: 1\n", "MemFree: 2\n", "Buffers: 3\n", "Cached: 4\n"};
+    for (const std::string& missing : all) {
+        Estimate estimate;
+        for (std::string line : all)
+            EXPECT_TRUE(line == missing || estimate.Feed(&line[0]) == Estimate::MORE) << missing;
     }
 }
 
@@ -264,6 +318,9 @@ TEST_F(Registry, DeliversTheNewestPartOfALog) {
         EXPECT_EQ(host.texts["txt"].size(), c.length) << c.cmd;
     }
     EXPECT_EQ(host.texts["txt"], log.substr(log.size() - 65536));
+    FileText text("abc");
+    EXPECT_STREQ(text.TakeTail(2), "bc");
+    EXPECT_TRUE(text.TakeTail(2).IsEmpty()) << "taken";
 }
 
 TEST_F(Registry, ReadsOddLogFiles) {
@@ -291,6 +348,10 @@ TEST(FirstLine, HasUpTo127Bytes) {
         EXPECT_EQ(DevLiunxCpuUse().DevReadFile(path, 0, DevLiunxBase::READ_FIRST_LINE),
                   text.substr(0, 127));
     }
+    std::string none = "/tmp/none";
+    EXPECT_EQ(DevLiunxCpuUse().DevReadFile(none, 0, DevLiunxBase::READ_FIRST_LINE), "");
+    EXPECT_EQ(sim::SimPanel::Instance().State().log.back().text,
+              "Read strFileName = /tmp/none error");
 }
 
 TEST_F(Registry, ReadsTheKernelLogThroughAFileOfItsOwn) {
@@ -300,6 +361,7 @@ TEST_F(Registry, ReadsTheKernelLogThroughAFileOfItsOwn) {
     const std::function<int()> plants[] = {
         [] { return ::symlink("/tmp/victim", "/tmp/dmesg.log"); },
         [] { return ::mkfifo("/tmp/dmesg.log", 0666); },
+        [] { return ::mkdir("/tmp/dmesg.log", 0777); },
         [] { return ::mkdir("/tmp/dmesg.log", 0777) + ::mkdir("/tmp/dmesg.log/full", 0777); },
     };
     for (const auto& plant : plants) {
@@ -313,6 +375,8 @@ TEST_F(Registry, ReadsTheKernelLogThroughAFileOfItsOwn) {
         EXPECT_NE(::access("/tmp/dmesg.log", F_OK), 0);
     }
     EXPECT_EQ(readFile("/tmp/victim"), "keep");
+    EXPECT_EQ(QDir(QLatin1String("/tmp"), QLatin1String("dmesg.log*")).count(), 1u)
+        << "the full one";
 
     std::ofstream("/run/shims/dmesg") << "#!/bin/sh\nexit 1\n";
     ::chmod("/run/shims/dmesg", 0755);
