@@ -142,6 +142,20 @@ class PageTest(unittest.TestCase):
         page.click('#clock [data-line="clock hold"]')
         page.wait_for_text('#clock-state', 'held')
 
+    def test_attempts_that_ask_nobody_are_explained_while_the_clock_runs(self):
+        page = self.page
+        text_of = lambda place: page.script(f'return document.querySelector("{place}").textContent')
+        page.wait_for_text('#system-clock', r':\d\d$')
+        begun = text_of('#system-clock')
+        command(page, 'write 12 1')
+        page.click('#time-now')
+        page.wait_for_text('#time-attempts', 'failed before a server was asked')
+        command(page, 'write 13 1')  # by itself, again and again
+        page.wait_for_text('#activity', r'ping .* × [2-9]')
+        wait_for('one line for all of them', lambda: text_of('#time-attempts').count('before a server'),
+                 lambda count: count == 1)
+        self.assertNotEqual(text_of('#system-clock'), begun)
+
     def test_two_browsers_and_the_console_see_the_same(self):
         other = self.enterContext(browser())
         open_page(other, self.panel.address)
