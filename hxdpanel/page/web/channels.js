@@ -13,9 +13,10 @@ function buildRow(row) {
     ? element('button', { type: 'button', className: 'value', onclick: () => edit(row), title: row.accepts,
       'aria-label': `Write ${row.number} ${row.name}` })
     : element('span', { className: 'value' });
+  const meaning = element('small');  // of a special value
   const tr = element('tr', { id: `channel-${row.number}` }, element('td', {}, String(row.number)),
-    element('th', { scope: 'row' }, row.name), element('td', {}, value), element('td', {}, row.unit));
-  rows.set(row.number, { row, tr, value, unit: tr.lastElementChild });
+    element('th', { scope: 'row' }, row.name), element('td', {}, value, meaning), element('td', {}, row.unit));
+  rows.set(row.number, { row, tr, value, meaning });
   return tr;
 }
 
@@ -40,7 +41,7 @@ function show(channel) {
   setText(shown.value, text === '' ? '(empty)' : text);
   shown.value.dataset.special = channel.meaning !== null || text === '';
   if (shown.row.writable) shown.value.setAttribute('aria-label', `Write ${channel.number} ${channel.name}, now ${text}`);
-  setText(shown.unit, channel.meaning ?? shown.row.unit);
+  setText(shown.meaning, channel.meaning ?? '');
 }
 
 async function write(row, text) {
