@@ -22,7 +22,8 @@ function(hxd_unite)  # TARGET...
             set_property(SOURCE ${source} TARGET_DIRECTORY ${target} PROPERTY UNITY_GROUP ${group})
         endforeach()
         set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_MODE GROUP)
-        # To this warning all of it comes from headers.
-        target_compile_options(${target} PRIVATE -Wno-subobject-linkage)
+        if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")  # to this warning all of it comes from headers
+            target_compile_options(${target} PRIVATE -Wno-subobject-linkage)
+        endif()
     endforeach()
 endfunction()

@@ -3,6 +3,7 @@
 #define HXD_TESTS_RESOURCES_H
 
 #include <dirent.h>
+#include <malloc.h>
 
 #include <chrono>
 #include <climits>
@@ -25,14 +26,14 @@ struct Resources {
     }
 
 private:
-    // Memory without what is read from files, which the kernel drops and reads again as it likes.
+    // Memory that has been allocated and not freed; what the allocator and the kernel keep besides
+    // depends on which thread came when.
     static Resources Now() {
-        Resources used = {0, 0, 0};
+        const struct mallinfo2 heap = ::mallinfo2();
+        Resources used = {static_cast<long>((heap.uordblks + heap.hblkhd) / 1024), 0, 0};
         std::ifstream status("/proc/self/status");
         for (std::string word; status >> word;) {
-            if (word == "RssAnon:")
-                status >> used.memoryKib;
-            else if (word == "Threads:")
+            if (word == "Threads:")
                 status >> used.threads;
         }
         DIR* const directory = ::opendir("/proc/self/fd");
