@@ -9,6 +9,8 @@ get_filename_component(CMAKE_SYSROOT ${HXD_SYSROOT} ABSOLUTE)
 
 set(CMAKE_C_COMPILER arm-linux-gnueabihf-gcc)
 set(CMAKE_CXX_COMPILER arm-linux-gnueabihf-g++)
+# Passing some records changed with GCC 7, which everything here is newer than.
+set(CMAKE_CXX_FLAGS_INIT -Wno-psabi)
 set(CMAKE_LIBRARY_ARCHITECTURE arm-linux-gnueabihf)
 
 set(CMAKE_FIND_ROOT_PATH ${CMAKE_SYSROOT})

@@ -111,6 +111,7 @@ const std::vector<Operation>& Operations() {
     return operations;
 }
 
+#ifdef __x86_64__  // the emulator has no filters
 // The calls that a filter refuses; mask and value are of an argument's lower half.
 struct Refusal {
     int call;
@@ -140,6 +141,7 @@ void Refuse(const std::vector<Refusal>& refusals, unsigned error) {
         ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) != 0)
         ::_exit(70);
 }
+#endif
 
 void Limit(__rlimit_resource resource, rlim_t most) {
     rlimit limit = {};
