@@ -358,6 +358,7 @@ TEST(Page, AFloodIsBounded) {
     EXPECT_EQ(panel.Get("/api/events").status, 503);
     std::atomic<int> refused{0};
     std::vector<std::thread> flood;
+    flood.reserve(8);
     for (int i = 0; i < 8; ++i)
         flood.emplace_back([&] {
             for (int request = 0; request < 100; ++request)

@@ -215,6 +215,7 @@ long Soak(int seconds) {
     hosts.push_back(std::make_unique<Host>(2, CHANNEL_BACKLIGHT_DELAY));
     hosts.push_back(std::make_unique<Host>(3, CHANNEL_BACKLIGHT_AUTO_OFF));
     std::vector<std::thread> threads;
+    threads.reserve(hosts.size());
     for (const auto& host : hosts)
         threads.emplace_back(&Host::Drive, host.get());
     Watch(hosts, seconds);

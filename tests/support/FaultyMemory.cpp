@@ -92,6 +92,7 @@ void faulty_memory::TellQtsEnds() {
         std::signal(end, JudgeEnd);
 }
 
+// NOLINTBEGIN(readability-identifier-naming): the C library's
 #pragma GCC visibility push(default)
 extern "C" {
 
@@ -110,5 +111,6 @@ void* realloc(void* block, std::size_t size) noexcept {
 }
 }
 #pragma GCC visibility pop
+// NOLINTEND(readability-identifier-naming)
 
 #endif

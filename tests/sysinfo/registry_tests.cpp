@@ -175,6 +175,9 @@ TEST_F(CpuUseOnAPanel, TellsEveryStep) {
     writeFile("/proc/stat", "cpu  1 2 3 4 5 6 7 8\n");
     writeFile("/proc/meminfo", "MemAvailable: 2048 kB\n");
     writeFile("/storage/log/restart.log", "x");
+    const char* const counters =
+        "4 DevCalcCpuUse DevCalcCpuUse begin m_cpuname = cpu,m_user = 1,m_nice=2,m_system = 3,"
+        "m_idle=4,m_iowait=5,m_irq=6,m_softirq=7";
     const struct {
         const char* cmd;
         Names steps;
@@ -184,11 +187,7 @@ TEST_F(CpuUseOnAPanel, TellsEveryStep) {
           "4 DevReadFile DevReadFile end Read strFileContext = cpu  1 2 3 4 5 6 7 8\n ",
           "4 DevCalcCpuUse DevCalcCpuUse begin strFileContext = cpu  1 2 3 4 5 6 7 8\n",
           // As texts, then as numbers.
-          "4 DevCalcCpuUse DevCalcCpuUse begin m_cpuname = cpu,m_user = 1,m_nice=2,m_system = 3,"
-          "m_idle=4,m_iowait=5,m_irq=6,m_softirq=7",
-          "4 DevCalcCpuUse DevCalcCpuUse begin m_cpuname = cpu,m_user = 1,m_nice=2,m_system = 3,"
-          "m_idle=4,m_iowait=5,m_irq=6,m_softirq=7",
-          "4 DevCalcCpuUse_1 CPUUSE DevOpear begin od = 28,_cpu_jiff_all=0",
+          counters, counters, "4 DevCalcCpuUse_1 CPUUSE DevOpear begin od = 28,_cpu_jiff_all=0",
           "4 DevCalcCpuUse_1 CPUUSE DevOpear begin sd = 4,_cpu_jiff_idle=0",
           "4 DevCalcCpuUse_1 CPUUSE DevOpear calc end cpu_use = 0.857143",
           "4 DevCalcCpuUse_1 CPUUSE DevOpear end cpu_use = 0.860000",
