@@ -132,7 +132,17 @@ class Browser:
         return f'{self._session}/element/{found[ELEMENT]}'
 
     def click(self, selector):
-        self._ask('POST', self.find(selector) + '/click', {})
+        """As a person would: the place is brought to the middle, and a page that moved meanwhile is tried again."""
+        def attempt():
+            self.script('document.querySelector(arguments[0])?.scrollIntoView({block: "center"})', selector)
+            try:
+                self._ask('POST', self.find(selector) + '/click', {})
+            except Unmet as unmet:
+                if not re.search('click intercepted|stale element|no such element', str(unmet)):
+                    raise
+                return unmet
+            return None
+        wait_for(f'{selector} to be clicked', attempt, lambda unmet: unmet is None)
 
     def fill(self, selector, text):
         element = self.find(selector)
