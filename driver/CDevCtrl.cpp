@@ -97,7 +97,7 @@ int CDevCtrl::Collect(const int* channels, int count) {
 }
 
 void CDevCtrl::RefreshValues() {
-    ShowInputLocks();
+    StoreInputLocks();
     int(&refreshed)[2] = m_record.m_pContext->m_bRefreshed;
     if (refreshed[0] != 0 && refreshed[1] != 0)
         return;
@@ -106,7 +106,7 @@ void CDevCtrl::RefreshValues() {
     refreshed[1] = 1;
 }
 
-void CDevCtrl::ShowInputLocks() {
+void CDevCtrl::StoreInputLocks() {
     const VNCLockProxy* const lock = m_record.m_pContext->m_pVncLock.get();
     if (lock == nullptr)
         return;
@@ -132,7 +132,7 @@ void CDevCtrl::DeliverChannels() {
             record.m_pRtdb->GetChannelType(i - 1, &type) != HOST_OK)
             continue;
         if (i >= record.m_arrValue.GetSize() || i >= record.m_arrStrValue.GetSize())
-            break;
+            break;  // GetChannelType has resized them
         if (type == DATATYPE_DOUBLE) {
             record.m_pRtdb->SetChannelDouble(i - 1, record.m_arrValue[i]);
         } else if (type == DATATYPE_TEXT) {

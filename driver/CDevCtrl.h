@@ -39,7 +39,7 @@ private:
     void StartDevice(const unsigned char* blob, int length);
     int Collect(const int* channels, int count);
     void RefreshValues();
-    void ShowInputLocks();
+    void StoreInputLocks();
     void DeliverChannels();
     void AnnounceDevice();
     void RunCommand(CString command);

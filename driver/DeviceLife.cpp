@@ -55,6 +55,8 @@ void StartServices(OLMA_DATA& record) {
     for (const DEVSYSOPEAR operation : OPERATIONS)
         context.m_pDevManger->DevRegiter(operation);
     context.m_pRtdb = record.m_pRtdb;
+    // A plug-in that was just asked for its locks may have collected with what there was.
+    context.m_bRefreshed[0] = context.m_bRefreshed[1] = 0;
     CDevBas::ReadDeviceParameters(record);
     context.m_pNetworkTask = std::make_unique<NetworkTask>();
     context.m_pNetworkTask->start();
@@ -83,18 +85,16 @@ int CDevCtrl::InitDevice(const unsigned char* blob, int length) {
     if (m_record.m_pArchive != nullptr)
         return HOST_OK;  // a plug-in's call from within the first: a repeated one like any other
     const bool wasStarted = m_record.m_pContext != nullptr;
-    if (hxd::NoThrow(false, [&] {
-            StartDevice(blob, length);
-            return true;
-        }))
-        return HOST_OK;
-    if (wasStarted) {
-        // A repeated call changes nothing, also when it finds no memory.
+    const bool completed = hxd::NoThrow(false, [&] {
+        StartDevice(blob, length);
+        return true;
+    });
+    // A repeated call changes nothing, also when it finds no memory. After a first one that failed
+    // the host cannot tell that nothing was started; every operation copes with that.
+    if (completed || wasStarted)
         ReleaseArchive(m_record);
-        return HOST_OK;
-    }
-    // The host cannot tell that nothing was started; every operation copes with that.
-    ReleaseServices(m_record);
+    else
+        ReleaseServices(m_record);
     return HOST_OK;
 }
 
@@ -112,7 +112,6 @@ void CDevCtrl::StartDevice(const unsigned char* blob, int length) {
         m_record.m_pContext = new DEV_CONTEXT;
         StartServices(m_record);
     }
-    ReleaseArchive(m_record);
 }
 
 int CDevCtrl::CleanupDevice() {

@@ -52,10 +52,11 @@ constexpr ChannelRow CHANNELS[CHANNEL_COUNT] = {
 
 // clang-format on
 
-}  // namespace
-
 constexpr int N = DATATYPE_DOUBLE;
 constexpr int T = DATATYPE_TEXT;
+
+}  // namespace
+
 extern constexpr int DEV_LONG_CHLTYPE[CHANNEL_COUNT + 1] = {0, T, T, N, N, N, N, N, T, T, N,
                                                             N, N, N, N, T, T, T, T, T, T, N,
                                                             T, T, N, N, N, N, N, N, N, N, N};

@@ -7,6 +7,8 @@
 #include <sys/stat.h>
 #include <QCoreApplication>
 
+#include <functional>
+
 namespace {
 
 using CDevBas::ReadVncPwd;
@@ -34,8 +36,11 @@ public:
     void setVNCKeyboardState(bool locked) override { Set("VNC keyboard", m_states[3], locked); }
     bool getVNCKeyboardState() const override { return m_states[3]; }
 
+    std::function<void()> onSet = [] {};
+
 private:
     void Set(const std::string& name, bool& state, bool locked) {
+        onSet();
         state = locked;
         m_calls.push_back(name + (locked ? " 1" : " 0"));
     }
@@ -152,7 +157,11 @@ TEST_F(VncLock, IsShownByTheChannels) {
     CDevCtrl device("panel", &host);
     const unsigned char blob[] = {0, 0};
     const int channel = 1;
+    plugin->onSet = [&] { device.CollectDevData(&channel, 1); };
     device.InitDevice(blob, sizeof blob);
+    plugin->onSet = [] {};
+    device.CollectDevData(&channel, 1);
+    EXPECT_GT(host.numberChannels[10], 0) << "memory is read though the plug-in had collected";
     const struct {
         void (IVNCLock::*set)(bool);
         double local, remote;
