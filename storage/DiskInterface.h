@@ -6,7 +6,8 @@
 // of the operations is fixed.
 class DiskInterface {
 public:
-    virtual ~DiskInterface() = default;  // stops and joins the worker, within one tick of it
+    virtual ~DiskInterface() =
+        default;  // stops and joins the worker: a tick, or a measurement under way
 
     // Finds the storage, measures it once and starts the worker. False when there is none; may be
     // called again then, and must not once it has returned true.

@@ -47,7 +47,6 @@ private:
     long long m_llLastLifeRefresh = 0;  // ms of the host's tick
     long long m_llBaseline = 0;         // wear at the start of the gear's interval
     long long m_llHourlyAllowance = 0;
-    unsigned m_nMeasured = 1;  // the newest request that was measured for
 
     std::atomic<int> m_nLifePercent{0};
     std::atomic<int> m_nGear{1};
@@ -55,6 +54,7 @@ private:
     // that arrives during it. The first number stands for init(), which measures by itself.
     std::atomic<unsigned> m_nRequested{1};
     std::atomic<unsigned> m_nAnswered{0};
+    unsigned m_nMeasured = 1;  // the newest that was measured for; the worker's
     std::atomic<bool> m_bRunning{true};
     std::thread m_thread;  // owned; joined by StopWorker()
 };

@@ -28,6 +28,9 @@ public:
             DoCmd::doCmdOnly(m_strUnmount);
     }
 
+    // False once somebody else has unmounted his.
+    bool IsThere() const { return m_bOurs || IsMounted(); }
+
 private:
     static bool IsMounted() {
         struct statfs status = {};
@@ -39,6 +42,14 @@ private:
     // Made before the mount, so that the destructor need not allocate.
     const std::string m_strUnmount{"umount -l /sys/kernel/debug"};
 };
+
+// False when the debugfs that was there has gone before the table was read.
+bool ReadEraseTable(QVector<QString>& table) {
+    const DebugfsMount debugfs;
+    return DiskCommon::readFileOfLine(
+               QLatin1String("/sys/kernel/debug/ubi/ubi0/detailed_erase_block_info"), table) ||
+           debugfs.IsThere();
+}
 
 int ReadCount(const char* path) {
     const hxd::Maybe<QString> line = DiskCommon::FirstLineOf(QLatin1String(path));
@@ -57,10 +68,9 @@ hxd::Maybe<long long> NandDiskMgr::FindStorage() {
 }
 
 long long NandDiskMgr::ReadWear() {
-    const DebugfsMount debugfs;
     QVector<QString> table;
-    DiskCommon::readFileOfLine(
-        QLatin1String("/sys/kernel/debug/ubi/ubi0/detailed_erase_block_info"), table);
+    if (!ReadEraseTable(table))  // another device's mount: now with one of our own
+        ReadEraseTable(table);
     return wear::EraseSum(table);
 }
 

@@ -60,12 +60,12 @@ long long wear::HourlyAllowance(long long amount, long long endurance) {
     return Product(amount, endurance) / HOURS_IN_FIVE_YEARS;
 }
 
-int wear::Gear(long long written, long long allowance) {
-    if (written <= Tenths(3, allowance))
+int wear::Gear(long long increase, long long allowance) {
+    if (increase <= Tenths(3, allowance))
         return 1;
-    if (written <= Tenths(6, allowance))
+    if (increase <= Tenths(6, allowance))
         return 2;
-    return written <= allowance ? 3 : 4;
+    return increase <= allowance ? 3 : 4;
 }
 
 long long wear::EmmcEndurance(long long eraseSize) {

@@ -23,10 +23,10 @@ long long Increase(long long before, long long now);
 // a + b of two counts.
 long long Sum(long long a, long long b);
 
-// The gear for what was written since the start of the interval: 1 up to 3/10 of the allowance, 2
-// up to 6/10, 3 up to all of it, else 4. With an allowance of 0: 1 while nothing is written,
-// else 4.
-int Gear(long long written, long long allowance);
+// The gear for what was written or erased since the start of the interval: 1 up to 3/10 of the
+// allowance, 2 up to 6/10, 3 up to all of it, else 4. With an allowance of 0: 1 without an
+// increase, else 4.
+int Gear(long long increase, long long allowance);
 
 // --- eMMC
 

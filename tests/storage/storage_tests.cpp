@@ -277,10 +277,10 @@ TEST_F(NandHealth, MountsDebugfsForEachCountOnly) {
     SetErased(20 * 256000 + 200);
     GearNow();
     EXPECT_EQ(CommandLog(), Counts(3));
-    g_systemCalls.hasDebugfs = true;  // somebody else's
+    g_systemCalls.debugfsLooks = -1;  // somebody else's
     Advance(HOUR_MS);
     EXPECT_EQ(CommandLog(), Counts(3));
-    g_systemCalls.hasDebugfs = false;
+    g_systemCalls.debugfsLooks = 1;  // gone before the table is read: again, with one of its own
     testing::internal::CaptureStdout();
     for (const char* file :
          {TABLE, "/sys/class/ubi/ubi0/bad_peb_count", "/sys/class/ubi/ubi0/reserved_for_bad"})
@@ -288,7 +288,8 @@ TEST_F(NandHealth, MountsDebugfsForEachCountOnly) {
     Advance(HOUR_MS + TICK_MS);
     EXPECT_EQ(disk->getDiskLifeTime(), 100);
     EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              "can not load file!can not load file!can not load file!");
+              "can not load file!can not load file!can not load file!can not load file!");
+    EXPECT_EQ(CommandLog(), Counts(4));
     EXPECT_EQ(disk->getDiskIO(), 1);  // nothing is known to be erased
     EXPECT_EQ(CommandLog(), Counts(4));
 }

@@ -98,8 +98,11 @@ int statfs(const char* file, struct statfs* buf) noexcept {
     const int result = ::fstatfs(opened, buf);
     if (opened >= 0)
         ::close(opened);
-    if (result == 0 && g_systemCalls.hasDebugfs)
+    if (result == 0 && g_systemCalls.debugfsLooks != 0) {
         buf->f_type = DEBUGFS_MAGIC;
+        if (g_systemCalls.debugfsLooks > 0)
+            --g_systemCalls.debugfsLooks;
+    }
     return result;
 }
 }

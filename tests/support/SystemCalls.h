@@ -15,9 +15,9 @@ struct SystemCalls {
     std::atomic<bool> diskFull{false};  // for every write()
     std::atomic<bool> flushes{true};    // false: "fsync" and "sync" do nothing
     std::atomic<bool> pollFails{false};
-    std::atomic<int> chownError{0};       // of every fchown(); 0: none
-    std::atomic<int> threads{-1};         // how many more can be started; below 0: any number
-    std::atomic<bool> hasDebugfs{false};  // every file system is a debugfs
+    std::atomic<int> chownError{0};    // of every fchown(); 0: none
+    std::atomic<int> threads{-1};      // how many more can be started; below 0: any number
+    std::atomic<int> debugfsLooks{0};  // how many more find a debugfs anywhere; below 0: all
 };
 extern SystemCalls g_systemCalls;
 
