@@ -36,8 +36,8 @@ class FileLocker {
 public:
     // Waits for it as long as it takes.
     explicit FileLocker(FileLock& lock);
-    // Waits until wanted is false, for those who must not be held up by another process. It may
-    // come up to 20 ms late, and last of all who wait.
+    // Waits until wanted is false, for those who must not be held up by another process. The lock
+    // may be taken up to 20 ms after it is free, and those who wait in flock() come first.
     FileLocker(FileLock& lock, const std::atomic<bool>& wanted);
     FileLocker(const FileLocker&) = delete;
     FileLocker& operator=(const FileLocker&) = delete;

@@ -4,9 +4,10 @@
 
 #include <QString>
 
-// Each call opens the file anew (UTF-8) and keeps nothing; see SettingsFile for how. The caller
-// holds the file's lock (FileLocker) meanwhile. Neither section nor key begins or ends with a
-// slash.
+// Reads and writes by names, in the form that the settings' other programs know; the driver's own
+// settings go through SettingsFile. Each call opens the file anew (UTF-8) and keeps nothing. The
+// caller holds the file's lock (FileLocker) meanwhile. Neither section nor key begins or ends with
+// a slash.
 class IniOperator {
 public:
     // -1 when file, section or key is empty; otherwise 0. A file that cannot be written is not

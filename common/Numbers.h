@@ -16,8 +16,7 @@ inline int ToInt(double value) {
     return value == value ? static_cast<int>(value) : 0;
 }
 
-// Rounds half away from zero, saturating as ToInt. 0 and below take the second branch, as the
-// host's own scripts do.
+// Rounds half away from zero, saturating as ToInt; 0 gives 0.
 inline int RoundToInt(double value) {
     return value > 0 ? ToInt(value + 0.5) : ToInt(value - 0.5);
 }

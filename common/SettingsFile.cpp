@@ -256,11 +256,11 @@ bool MakeLater(const File& file, const struct stat& status, const struct stat& o
     return ::futimens(file.Descriptor(), times) == 0;
 }
 
-// Where that is not permitted, a file of ours is better than a setting that is lost. (EINVAL: a
-// user whom this container does not have.)
+// Where that is not permitted or unknown, a file of ours is better than a setting that is lost.
+// (EINVAL: a user whom this container does not have.)
 bool GiveTo(const File& file, const struct stat& owner) {
     return ::fchown(file.Descriptor(), owner.st_uid, owner.st_gid) == 0 || errno == EPERM ||
-           errno == EINVAL;
+           errno == EINVAL || errno == ENOSYS || errno == EOPNOTSUPP;
 }
 
 // Mode, owner and time, and all of it on the storage.

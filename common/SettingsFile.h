@@ -43,7 +43,8 @@ public:
     // by which other processes' QSettings see the change; one that was missing gets 0644 at most,
     // and its folder is made.
     // False when that fails: then the file is as it was. It fails also where the file may be
-    // written, but its folder may not. On return all is on the storage.
+    // written, but its folder may not. On return all is on the storage. The driver's callers have
+    // no code for it and go on.
     bool Store(const SettingsValues& changes);
 
 private:
