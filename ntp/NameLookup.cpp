@@ -24,15 +24,13 @@ std::atomic<int> g_lookUps{0};
 // Of the thread that looks up and of the one that waits for it; released by the last of them.
 struct LookUp {
     explicit LookUp(const std::string& wanted)
-        : name(wanted),
-          isOneTooMany(++g_lookUps > MOST_LOOK_UPS),
-          doneEvent(::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)) {}
+        : name(wanted), rank(++g_lookUps), doneEvent(::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)) {}
     ~LookUp() { --g_lookUps; }
     LookUp(const LookUp&) = delete;
     LookUp& operator=(const LookUp&) = delete;
 
     const std::string name;
-    const bool isOneTooMany;
+    const int rank;  // among those under way
     const HXDCTRL::File doneEvent;
     // Written before done is set, read after.
     int error = EAI_AGAIN;
@@ -82,12 +80,12 @@ int LookUpName(const std::string& name, int stopDescriptor, std::vector<sockaddr
     if (IsDottedAddress(name))
         return Resolve(name, addresses);  // nobody is asked
     const auto lookUp = std::make_shared<LookUp>(name);
-    if (lookUp->isOneTooMany || !lookUp->doneEvent.IsOpen() || !Start(lookUp))
+    if (lookUp->rank > MOST_LOOK_UPS || !lookUp->doneEvent.IsOpen() || !Start(lookUp))
         return EAI_AGAIN;
     pollfd watched[] = {{lookUp->doneEvent.Descriptor(), POLLIN, 0}, {stopDescriptor, POLLIN, 0}};
-    hxd::RetryInterrupted([&] { return ::poll(watched, 2, -1); });
+    const int ready = hxd::RetryInterrupted([&] { return ::poll(watched, 2, -1); });
     if (!lookUp->done)
-        return LOOK_UP_STOPPED;
+        return ready < 0 ? EAI_AGAIN : LOOK_UP_STOPPED;
     addresses.swap(lookUp->addresses);
     return lookUp->error;
 }

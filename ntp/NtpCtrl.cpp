@@ -176,7 +176,8 @@ void NtpCtrl::SynchroniseIfDue() {
     m_previous = current;
     if (!SynchronisationDue(current, triggers, Olma_GetTickCount() - m_llStartMs))
         return;
-    SynchroniseUntilDone();
+    SynchroniseUntilDone();  // what is changed meanwhile is seen by the next tick, and may ask
+                             // again
     m_llStartMs = Olma_GetTickCount();
 }
 

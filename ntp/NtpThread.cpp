@@ -221,18 +221,19 @@ bool NtpThread::sendPacketToServer(const QString& server, Answer& answer) {
     return false;
 }
 
-// Here the name becomes bytes, for the look-up and for the lines printed.
+// Leaves the clocks' distance at the first request in m_distanceAtRequest. Here the name becomes
+// bytes, for the look-up and for the lines printed.
 bool NtpThread::tryToSend(int socket, const QString& server) {
     const std::string name = hxd::ToHostBytes(server).constData();
-    bool isFirstRequest = true;
+    bool clockNoted = false;
     for (int attempt = 0; attempt < ATTEMPTS && m_bRunning; ++attempt) {
         std::vector<sockaddr_in> addresses;
         if (!LookUp(name, addresses))
             continue;
         // Of the first: the second wait may end with the answer to it.
-        if (isFirstRequest)
+        if (!clockNoted)
             m_distanceAtRequest = ClockDistance(Now(), Clock::now());
-        isFirstRequest = false;
+        clockNoted = true;
         if (!SendRequests(socket, addresses, name))
             continue;
         if (!m_bRunning)

@@ -175,7 +175,14 @@ TEST_F(TimeControl, SaysWhatCouldNotBeSentOrAwaited) {
     g_systemCalls.pollFails = true;
     worker.Start();
     worker.Post(QLatin1String("127.0.0.11"), REACH_BOTH);
-    EXPECT_TRUE(WaitFor([&] { return worker.Look(seconds) != NtpThread::Outcome::WORKING; }));
+    const auto hasEnded = [&] { return worker.Look(seconds) != NtpThread::Outcome::WORKING; };
+    EXPECT_TRUE(WaitFor(hasEnded));
+    testing::internal::CaptureStderr();
+    worker.Post(QLatin1String("a.name.invalid"), REACH_BOTH);
+    EXPECT_TRUE(WaitFor(hasEnded));
+    EXPECT_EQ(
+        testing::internal::GetCapturedStderr().find("server:a.name.invalid,getaddrinfo error: "),
+        0u);
     g_systemCalls.pollFails = false;
     EXPECT_EQ(testing::internal::GetCapturedStdout(),
               "[tryToSend:208]select函数出错，被迫终止 !:127.0.0.11\n\n"
