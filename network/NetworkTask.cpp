@@ -62,6 +62,7 @@ void NetworkTask::start() {
 NetworkTask::Outcome NetworkTask::Execute(int index, int mode, int& result) {
     {
         const hxd::MutexLock locker(m_lock);
+        // Awaited, but idle: the reply is given, and the one who asked has not yet taken it.
         if (m_bAwaited || m_eState == STATE_EXECUTING)
             return REQUEST_BUSY;
         if (!m_bRunning)
@@ -115,9 +116,9 @@ bool NetworkTask::AwaitRequest(Request& request) {
     return m_bRunning;
 }
 
-// In this order, and not made one step by the lock that a caller takes to post: a command that
-// follows at once may find the state still executing and is then refused, which scripts know and
-// repeat. Only the thread's own end holds the lock around it.
+// The reply is released first, then the state turns idle, without the lock: a command that follows
+// at once may still find it executing and is refused, which scripts know and repeat. Only the
+// thread's own end holds the lock around both.
 void NetworkTask::Reply(std::int32_t result) {
     m_nResult = result;
     m_reply.release();

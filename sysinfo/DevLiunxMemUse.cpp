@@ -46,7 +46,8 @@ int DevLiunxMemUse::DevCalcMemNoUseOld(int& freeKb) {
     auto state = meminfo::OldEstimate::MORE;
     std::string line;
     while (state == meminfo::OldEstimate::MORE && std::getline(lines, line)) {
-        line += '\n';
+        if (!lines.eof())  // the last line may have no end
+            line += '\n';
         state = estimate.Feed(&line[0]);
     }
     freeKb = estimate.FreeKb();
