@@ -1,4 +1,5 @@
-// The names of the driver's own commands as the host's text type; the table of commands has them.
+// The names of the driver's own commands as the host's text type, out of the table of commands. The
+// driver itself asks the table; these constants are fixed names, kept for what is built with them.
 #ifndef HXD_COMMANDNAMES_H
 #define HXD_COMMANDNAMES_H
 

@@ -1,9 +1,8 @@
 #include "sysinfo/ToolsBase.h"
 
 #include "common/ResultCodes.h"
+#include "driver/record/ArgumentSplit.h"
 #include "sysinfo/Trace.h"
-
-#include <algorithm>
 
 int ToolsBase::ParaCmd(std::string& name, std::vector<std::string>& args, const std::string& cmd) {
     // Logs the name as it comes in, which the caller has just emptied: log tools know this line as
@@ -14,11 +13,6 @@ int ToolsBase::ParaCmd(std::string& name, std::vector<std::string>& args, const 
         return RESULT_BAD_ARGUMENTS;
     name = cmd.substr(0, open);
     const std::string inner = cmd.substr(open + 1, cmd.size() - open - 2);
-    for (std::size_t start = 0; start < inner.size();) {
-        const std::size_t comma = std::min(inner.find(',', start), inner.size());
-        if (comma > start)
-            args.push_back(inner.substr(start, comma - start));
-        start = comma + 1;
-    }
+    SplitWords(inner, CommandOf(FIRST_REGISTRY_COMMAND).separator, args);
     return RESULT_DONE;
 }

@@ -105,27 +105,3 @@ double CDevServer::SvrStr2Double(CString text, int count) {
         cstringToNumeric(text.Left(count), "%lf", &value);
     return value;
 }
-
-int CDevServer::SvrGetCmdStr(const CString& text, const CString& separator, CString& left,
-                             CString& right) {
-    const int position = text.Find(separator);
-    if (position < 0)
-        return 0;
-    CString head = text.Left(position);
-    CString rest = text.Right(text.GetLength() - position - 1);
-    left = head.Trim();
-    right = rest.Trim();
-    return 1;
-}
-
-int CDevBas::splitString(const char* text, char separator, std::vector<FF::utils::String>& pieces) {
-    if (text == nullptr) {
-        pieces.emplace_back();
-        return 0;
-    }
-    const std::size_t first = pieces.size();
-    SplitCsvStr(text, separator, pieces);
-    for (std::size_t i = first; i < pieces.size(); ++i)
-        pieces[i].trim();
-    return 1;
-}

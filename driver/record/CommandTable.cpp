@@ -68,6 +68,15 @@ constexpr bool RowsAreInPlace(int command) {
 }
 static_assert(RowsAreInPlace(0), "a command's row is missing or out of place");
 
+// It takes a text apart before it knows the row.
+constexpr bool RegistryHasOneRule(int command) {
+    return command == COMMAND_COUNT ||
+           (COMMANDS[command].split == Row::WORDS &&
+            COMMANDS[command].separator == COMMANDS[FIRST_REGISTRY_COMMAND].separator &&
+            RegistryHasOneRule(command + 1));
+}
+static_assert(RegistryHasOneRule(FIRST_REGISTRY_COMMAND), "the registry knows one rule only");
+
 }  // namespace
 
 int CommandRow::ArgumentCount() const {

@@ -1,6 +1,6 @@
 // The commands, one row each: name, how its argument text is taken apart and what the arguments
 // are. Dispatcher, registry, console and the reference in docs/ have what stands here, or do not
-// compile or pass; the registry alone takes its arguments apart by itself.
+// compile or pass.
 #ifndef HXD_COMMANDTABLE_H
 #define HXD_COMMANDTABLE_H
 
@@ -53,7 +53,7 @@ struct CommandRow {
                    // takes what is left; trimmed, but a text without separator stays as it is
         LIST,      // cut at every separator, each piece trimmed
         RAW_LIST,  // cut at every separator, blanks kept; what is beyond the arguments is dropped
-        WORDS,     // the registry's: cut at every separator, empty pieces vanish
+        WORDS,     // cut at every separator, empty pieces vanish; the registry's, all of it
     };
     static constexpr int MAX_ARGUMENTS = 5;
 

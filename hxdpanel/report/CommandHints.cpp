@@ -1,6 +1,7 @@
 #include "hxdpanel/report/CommandHints.h"
 
 #include "common/ResultCodes.h"
+#include "driver/record/ArgumentSplit.h"
 #include "hxdpanel/base/Text.h"
 #include "hxdpanel/report/CommandReference.h"
 
@@ -44,14 +45,8 @@ std::string UnknownVariableHint(const CommandArgument& argument, const std::stri
                              : ", so the driver took it as a number, 0");
 }
 
-// Some commands trim their arguments and others do not, so the driver itself shows what it asked.
-std::string AskedName(const std::string& argument, const HostDatabase::Trace& trace) {
-    return trace.unknown.count(argument) != 0 ? argument : Trimmed(argument);
-}
-
-std::string ArgumentHint(const CommandArgument& argument, const std::string& text,
+std::string ArgumentHint(const CommandArgument& argument, const std::string& name,
                          const HostDatabase& database, const HostDatabase::Trace& trace) {
-    const std::string name = AskedName(text, trace);
     HostValue value;
     if (trace.unknown.count(name) != 0)
         return UnknownVariableHint(argument, name);
@@ -86,15 +81,14 @@ bool ParseCommandText(const std::string& text, CommandText& parsed) {
     parsed.name = text.substr(0, open);
     parsed.arguments.clear();
     const CommandRow* const row = FindCommandRow(Trimmed(parsed.name).c_str());
-    const char separator = row != nullptr ? row->separator : ',';
-    std::string rest = text.substr(open + 1, close - open - 1);
-    for (std::size_t end = rest.find(separator); end != std::string::npos;
-         end = rest.find(separator)) {
-        parsed.arguments.push_back(rest.substr(0, end));
-        rest.erase(0, end + 1);
-    }
-    if (!rest.empty() || !parsed.arguments.empty())
-        parsed.arguments.push_back(rest);
+    if (row == nullptr)
+        return true;
+    const std::size_t end = row->IsOfRegistry() ? text.rfind(')') : close;
+    const std::string inner = text.substr(open + 1, end - open - 1);
+    for (const CString& argument : SplitArguments(*row, inner.c_str()))
+        parsed.arguments.emplace_back(static_cast<const char*>(argument));
+    if (inner.empty())  // to the driver mostly one that is empty
+        parsed.arguments.clear();
     return true;
 }
 

@@ -13,8 +13,8 @@ struct CommandInfo;
 
 // NAME(ARGUMENTS) as the driver takes it apart.
 struct CommandText {
-    std::string name;  // blanks around it included
-    std::vector<std::string> arguments;
+    std::string name;                    // blanks around it included
+    std::vector<std::string> arguments;  // none of a name that the driver does not know
 };
 // False when a parenthesis is missing, or the closing one comes first. The driver does nothing
 // then; it answers 0 to the former and to the latter mostly 5.

@@ -229,6 +229,7 @@ TEST(Hxdpanel, TellsScriptsAndUsersWhatACommandDid) {
         {{"exec", "GetMacInfo(0,name)"}, 1, "status 5", "usage: GetMacInfo(index,name,mac)"},
         {{"exec", "GetMacInfo(0,name,mac)"}, 0, "status 0", "no variable mac to receive"},
         {{"exec", "--set", "d=0", "STRSHA256(abc,d)"}, 0, "status 0", "d is of type int"},
+        {{"exec", "ExecNTP(a,b)"}, 1, "status 4", "no variable a,b to receive"},  // not two of them
         {{"exec", "REFLEHS()"}, 2, "status 0", "did you mean REFLESH?"},
         {{"exec", "getcpuuse(10)"}, 2, "status 0", "exactly this spelling"},
         {{"exec", "SAVESCREEN($OLMA_DIR_USR/s/a.png)"}, 0, "saved /storage/user_dir/s/a.png", ""},
