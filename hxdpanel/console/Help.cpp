@@ -102,9 +102,8 @@ void PrintDriverCommand(std::FILE* out, const CommandInfo& command) {
                  argument.meaning, 25);
     }
     std::fputs("\nStatus\n", out);
-    PrintRow(out, "0", "done", 2);
-    for (const CommandStatus& code : command.codes)
-        PrintRow(out, std::to_string(code.status), code.meaning, 2);
+    for (const CommandStatus& known : command.statuses)
+        PrintRow(out, std::to_string(known.status), known.meaning, 2);
     PrintExamples(out, command.example);
     if (command.row.IsOfRegistry())
         PrintWrapped(out, "\nThe driver knows this name in exactly this spelling only.");
@@ -145,10 +144,9 @@ Json CommandJson(const CommandInfo& command) {
              {"type", KindName(argument.kind)},
              {"optional", argument.optional},
              {"meaning", argument.meaning}});
-    Json statuses =
-        Json::array({JsonStatus(0, "done")});  // braces alone: an array to one compiler only
-    for (const CommandStatus& code : command.codes)
-        statuses.push_back(JsonStatus(code.status, code.meaning));
+    Json statuses = Json::array();
+    for (const CommandStatus& known : command.statuses)
+        statuses.push_back(JsonStatus(known.status, known.meaning));
     return {{"name", command.name},       {"usage", CommandSignature(command)},
             {"summary", command.summary}, {"exactSpelling", command.row.IsOfRegistry()},
             {"arguments", arguments},     {"statuses", statuses},

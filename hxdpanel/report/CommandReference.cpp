@@ -8,16 +8,25 @@ namespace {
 
 const char* const STATUS_IN_RESULT =
     "A refused value shows only in the result variable; the command's own status stays 0.";
-const char* const UNREADABLE = "a variable cannot be read or written";
+const char* const NO_END = "no \")\" at the end";  // of a command of the registry
 const char* const NO_BLANKS =
     "Write no blanks around the commas: they would become part of a name.";
+
+// A code that a command answers with. detail: of what its meaning names, where that helps, or what
+// this command means by it besides.
+struct CommandCode {
+    CommandCode(ResultCode itsCode, const std::string& itsDetail = "")
+        : code(itsCode), detail(itsDetail) {}
+    ResultCode code;
+    std::string detail;
+};
 
 // What the table of commands does not say of one.
 struct Description {
     Command command;
     const char* summary;
     std::vector<std::string> meanings;  // of the arguments, in their order
-    std::vector<CommandStatus> codes;
+    std::vector<CommandCode> codes;
     std::vector<const char*> example;
     std::vector<const char*> notes;
     bool savesFile;
@@ -36,23 +45,28 @@ const std::vector<Description> DESCRIPTIONS = {
     {COMMAND_OLMA_WRITE,
      "write a channel; what the console's write sends",
      {"number of the channel", "the value as text"},
-     {{1, "no \"=\", or the channel cannot be written"},
-      {4, "value out of the channel's range, or no valid address"},
-      {5, "brightness below " + Range(CHANNEL_BRIGHTNESS, " or above ")}},
+     {{RESULT_MALFORMED},
+      {RESULT_REFUSED},
+      {RESULT_BAD_ARGUMENTS, "brightness below " + Range(CHANNEL_BRIGHTNESS, " or above ")},
+      {RESULT_NO_INTERFACE},
+      {RESULT_INTERFACE_NOT_SET},
+      {RESULT_INTERFACE_MISSING},
+      {RESULT_BRIGHTNESS_FAILED},
+      {RESULT_NO_BRIGHTNESS, "this comes before the range"}},
      {"OLMA_WRITE(21=40)", "OLMA_WRITE(1=192.168.1.50)"},
      {"A number that is no channel is ignored with status 0.", "A text ends at its first \")\"."},
      LEAVES_NO_FILE},
     {COMMAND_BACKLIGHT_ON,
      "switch the display's light on",
      {},
-     {{9, "the light could not be switched"}},
+     {{RESULT_BACKLIGHT_FAILED}},
      {"BACKLIGHTON()"},
      {},
      LEAVES_NO_FILE},
     {COMMAND_BACKLIGHT_OFF,
      "switch the display's light off",
      {},
-     {{9, "the light could not be switched"}},
+     {{RESULT_BACKLIGHT_FAILED}},
      {"BACKLIGHTOFF()"},
      {},
      LEAVES_NO_FILE},
@@ -86,15 +100,14 @@ const std::vector<Description> DESCRIPTIONS = {
     {COMMAND_STR_SHA256,
      "SHA-256 of a text, as 64 lower-case hexadecimal digits",
      {"what to hash", "receives the digits"},
-     {{5, "no second argument, or an empty text"}},
+     {{RESULT_BAD_ARGUMENTS, "fewer than two, or an empty text"}},
      {"set secret abc", "set digest:text", "STRSHA256(secret,digest)"},
      {},
      LEAVES_NO_FILE},
     {COMMAND_MOD_VNC_PWD,
      "change the password of the remote view",
      {"the new password", "receives 0, or 4 when the password cannot be read"},
-     {{4, "the password cannot be read, or the result not written"},
-      {5, "neither one nor two arguments"}},
+     {{RESULT_REFUSED}, {RESULT_BAD_ARGUMENTS}},
      {"set password:text 1234", "set result 99", "ModVncPwd(password,result)"},
      {"Dropped silently when the panel has no vncConfig.ini."},
      LEAVES_NO_FILE},
@@ -102,8 +115,8 @@ const std::vector<Description> DESCRIPTIONS = {
      "name and hardware address of a network interface",
      {"0 for the first interface", "receives the interface's name",
       "receives the address, upper case"},
-     {{5, "fewer than three arguments, or no such interface"},
-      {17, "the hardware layer failed, or does not know the interface"}},
+     {{RESULT_BAD_ARGUMENTS, "fewer than three, or no such interface"},
+      {RESULT_HARDWARE_FAILED, "perhaps it does not know the interface"}},
      {"set name:text", "set mac:text", "GetMacInfo(0,name,mac)"},
      {NO_BLANKS},
      LEAVES_NO_FILE},
@@ -111,9 +124,7 @@ const std::vector<Description> DESCRIPTIONS = {
      "switch an interface between its two addressing modes",
      {"0 for the first interface", "0 or 1",
       "receives 0, 4 when refused, or what the platform answered"},
-     {{4, "index or mode out of range, or the result cannot be written"},
-      {5, "not exactly three arguments"},
-      {6, "no network interface can be read"}},
+     {{RESULT_REFUSED}, {RESULT_BAD_ARGUMENTS}, {RESULT_NO_INTERFACE}},
      {"set result 99", "SetNetworkMode(0,1,result)"},
      {"What the modes 0 and 1 are, the panel's hardware library decides; the driver passes them "
       "on, for mode 1 together with the number 5000 in mode1_param. Addresses stay as they are.",
@@ -123,21 +134,21 @@ const std::vector<Description> DESCRIPTIONS = {
     {COMMAND_ENABLE_NTP,
      "switch the time synchronisation on or off",
      {"1 on, 0 off", "receives 0, or 4 when refused"},
-     {{4, UNREADABLE}, {5, "neither one nor two arguments"}},
+     {{RESULT_REFUSED}, {RESULT_BAD_ARGUMENTS}},
      {"set result 99", "EnableNTP(1,result)"},
      {STATUS_IN_RESULT},
      LEAVES_NO_FILE},
     {COMMAND_SET_NTP_MODE,
      "choose when the time is synchronised",
      {"1 every period, 0 only by ExecNTP", "receives 0, or 4 when refused"},
-     {{4, UNREADABLE}, {5, "neither one nor two arguments"}},
+     {{RESULT_REFUSED}, {RESULT_BAD_ARGUMENTS}},
      {"set result 99", "SetNTPMode(1,result)"},
      {STATUS_IN_RESULT},
      LEAVES_NO_FILE},
     {COMMAND_SET_NTP_FREQ,
      "set the period of the time synchronisation",
      {Range(CHANNEL_NTP_PERIOD, " to "), "receives 0, or 4 when refused"},
-     {{4, UNREADABLE}, {5, "neither one nor two arguments"}},
+     {{RESULT_REFUSED}, {RESULT_BAD_ARGUMENTS}},
      {"set result 99", "SetNTPFreq(12,result)"},
      {STATUS_IN_RESULT},
      LEAVES_NO_FILE},
@@ -145,14 +156,14 @@ const std::vector<Description> DESCRIPTIONS = {
      "set the four time servers",
      {"address or host name, or empty", "the same", "the same", "the same",
       "receives 0, or 4 when a server cannot be read"},
-     {{4, UNREADABLE}, {5, "neither four nor five arguments"}},
+     {{RESULT_REFUSED}, {RESULT_BAD_ARGUMENTS}},
      {"set result 99", "SetNTPServer(192.168.1.1,ntp.example.org,,,result)"},
      {},
      LEAVES_NO_FILE},
     {COMMAND_EXEC_NTP,
      "synchronise the time now",
      {"receives 0, or 10 when it failed"},
-     {{4, "the result cannot be written"}},
+     {{RESULT_REFUSED}},
      {"set result 99", "ExecNTP(result)"},
      {"Waits until it is done. While the synchronisation is switched off it does nothing and "
       "answers 0.",
@@ -161,14 +172,14 @@ const std::vector<Description> DESCRIPTIONS = {
     {COMMAND_GET_CPU_USE,
      "sample the CPU use for channel 10",
      {"10; only logged"},
-     {},
+     {{RESULT_BAD_ARGUMENTS, NO_END}},
      {"GetCpuUse(10)", "REFLESH()", "channels"},
      {"Every refresh does the same."},
      LEAVES_NO_FILE},
     {COMMAND_GET_MEM_USE,
      "read the available memory for channel 11",
      {"11; only logged"},
-     {{1, "/proc/meminfo cannot be read"}},
+     {{RESULT_MALFORMED, "/proc/meminfo"}, {RESULT_BAD_ARGUMENTS, NO_END}},
      {"GetMemUse(11)", "REFLESH()", "channels"},
      {"Every refresh does the same."},
      LEAVES_NO_FILE},
@@ -176,17 +187,14 @@ const std::vector<Description> DESCRIPTIONS = {
      "the newest part of one of the panel's logs",
      {"0 restart log, 1 kernel log of a crash, 2 signal log", "how much of it at most",
       "receives the text", "receives 0, or 4"},
-     {{4, "mode or length not usable, or the text cannot be written"},
-      {5, "not exactly four arguments"}},
+     {{RESULT_REFUSED}, {RESULT_BAD_ARGUMENTS}},
      {"set text:text", "set status 99", "ReadAppLog(0,64,text,status)"},
      {"A log that is not there reads as an empty text.", NO_BLANKS},
      LEAVES_NO_FILE},
     {COMMAND_READ_SYS_LOG,
      "the newest part of the kernel's log",
      {"0", "how much of it at most", "receives the text", "receives 0, or 4"},
-     {{3, "dmesg failed"},
-      {4, "mode or length not usable, or the text cannot be written"},
-      {5, "not exactly four arguments"}},
+     {{RESULT_KERNEL_LOG_FAILED}, {RESULT_REFUSED}, {RESULT_BAD_ARGUMENTS}},
      {"set text:text", "set status 99", "ReadSysLog(0,64,text,status)"},
      {NO_BLANKS},
      LEAVES_NO_FILE},
@@ -198,12 +206,16 @@ CommandInfo Describe(const Description& description) {
                         row.name,
                         description.summary,
                         {},
-                        description.codes,
+                        {},
                         description.example,
                         description.notes,
                         description.savesFile};
     for (std::size_t i = 0; i < description.meanings.size(); ++i)
         info.arguments.emplace_back(row.arguments[i], description.meanings[i]);
+    info.statuses.push_back({-RESULT_DONE, StatusMeaning(-RESULT_DONE)});
+    for (const CommandCode& code : description.codes)
+        info.statuses.push_back({-code.code, StatusMeaning(-code.code) +
+                                                 (code.detail.empty() ? "" : ": " + code.detail)});
     return info;
 }
 
@@ -245,9 +257,9 @@ std::string CommandSignature(const CommandInfo& command) {
 
 std::string CommandStatusMeaning(const CommandInfo* command, int status) {
     if (command != nullptr) {
-        for (const CommandStatus& code : command->codes) {
-            if (code.status == status)
-                return code.meaning;
+        for (const CommandStatus& known : command->statuses) {
+            if (known.status == status)
+                return known.meaning;
         }
     }
     return StatusMeaning(status);

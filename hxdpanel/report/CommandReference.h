@@ -25,8 +25,8 @@ struct CommandInfo {
     const char* name;  // the row's
     const char* summary;
     std::vector<DescribedArgument> arguments;
-    std::vector<CommandStatus> codes;  // where StatusMeaning() is not precise enough; 0 is left out
-    std::vector<const char*> example;  // lines that work in the console
+    std::vector<CommandStatus> statuses;  // the driver's own for it, 0 first
+    std::vector<const char*> example;     // lines that work in the console
     std::vector<const char*> notes;
     bool savesFile;  // leaves a file, and no status tells whether
 };

@@ -1,5 +1,6 @@
 // The references in docs/ say what the tables of the driver and of the console say, and the
 // examples in them work.
+#include "common/ResultCodes.h"
 #include "driver/record/ChannelTable.h"
 #include "hxdpanel/base/ExitCode.h"
 #include "hxdpanel/report/CommandReference.h"
@@ -8,7 +9,9 @@
 
 #include <sys/wait.h>
 #include <unistd.h>
+#include <cctype>
 #include <fstream>
+#include <set>
 #include <sstream>
 
 namespace {
@@ -100,6 +103,34 @@ TEST(CommandReference, FollowsTheTable) {
     Lines documented;
     for (const Lines& row : Rows("commands.md", "| `"))
         documented.push_back(row[0]);
+    EXPECT_EQ(documented, expected) << "docs/commands.md";
+}
+
+TEST(CommandReference, HasTheStatusesOfTheCatalogue) {
+    const auto rows = Rows("commands.md", "| `");
+    ASSERT_EQ(rows.size(), CommandReference().size());
+    std::set<std::string> expected;
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        const CommandInfo& command = CommandReference()[i];
+        std::string numbers;
+        for (const CommandStatus& status : command.statuses) {
+            const std::string number = std::to_string(status.status);
+            const std::string meaning = StatusMeaning(status.status);
+            numbers += (numbers.empty() ? "" : ", ") + number;
+            expected.insert("| " + number + " | " + meaning + " |");
+            EXPECT_EQ(status.meaning.compare(0, meaning.size(), meaning), 0) << command.name;
+            const std::string writing = "| " + number + " | " + status.meaning + " |";
+            EXPECT_TRUE(i != COMMAND_OLMA_WRITE || Rows("channels.md", writing).size() == 1)
+                << "docs/channels.md lacks " << writing;
+        }
+        EXPECT_EQ(rows[i][2].substr(0, rows[i][2].find(", or")), numbers)
+            << "docs/commands.md: " << command.name;
+    }
+    std::set<std::string> documented;
+    for (const std::string& line : Document("commands.md")) {
+        if (line.compare(0, 2, "| ") == 0 && std::isdigit(static_cast<unsigned char>(line[2])) != 0)
+            documented.insert(line);
+    }
     EXPECT_EQ(documented, expected) << "docs/commands.md";
 }
 

@@ -102,7 +102,7 @@ class PageTest(unittest.TestCase):
         write(page, 21, '400')
         page.wait_for_text('#channels .answer', 'takes 0 to 100; Enter again')
         page.press('Enter')
-        page.wait_for_text('#channels .answer', r'status 5 \(brightness below 0')
+        page.wait_for_text('#channels .answer', r'status 5 \(.*: brightness below 0')
         page.click('#faults [value="hal_display_set_backlight_brightness"]')
         page.fill('#fault-result', '-5')
         page.click('#fail')
