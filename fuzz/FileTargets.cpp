@@ -2,6 +2,7 @@
 #include "commands/VncPassword.h"
 #include "common/AppSettings.h"
 #include "common/IniOperator.h"
+#include "common/Mutex.h"
 #include "common/QtText.h"
 #include "common/SettingsFile.h"
 #include "fuzz/FuzzDevice.h"
@@ -15,7 +16,6 @@
 #include <unistd.h>
 
 #include <fstream>
-#include <mutex>
 #include <thread>
 
 namespace {
@@ -94,7 +94,7 @@ class TimeServer {
 public:
     TimeServer() { std::thread(&TimeServer::Run, this).detach(); }
     void Answer(const std::string& answer) {
-        const std::lock_guard<std::mutex> locker(m_lock);
+        const hxd::MutexLock locker(m_lock);
         m_answer = answer;
     }
 
@@ -106,15 +106,15 @@ private:
             socklen_t length = sizeof client;
             ::recvfrom(m_socket, request, sizeof request, 0, reinterpret_cast<sockaddr*>(&client),
                        &length);
-            const std::lock_guard<std::mutex> locker(m_lock);
+            const hxd::MutexLock locker(m_lock);
             ::sendto(m_socket, m_answer.data(), m_answer.size(), 0,
                      reinterpret_cast<const sockaddr*>(&client), length);
         }
     }
 
     const int m_socket = ServerSocket();
-    std::mutex m_lock;  // guards the answer
-    std::string m_answer;
+    hxd::Mutex m_lock;
+    std::string m_answer HXD_GUARDED_BY(m_lock);
 };
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include "fuzz/Machine.h"
 
 #include "SimPanel.h"
+#include "common/Mutex.h"
 #include "fuzz/Fuzz.h"
 #include "hxdpanel/sandbox/GuardedCalls.h"
 #include "olma_host.h"
@@ -20,12 +21,10 @@
 
 #include <cctype>
 #include <chrono>
-#include <condition_variable>
 #include <cstdio>
 #include <cstring>
 #include <ctime>
 #include <fstream>
-#include <mutex>
 #include <thread>
 
 #define HXD_EXPORT __attribute__((visibility("default")))
@@ -47,7 +46,7 @@ timespec Shortened(long long nanoseconds) {
 }
 
 const std::thread::id g_driving = std::this_thread::get_id();
-std::mutex g_tickLock;
+hxd::Mutex g_tickLock;  // guards nothing: the tick is only waited for
 std::condition_variable g_tick;
 
 // What a shell would make of the word; one that it would not take as it stands ends the program.
@@ -161,8 +160,8 @@ HXD_EXPORT void Olma_Sleep(unsigned int) {
         g_tick.notify_all();
         return std::this_thread::yield();
     }
-    std::unique_lock<std::mutex> lock(g_tickLock);
-    g_tick.wait_for(lock, std::chrono::microseconds(200));
+    hxd::MutexLock locker(g_tickLock);
+    locker.WaitUntil(g_tick, std::chrono::steady_clock::now() + std::chrono::microseconds(200));
 }
 
 HXD_EXPORT int gettimeofday(timeval* now, void*) noexcept {
