@@ -3,9 +3,11 @@
 #include "common/File.h"
 #include "common/ResultCodes.h"
 #include "driver/record/ChannelTable.h"
+#include "hxdpanel/base/Text.h"
 #include "hxdpanel/host/Device.h"
-#include "hxdpanel/host/HostDatabase.h"
+#include "hxdpanel/host/ShownChannel.h"
 #include "ntp/ntpCfgParam.h"
+#include "olma_gui.h"
 
 #include <fcntl.h>
 
@@ -13,6 +15,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <memory>
+#include <numeric>
 #include <thread>
 
 namespace {
@@ -38,42 +41,35 @@ Finding Judge(int status, const char* done) {
                        "see the lines above");
 }
 
-ChannelLine MakeLine(const ChannelRow& row, const HostDatabase::Received& received) {
-    ChannelLine line = {std::to_string(row.number), row.name, row.unit, "", ""};
-    if (line.unit.find("..") != std::string::npos)  // a range in place of a unit
-        line.unit = "(" + line.unit + ")";
-    line.value = received.delivered ? ValueText(received.value) : "(not delivered)";
-    const char* const meaning = row.kind == ChannelRow::TEXT
-                                    ? row.SentinelMeaning(received.value.text.c_str())
-                                    : row.SentinelMeaning(received.value.number);
-    if (received.delivered && meaning != nullptr)
-        line.meaning = meaning;
-    return line;
+ChannelLine MakeLine(const ShownChannel& channel) {
+    const char* const meaning = channel.Meaning();
+    return {std::to_string(channel.number), channel.name, Trimmed(channel.UnitSuffix()),
+            channel.Value(), meaning != nullptr ? meaning : ""};
 }
 
 // The numbers of the channels for which it holds.
 template <class HOLDS>
-std::string Numbers(const std::vector<ChannelLine>& lines, HOLDS holds) {
+std::string Numbers(const ShownChannels& channels, HOLDS holds) {
     std::string numbers;
-    for (const ChannelLine& line : lines) {
-        if (holds(line))
-            numbers += (numbers.empty() ? "" : ", ") + line.number;
+    for (const ShownChannel& channel : channels) {
+        if (holds(channel))
+            numbers += (numbers.empty() ? "" : ", ") + std::to_string(channel.number);
     }
     return numbers;
 }
 
-Finding JudgeValues(const std::vector<ChannelLine>& lines) {
+Finding JudgeValues(const ShownChannels& channels) {
     const std::string missing =
-        Numbers(lines, [](const ChannelLine& line) { return line.value == "(not delivered)"; });
+        Numbers(channels, [](const ShownChannel& one) { return !one.received.delivered; });
     if (!missing.empty())
         return Wrong("not delivered: " + missing, "the order of IRtdb's operations in host.h");
     const std::string special =
-        Numbers(lines, [](const ChannelLine& line) { return !line.meaning.empty(); });
+        Numbers(channels, [](const ShownChannel& one) { return one.Meaning() != nullptr; });
     if (!special.empty())
         return Look("without a value: channels " + special,
                     "right if the panel has no such hardware; docs/channels.md and docs/storage.md "
                     "tell more");
-    return Ok(std::to_string(lines.size()) +
+    return Ok(std::to_string(channels.size()) +
               " delivered; compare them with the panel's own screens");
 }
 
@@ -88,6 +84,20 @@ Finding CheckTexts(Device& device, HostDatabase& host) {
         return Wrong("the digest of \"abc\" arrives as \"" + digest.text.substr(0, 80) + "\"",
                      OTHER_TEXTS);
     return Ok("std::string goes there and back");
+}
+
+// A text comes by itself, as a channel's value, and what it must be is known.
+Finding CheckDelivery(const HostDatabase& host) {
+    const char* const number = __gui_get_serial_number();
+    const bool none = number == nullptr || *number == '\0';
+    const HostDatabase::Received received = host.Channel(CHANNEL_SERIAL_NUMBER);
+    if (!received.delivered || received.value.text.empty())
+        return Look("channel 20 has no text",
+                    "/tmp/olma_app_conf.lck above; without it the driver reads little");
+    if (received.value.text != (none ? NO_SERIAL_NUMBER : number))
+        return Wrong("channel 20 arrives as \"" + received.value.text.substr(0, 80) + "\"",
+                     std::string("the platform says otherwise; ") + OTHER_TEXTS);
+    return Ok("channel 20 arrives as the platform says it");
 }
 
 // With the automatic mode on, the start of the driver sets the panel's clock.
@@ -153,6 +163,8 @@ private:
     void Collections() {
         const auto collect = [this] { return Judge(m_device->Collect(), "done"); };
         Step("first collection", 5000.0F, collect);
+        m_findings.Run(
+            "delivered text", [this] { return CheckDelivery(m_host); }, 10, OTHER_TEXTS);
         Step("cached collection", 100.0F, collect);
         m_device->Command("REFLESH()");
         Step("full collection", 5000.0F, collect);
@@ -182,13 +194,13 @@ private:
     }
 
     void ShowChannels() {
-        std::vector<ChannelLine> lines;
-        for (int number = 1; number <= CHANNEL_COUNT; ++number)
-            lines.push_back(MakeLine(*FindChannel(number), m_host.Channel(number)));
+        std::vector<int> numbers(CHANNEL_COUNT);
+        std::iota(numbers.begin(), numbers.end(), 1);
+        const ShownChannels channels = ::ShowChannels(m_host, numbers);
         m_findings.Group("The channels");
-        for (const ChannelLine& line : lines)
-            m_findings.Channel(line);
-        m_findings.Run("values", [&] { return JudgeValues(lines); });
+        for (const ShownChannel& channel : channels)
+            m_findings.Channel(MakeLine(channel));
+        m_findings.Run("values", [&] { return JudgeValues(channels); });
     }
 
     FindingPipe& m_findings;

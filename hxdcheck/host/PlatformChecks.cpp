@@ -1,14 +1,13 @@
 #include "hxdcheck/host/HostChecks.h"
 
 #include "common/ResultCodes.h"
+#include "hxdpanel/base/Text.h"
 #include "mfc/CArray.h"
 #include "mfc/CString.h"
 #include "olma_gui.h"
 #include "olma_hal.h"
 #include "olma_host.h"
 #include "toolscom.h"
-
-#include <arpa/inet.h>
 
 #include <algorithm>
 #include <cctype>
@@ -62,12 +61,6 @@ private:
 
 std::string ResultText(int result) {
     return "gives " + std::to_string(result);
-}
-
-std::string AddressText(std::uint32_t address) {
-    char text[INET_ADDRSTRLEN] = "";
-    ::inet_ntop(AF_INET, &address, text, sizeof text);
-    return text;
 }
 
 std::string NetworkText(const hal_network_t& network) {

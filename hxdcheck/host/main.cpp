@@ -1,6 +1,7 @@
 // hxdcheck-host: a host in miniature, which hxdcheck starts with the driver's file as its argument.
 #include "hxdcheck/host/HostChecks.h"
 
+#include "HxdVersion.h"
 #include "hxdpanel/host/DriverLibrary.h"
 
 #include <QCoreApplication>
@@ -28,7 +29,9 @@ std::unique_ptr<DriverLibrary> LoadDriver(Findings& findings, const char* file) 
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc < 2) {
+    if (argc == 2 && std::strcmp(argv[1], "--version") == 0)
+        return std::puts(HXD_VERSION_TEXT) < 0 ? 3 : 0;
+    if (argc < 2 || argv[1][0] == '-') {
         std::fputs("hxdcheck-host is started by hxdcheck\n", stderr);
         return 3;
     }

@@ -1,10 +1,10 @@
 #include "hxdcheck/report/Report.h"
 
 #include "HxdVersion.h"
+#include "hxdpanel/base/Terminal.h"
 #include "hxdpanel/base/Text.h"
 
 #include <cstdio>
-#include <sstream>
 
 namespace {
 
@@ -12,20 +12,8 @@ constexpr std::size_t LINE_COLUMNS = 80;
 const char* const STATUS_TEXTS[] = {"ok", "look at this", "WRONG"};
 const char* const STATUS_NAMES[] = {"ok", "look", "wrong"};
 
-// Breaks between words; first begins the first line, the others are indented.
-void PrintWrapped(const std::string& first, std::size_t indent, const std::string& text) {
-    std::string line = first;
-    std::istringstream words(text);
-    bool bare = true;  // nothing but the indentation yet
-    for (std::string word; words >> word; bare = false) {
-        if (!bare && Columns(line) + 1 + Columns(word) > LINE_COLUMNS) {
-            std::printf("%s\n", line.c_str());
-            line.assign(indent, ' ');
-            bare = true;
-        }
-        line += (bare ? "" : " ") + word;
-    }
-    std::printf("%s\n", line.c_str());
+void PrintWrapped(const std::string& text, std::size_t indent) {
+    std::printf("%s\n", terminal::WrappedTo(LINE_COLUMNS, text, indent).c_str());
 }
 
 std::string Milliseconds(float milliseconds) {
@@ -82,10 +70,10 @@ void Report::End(const Finding& finding) {
     if (finding.milliseconds >= 0.0F)
         text += " (" + Milliseconds(finding.milliseconds) + "\u00a0ms)";
     const std::string status = "  " + PadRight(STATUS_TEXTS[finding.status], 14);
-    PrintWrapped(status + Visible(m_strName) + ": ", status.size() + 2, text);
+    PrintWrapped(status + Visible(m_strName) + ": " + text, status.size() + 2);
     if (!finding.remedy.empty())
-        PrintWrapped(std::string(status.size() + 2, ' ') + "-> ", status.size() + 5,
-                     Visible(finding.remedy));
+        PrintWrapped(std::string(status.size() + 2, ' ') + "-> " + Visible(finding.remedy),
+                     status.size() + 5);
     std::fflush(stdout);
 }
 
@@ -134,7 +122,7 @@ std::string Report::Json(const std::string& driver) const {
     std::vector<std::string> output;
     for (const std::string& line : m_output)
         output.push_back(JsonText(line));
-    return "{\n  \"hxdcheck\": " + JsonText(HXD_VERSION_TEXT) +
+    return "{\n  \"format\": 1,\n  \"hxdcheck\": " + JsonText(HXD_VERSION_TEXT) +
            ",\n  \"driver\": " + JsonText(driver) + ",\n  \"result\": \"" + STATUS_NAMES[Worst()] +
            "\",\n" + JsonList("checks", checks) + ",\n" + JsonList("channels", channels) + ",\n" +
            JsonList("output", output) + "\n}\n";
@@ -144,11 +132,10 @@ bool Report::Finish(const std::string& driver) {
     if (m_form == JSON)
         std::fputs(Json(driver).c_str(), stdout);
     if (m_form == TEXT)
-        PrintWrapped("\n" + std::to_string(m_counts[Finding::OK]) + " ok, ", 0,
-                     std::to_string(m_counts[Finding::LOOK]) + " to look at, " +
-                         std::to_string(m_counts[Finding::WRONG]) + " wrong." +
-                         (m_counts[Finding::WRONG] > 0
-                              ? " Begin with the first that is wrong; it may explain the others."
-                              : ""));
+        std::printf("\n%d ok, %d to look at, %d wrong.%s\n", m_counts[Finding::OK],
+                    m_counts[Finding::LOOK], m_counts[Finding::WRONG],
+                    m_counts[Finding::WRONG] > 0 ? " Begin with the first that is wrong;\n"
+                                                   "it may explain the others."
+                                                 : "");
     return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
 }

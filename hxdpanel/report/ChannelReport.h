@@ -2,7 +2,7 @@
 #ifndef HXDPANEL_CHANNELREPORT_H
 #define HXDPANEL_CHANNELREPORT_H
 
-#include "hxdpanel/host/HostDatabase.h"
+#include "hxdpanel/host/ShownChannel.h"
 #include "hxdpanel/report/Json.h"
 
 #include <cstdio>
@@ -12,22 +12,6 @@
 
 struct ChannelRow;
 
-// A channel with what is known about it; a number beyond the table is known by its number only.
-struct ShownChannel {
-    int number;
-    std::string name;
-    std::string unit;
-    bool isText;
-    HostDatabase::Received received;
-
-    std::string Value() const;
-    std::string UnitSuffix() const;  // " MiB", " (0..1)" or ""
-    const char* Meaning() const;     // of a special value; null for an ordinary one
-};
-using ShownChannels = std::vector<ShownChannel>;
-
-ShownChannel ShowChannel(const HostDatabase& database, int number);
-ShownChannels ShowChannels(const HostDatabase& database, const std::vector<int>& numbers);
 // What may be asked for: the table's channels, and others that were delivered.
 int HighestChannel(const HostDatabase& database);
 

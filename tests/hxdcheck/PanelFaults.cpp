@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 
 #define EXPORTED extern "C" __attribute__((visibility("default")))
 
@@ -60,7 +61,9 @@ EXPORTED int hal_uart_info(int port, hal_uart_info_t* info) {
 EXPORTED const char* __gui_get_serial_number() {
     while (IsFault("hang"))
         ::pause();
-    return Real<decltype(__gui_get_serial_number)>("__gui_get_serial_number")();
+    static std::string another;
+    return IsFault("serial") ? (another += '1').c_str()
+                             : Real<decltype(__gui_get_serial_number)>("__gui_get_serial_number")();
 }
 
 EXPORTED long long Olma_GetTickCount() {

@@ -56,7 +56,7 @@ healthy() {
     [[ -n $before && $before == "$after" ]] || fail "files have changed: $(diff <(echo "$before") <(echo "$after"))"
     [[ $code -le 1 && ${said//but slow/} != *WRONG* ]] || fail "a healthy panel is not ok"
     [[ $code == 0 || $said == *'but slow'* ]] || fail "something to look at on a healthy panel"
-    for text in "processor: " "std::string goes there and back" "32 delivered" ", 0 left after" \
+    for text in "processor: " "std::string goes there and back" "channel 20 arrives as the platform says" "32 delivered" ", 0 left after" \
         "30 COM2 use 50 %" "eth0 192.168.1.20 mask 255.255.255.0"; do
         [[ $said == *"$text"* ]] || fail "'$text' is missing"
     done
@@ -95,6 +95,7 @@ record|2|hal_get_network: the library writes at least 4 bytes beyond hal_network
 mac|2|hal_get_mac_address eth0: the library writes at least 7 bytes beyond the text of 20 bytes
 crash|2|hal_uart_info: crashed: Aborted
 hang|2|__gui_get_serial_number: did not come to an end in time
+serial|2|delivered text: channel 20 arrives as "11
 tick|2|Olma_GetTickCount: is up to 10
 END
     fail "there is no case '$case'"
@@ -138,10 +139,18 @@ file(READ $work/report.json json)
 string(JSON status GET "\${json}" checks 1 status)
 string(JSON value GET "\${json}" channels 19 value)
 string(JSON name GET "\${json}" checks 1 name)
-message("\${status} \${name} \${value}")
+string(JSON last LENGTH "\${json}")
+math(EXPR last "\${last} - 1")
+foreach(i RANGE \${last})
+    string(JSON member MEMBER "\${json}" \${i})
+    string(APPEND members " \${member}")
+endforeach()
+string(JSON format GET "\${json}" format)
+message("\${status} \${name} \${value}, format \${format}:\${members}")
 END
     said=$(cmake -P "$work/json.cmake" 2>&1)
-    expect "$code" "ok processor HX2024060017"
+    documented=$(sed -n '/^### As JSON/,/^## W/s/^| `\([a-z]*\)` .*/\1/p' "$here/../../docs/porting.md" | sort | xargs)
+    expect "$code" "ok processor HX2024060017, format 1: $documented"
 }
 
 case $case in
