@@ -1,6 +1,7 @@
 #!/bin/bash
 # fresh_root_test.sh: installs the package that ./dev package pc has made in a Debian 12 made anew, uses it
-# there and removes it. Takes minutes and the network, so it is no part of the tests. The Debian lies in
+# there and removes it. Takes minutes and the network, so it is no part of the tests, but run by hand before
+# a version is given out, and after a change of what the package depends on. The Debian lies in
 # build/fresh-root and runs in namespaces of its own, in which hxdpanel makes its own again.
 set -euo pipefail
 cd "$(dirname -- "$(realpath -- "${BASH_SOURCE[0]}")")/../.."

@@ -23,6 +23,19 @@ says 0 ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad \
 says 0 80 write 21 80
 says 129 'rebooted' exec 'REBOOT()'
 says 0 HX2024060101 channels --panel "$share/doc/hxdpanel/examples/panels/emmc"
+says 0 '' script "$share/doc/hxdpanel/examples/scripts/night-mode.script"
+
+"$program" --fresh --page <<<page >"$HOME/address" &
+for ((i = 0; i < 100; ++i)); do
+    grep -q '^http://' "$HOME/address" && break
+    sleep 0.1
+done
+exec 3<>"/dev/tcp/127.0.0.1/$(sed -n 's|^http://127.0.0.1:\([0-9]*\)/$|\1|p' "$HOME/address")"
+printf 'GET / HTTP/1.1\r\nHost: localhost\r\nConnection: close\r\n\r\n' >&3
+answer=$(cat <&3)
+kill $!
+wait $!
+[[ $answer == *'<title>'* ]] || { printf 'package: the page is\n%s\n' "$answer" >&2; exit 1; }
 
 for page in man1/hxdpanel.1 man1/hxdcheck.1 man5/panel.ini.5; do
     zcat "$share/man/$page.gz" | grep -q '^\.SH NAME' || { echo "package: no page $page" >&2; exit 1; }
