@@ -149,7 +149,7 @@ string(JSON format GET "\${json}" format)
 message("\${status} \${name} \${value}, format \${format}:\${members}")
 END
     said=$(cmake -P "$work/json.cmake" 2>&1)
-    documented=$(sed -n '/^### As JSON/,/^## W/s/^| `\([a-z]*\)` .*/\1/p' "$here/../../docs/porting.md" | sort | xargs)
+    documented=$(sed -n '/^### As JSON/,/^## W/s/^| \W\([a-z]*\)\W .*/\1/p' "$here/../../docs/porting.md" | sort | xargs)
     expect "$code" "ok processor HX2024060017, format 1: $documented"
 }
 
