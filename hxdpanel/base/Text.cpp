@@ -169,6 +169,13 @@ std::vector<std::string> SplitAt(char separator, const std::string& text) {
     return pieces;
 }
 
+std::string Joined(const std::vector<std::string>& parts, const std::string& separator) {
+    std::string text;
+    for (const std::string& part : parts)
+        text += (&part == &parts.front() ? "" : separator) + part;
+    return text;
+}
+
 bool Unquote(std::string& text) {
     if (text.size() < 2 || text.front() != '"' || text.back() != '"')
         return false;
@@ -190,6 +197,16 @@ std::string Trimmed(const std::string& text) {
 
 bool EqualNames(const std::string& left, const std::string& right) {
     return ::strcasecmp(left.c_str(), right.c_str()) == 0;
+}
+
+std::vector<std::string> Beginning(const std::string& word,
+                                   const std::vector<std::string>& candidates) {
+    std::vector<std::string> matching;
+    for (const std::string& candidate : candidates) {
+        if (EqualNames(candidate.substr(0, word.size()), word))
+            matching.push_back(candidate);
+    }
+    return matching;
 }
 
 std::string Closest(const std::string& word, const std::vector<std::string>& candidates) {

@@ -33,6 +33,7 @@ std::string TakeWord(std::string& rest);
 // The words between blanks.
 std::vector<std::string> SplitWords(const std::string& line);
 std::vector<std::string> SplitAt(char separator, const std::string& text);
+std::string Joined(const std::vector<std::string>& parts, const std::string& separator = ", ");
 // Takes the quotes around a text away; false when there are none.
 bool Unquote(std::string& text);
 // True for a text that begins with a quote and does not end with another.
@@ -40,6 +41,10 @@ bool HasOpenQuote(const std::string& text);
 
 std::string Trimmed(const std::string& text);
 bool EqualNames(const std::string& left, const std::string& right);  // without regard to case
+
+// Those that begin with the word, without regard to case.
+std::vector<std::string> Beginning(const std::string& word,
+                                   const std::vector<std::string>& candidates);
 
 // The candidate that the word is probably a misspelling of, or "" when none is close.
 std::string Closest(const std::string& word, const std::vector<std::string>& candidates);

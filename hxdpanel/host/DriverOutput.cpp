@@ -255,9 +255,9 @@ void DriverOutput::Show(const Source& source, const std::string& line) {
     if (isDriver && m_tap)
         m_tap(line);
     // A thread that tries again and again would push what the user types off the screen.
-    if (m_bHold && marked == m_lastLine)
+    if (m_bHold && marked == m_strLastLine)
         return;
-    m_lastLine = marked;
+    m_strLastLine = marked;
     if (!m_bHold) {
         Print(marked);
         return;

@@ -79,7 +79,7 @@ private:
     std::chrono::steady_clock::time_point m_workBegun HXD_GUARDED_BY(m_lock);
     bool m_bWorkDrawn HXD_GUARDED_BY(m_lock) = false;
     std::vector<std::string> m_held HXD_GUARDED_BY(m_lock);
-    std::string m_lastLine HXD_GUARDED_BY(m_lock);
+    std::string m_strLastLine HXD_GUARDED_BY(m_lock);
     int m_nMuted HXD_GUARDED_BY(m_lock) = 0;  // Mute() calls without their Unmute()
     std::function<void(const std::string& line)> m_tap HXD_GUARDED_BY(m_lock);
     std::atomic<bool> m_bShowAll{false};
@@ -99,6 +99,7 @@ private:
     DriverOutput& m_output;
 };
 
+// While it lives a terminal shows that the driver is at work on what was asked of it.
 class WorkingDriver {
 public:
     WorkingDriver(DriverOutput& output, const std::string& what) : m_output(output) {

@@ -56,6 +56,10 @@ std::string ValueText(const HostValue& value) {
     }
 }
 
+std::string ExpectationText(const HostValue& value) {
+    return value.type == DATATYPE_TEXT ? '"' + Visible(value.text) + '"' : ValueText(value);
+}
+
 const char* TypeName(DATATYPE type) {
     for (const Type& row : TYPES) {
         if (row.type == type)

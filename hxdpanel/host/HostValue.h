@@ -19,6 +19,8 @@ struct HostValue {
 
 // Integers without superfluous digits, texts quoted where needed, control characters visible.
 std::string ValueText(const HostValue& value);
+// As an expectation of a script takes it: every text between quotes.
+std::string ExpectationText(const HostValue& value);
 const char* TypeName(DATATYPE type);  // "int", "double", "text"
 
 // The type follows the text: integer (32 bits), else double, else text.
