@@ -14,6 +14,7 @@
 #include "hxdpanel/base/ExitCode.h"
 #include "hxdpanel/base/Terminal.h"
 #include "hxdpanel/base/Text.h"
+#include "hxdpanel/console/Session.h"
 
 namespace {
 
@@ -153,7 +154,7 @@ void AddGeneralOptions(CLI::App& app, Options& options) {
 // Not shown in the help: see sandbox::Setup::Inside.
 void AddInsideOptions(CLI::App& app, sandbox::Setup::Inside& inside) {
     app.add_flag("--launched", inside.launched)->group("");
-    app.add_option("--csv-descriptor", inside.csvDescriptor)->group("");
+    app.add_option("--results-descriptor", inside.resultsDescriptor)->group("");
     app.add_option("--folder-descriptor", inside.folderDescriptor)->group("");
     app.add_option("--page-descriptor", inside.pageDescriptor)->group("");
     app.add_option("--stop-descriptor", inside.stopDescriptor)->group("");
@@ -170,7 +171,9 @@ CLI::App* AddSubcommand(CLI::App& app, Options& options, Options::Mode mode, con
     return subcommand;
 }
 
-const char* const ONE_CHANNEL = "Number, 1 to 32, or name like brightness or com1";
+std::string OneChannel() {
+    return "Number, 1 to " + std::to_string(CHANNEL_COUNT) + ", or name like brightness or com1";
+}
 
 void AddChannels(CLI::App& subcommand, Options& options) {
     subcommand.add_option("CHANNEL", options.chosen,
@@ -183,7 +186,7 @@ void AddSubcommands(CLI::App& app, Options& options) {
     AddChannels(*channels, options);
     CLI::App* const read = AddSubcommand(app, options, Options::READ, "read",
                                          "Print the value of a channel and nothing else");
-    read->add_option("CHANNEL", options.channel, ONE_CHANNEL)->required();
+    read->add_option("CHANNEL", options.channel, OneChannel())->required();
 
     CLI::App* const exec = AddSubcommand(app, options, Options::EXEC, "exec",
                                          "Run commands of the driver, or of the console, in order");
@@ -208,7 +211,7 @@ void AddSubcommands(CLI::App& app, Options& options) {
 
     CLI::App* const write =
         AddSubcommand(app, options, Options::WRITE, "write", "Write a value to a channel");
-    write->add_option("CHANNEL", options.channel, ONE_CHANNEL)->required();
+    write->add_option("CHANNEL", options.channel, OneChannel())->required();
     write->add_option("VALUE", options.value, "What to write")->required();
 
     CLI::App* const watch = AddSubcommand(app, options, Options::WATCH, "watch",
@@ -222,7 +225,7 @@ void AddSubcommands(CLI::App& app, Options& options) {
         ->check(CLI::Range(1, 1000000000))
         ->type_name("N");
     CLI::Option* const csv = watch->add_option(
-        "--csv", options.csv, "Write a line for each reading; - for standard output");
+        "--csv", options.resultsFile, "Write a line for each reading; - for standard output");
     csv->check(NotEmpty)->type_name("FILE")->excludes(app.get_option("--json"));
     watch->add_flag("--changes", options.changes,
                     "Only what differs from the reading before: a line for each channel, or the "
@@ -243,7 +246,7 @@ void AddSubcommands(CLI::App& app, Options& options) {
     script->add_flag("--tap", options.tap,
                      "A line for each expectation, for programs that read TAP");
     script
-        ->add_option("--junit", options.csv,
+        ->add_option("--junit", options.resultsFile,
                      "Write a report for a build server; - for standard output")
         ->check(NotEmpty)
         ->type_name("FILE");
@@ -267,13 +270,20 @@ void PrintUsage(const CLI::App& app) {
 }
 
 // Words that no option or subcommand takes.
-void ExplainExtras(const std::vector<std::string>& words) {
+void ExplainExtras(const CLI::App& app) {
+    const std::vector<std::string> words = app.remaining(true);
     const std::string word = words.empty() ? "" : words.front();
-    const std::string closest = Closest(
-        word, {"channels", "read", "exec", "write", "watch", "panel", "ntp", "script", "help"});
+    const std::string line = Joined(words, " ");
+    std::vector<std::string> subcommands;
+    for (const CLI::App* subcommand : app.get_subcommands(nullptr))
+        subcommands.push_back(subcommand->get_name());
+    const std::string closest = Closest(word, subcommands);
     std::string advice = "see hxdpanel --help";
+    std::string error;
     if (word.find('(') != std::string::npos)
         advice = "to run a command of the driver: hxdpanel exec '" + Visible(word) + "'";
+    else if (Session::Understands(line, error) && Session::PlaceOf(line) == Session::Place::PAGE)
+        advice = "to run a line of the console: hxdpanel exec '" + Visible(line) + "'";
     else if (!closest.empty())
         advice = "did you mean " + closest + "?";
     std::fprintf(stderr, "hxdpanel: %s means nothing here; %s\n", Quoted(word).c_str(),
@@ -295,7 +305,7 @@ bool ParseOptions(int argc, const char* const* argv, Options& options, int& exit
     try {
         app.parse(argc, argv);
     } catch (const CLI::ExtrasError&) {
-        ExplainExtras(app.remaining(true));
+        ExplainExtras(app);
         exitCode = EXIT_USAGE;
         return false;
     } catch (const CLI::CallForHelp&) {

@@ -2,6 +2,7 @@
 #ifndef HXDPANEL_OPTIONS_H
 #define HXDPANEL_OPTIONS_H
 
+#include "driver/record/ChannelTable.h"
 #include "hxdpanel/host/HostValue.h"
 #include "hxdpanel/sandbox/Setup.h"
 
@@ -12,7 +13,7 @@ struct Options : sandbox::Setup {
     enum Mode { CONSOLE, CHANNELS, READ, EXEC, WRITE, WATCH, PANEL, NTP, SCRIPT, HELP };
 
     Mode mode = CONSOLE;
-    int channels = 32;
+    int channels = CHANNEL_COUNT;
     std::vector<unsigned char> blob;
     int logLevel = 0;
     bool lockPlugin = true;

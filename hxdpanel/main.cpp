@@ -1,6 +1,7 @@
 // hxdpanel: a host in miniature around the driver, on a simulated panel.
 #include "common/ResultCodes.h"
 #include "hxdpanel/Options.h"
+#include "hxdpanel/ResultsFile.h"
 #include "hxdpanel/base/ExitCode.h"
 #include "hxdpanel/base/Interrupt.h"
 #include "hxdpanel/base/Terminal.h"
@@ -29,9 +30,7 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <clocale>
-#include <cstring>
 #include <memory>
 
 namespace {
@@ -45,10 +44,6 @@ const char* const GUARDED_NOTICE =
     "/tmp/ping.lock and /tmp/ping.sh. To have the sandbox, install bubblewrap and allow user\n"
     "namespaces: sysctl -w kernel.unprivileged_userns_clone=1 user.max_user_namespaces=10000, and\n"
     "kernel.apparmor_restrict_unprivileged_userns=0 where it exists; docs/platform.md has more.\n";
-
-struct FileCloser {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
 
 void Collect(Session& session) {
     const Session::Turn turn(session);
@@ -73,66 +68,31 @@ int RunCommands(Session& session, const std::vector<std::string>& commands) {
     return worst;
 }
 
-// What --csv names: opened by the instance outside the sandbox, or here in guarded mode. What was
-// in it goes only now, when there is something to take its place.
-std::FILE* OpenCsv(const Options& options, std::FILE* results) {
-    if (options.csv == "-")
-        return results;
-    if (options.inside.csvDescriptor < 0)
-        return std::fopen(options.csv.c_str(), "w");
-    if (::ftruncate(options.inside.csvDescriptor, 0) != 0) {
-        // A device or a pipe, in which nothing was.
-    }
-    return ::fdopen(options.inside.csvDescriptor, "w");
-}
-
-// False, with a message, when a part of what was printed did not get out.
-bool Written(std::FILE* file, const char* name) {
-    if (std::fflush(file) == 0 && std::ferror(file) == 0)
-        return true;
-    std::fprintf(stderr, "hxdpanel: cannot write all of %s\n", name);
-    return false;
-}
-
 int RunWatch(Session& session, const Options& options, std::FILE* results) {
     WatchOptions watch;
     watch.interval = options.interval;
     watch.count = options.count;
     watch.changes = options.changes;
-    if (options.csv.empty())
-        return session.WatchChannels(watch, options.chosen, nullptr);
-    std::FILE* const csv = OpenCsv(options, results);
-    if (csv == nullptr) {
-        std::fprintf(stderr, "hxdpanel: cannot write %s: %s\n", options.csv.c_str(),
-                     std::strerror(errno));
+    ResultsFile csv;
+    if (!csv.Open(options, results))
         return EXIT_USAGE;
-    }
-    const std::unique_ptr<std::FILE, FileCloser> owner(csv != results ? csv : nullptr);
-    const int exitCode = session.WatchChannels(watch, options.chosen, csv);
-    return csv == results || Written(csv, options.csv.c_str()) ? exitCode : EXIT_USAGE;
+    return csv.Finish(session.WatchChannels(watch, options.chosen, csv.Stream()));
 }
 
 int RunScriptFiles(Session& session, const Options& options, DriverOutput& output) {
-    std::FILE* const results = output.Results();
-    std::FILE* junit = nullptr;
     std::vector<ScriptFile> files;
     for (std::size_t i = 0; i < options.scripts.size(); ++i)
         files.push_back({options.scripts[i] == "-" ? "stdin" : options.scripts[i],
                          sandbox::ScriptInside(options, i)});
-    if (!options.csv.empty() && (junit = OpenCsv(options, results)) == nullptr) {
-        std::fprintf(stderr, "hxdpanel: cannot write %s: %s\n", options.csv.c_str(),
-                     std::strerror(errno));
+    ResultsFile junit;
+    if (!junit.Open(options, output.Results()))
         return EXIT_USAGE;
-    }
-    const std::unique_ptr<std::FILE, FileCloser> owner(junit != results ? junit : nullptr);
     std::unique_ptr<MutedDriver> muted;
     if (!options.echo)
         muted = std::make_unique<MutedDriver>(output);
-    const int exitCode = RunScripts(session, files, {options.keepGoing},
-                                    options.tap ? ScriptReport::TAP : ScriptReport::SUMMARY,
-                                    options.echo, results, junit);
-    const bool isApart = junit != nullptr && junit != results;
-    return !isApart || Written(junit, options.csv.c_str()) ? exitCode : EXIT_USAGE;
+    return junit.Finish(RunScripts(session, files, {options.keepGoing},
+                                   options.tap ? ScriptReport::TAP : ScriptReport::SUMMARY,
+                                   options.echo, output.Results(), junit.Stream()));
 }
 
 // One result.
@@ -309,8 +269,7 @@ int RunPanel(const Options& options, int argc, char** argv) {
         const TimeServerSetting setting(options.timeServer, files, device, database, output);
         exitCode = RunMode(session, parts, options);
     }
-    if (!Written(output.Results(), "the results"))
-        exitCode = EXIT_USAGE;
+    exitCode = FinishStream(output.Results(), "the results", exitCode);
     output.Mute();  // what the driver says when it ends
     return exitCode;
 }

@@ -66,35 +66,35 @@ private:
 
     Session& m_session;
     DriverOutput& m_output;
-    EditLine* m_edit;
-    History* m_history;
-    std::string m_historyFile;  // empty: none is kept
+    EditLine* m_pEdit;
+    History* m_pHistory;
+    std::string m_strHistoryFile;  // empty: none is kept
     bool m_bCancelled = false;
 };
 
 Editor::Editor(Session& session, DriverOutput& output, const std::string& historyFolder)
     : m_session(session),
       m_output(output),
-      m_edit(::el_init("hxdpanel", stdin, output.Results(), stderr)),
-      m_history(::history_init()),
-      m_historyFile(historyFolder.empty() ? "" : historyFolder + "/history") {
+      m_pEdit(::el_init("hxdpanel", stdin, output.Results(), stderr)),
+      m_pHistory(::history_init()),
+      m_strHistoryFile(historyFolder.empty() ? "" : historyFolder + "/history") {
     HistEvent event;
-    ::history(m_history, &event, H_SETSIZE, HISTORY_SIZE);
-    ::history(m_history, &event, H_SETUNIQUE, 1);
+    ::history(m_pHistory, &event, H_SETSIZE, HISTORY_SIZE);
+    ::history(m_pHistory, &event, H_SETUNIQUE, 1);
     LoadHistory();
-    ::el_set(m_edit, EL_CLIENTDATA, this);
-    ::el_set(m_edit, EL_PROMPT, Prompt);
-    ::el_set(m_edit, EL_EDITOR, "emacs");
-    ::el_set(m_edit, EL_HIST, ::history, m_history);
-    ::el_set(m_edit, EL_GETCFN, ReadCharacter);
-    ::el_set(m_edit, EL_ADDFN, "complete", "Complete a name", Complete);
-    ::el_set(m_edit, EL_BIND, "^I", "complete", nullptr);
-    ::el_set(m_edit, EL_BIND, "^R", "em-inc-search-prev", nullptr);
+    ::el_set(m_pEdit, EL_CLIENTDATA, this);
+    ::el_set(m_pEdit, EL_PROMPT, Prompt);
+    ::el_set(m_pEdit, EL_EDITOR, "emacs");
+    ::el_set(m_pEdit, EL_HIST, ::history, m_pHistory);
+    ::el_set(m_pEdit, EL_GETCFN, ReadCharacter);
+    ::el_set(m_pEdit, EL_ADDFN, "complete", "Complete a name", Complete);
+    ::el_set(m_pEdit, EL_BIND, "^I", "complete", nullptr);
+    ::el_set(m_pEdit, EL_BIND, "^R", "em-inc-search-prev", nullptr);
 }
 
 Editor::~Editor() {
-    ::history_end(m_history);
-    ::el_end(m_edit);
+    ::history_end(m_pHistory);
+    ::el_end(m_pEdit);
 }
 
 Editor& Editor::Of(EditLine* edit) {
@@ -111,7 +111,7 @@ Editor::Result Editor::Read(std::string& line) {
     m_bCancelled = false;
     m_output.Hold();
     int length = 0;
-    const char* const text = ::el_gets(m_edit, &length);
+    const char* const text = ::el_gets(m_pEdit, &length);
     m_output.Release();
     if (text == nullptr || length <= 0) {
         std::fputs("\n", m_output.Results());
@@ -125,9 +125,9 @@ Editor::Result Editor::Read(std::string& line) {
 // Rewritten with what fits the history; what other runs append waits meanwhile.
 void Editor::LoadHistory() {
     HistEvent event;
-    const HistoryLock lock(m_historyFile);
-    if (lock.HasFile() && ::history(m_history, &event, H_LOAD, m_historyFile.c_str()) >= 0)
-        ::history(m_history, &event, H_SAVE, m_historyFile.c_str());
+    const HistoryLock lock(m_strHistoryFile);
+    if (lock.HasFile() && ::history(m_pHistory, &event, H_LOAD, m_strHistoryFile.c_str()) >= 0)
+        ::history(m_pHistory, &event, H_SAVE, m_strHistoryFile.c_str());
 }
 
 // Appended, so that runs beside each other keep each other's lines: a history of this line alone is
@@ -136,9 +136,9 @@ void Editor::Remember(const std::string& line) {
     HistEvent event;
     if (Trimmed(line).empty())
         return;
-    ::history(m_history, &event, H_ENTER, line.c_str());
-    const HistoryLock lock(m_historyFile);
-    std::FILE* const stream = lock.HasFile() ? std::fopen(m_historyFile.c_str(), "ae") : nullptr;
+    ::history(m_pHistory, &event, H_ENTER, line.c_str());
+    const HistoryLock lock(m_strHistoryFile);
+    std::FILE* const stream = lock.HasFile() ? std::fopen(m_strHistoryFile.c_str(), "ae") : nullptr;
     if (stream == nullptr)
         return;
     History* const alone = ::history_init();
@@ -161,7 +161,7 @@ void Editor::EraseLine() {
         std::fflush(m_output.Results());
         return;
     }
-    const LineInfo* const info = ::el_line(m_edit);
+    const LineInfo* const info = ::el_line(m_pEdit);
     const std::size_t width =
         static_cast<std::size_t>(terminal::SizeOf(m_output.Results()).columns);
     const std::string before = PROMPT + std::string(info->buffer, info->cursor);
@@ -184,13 +184,13 @@ bool Editor::WaitForInput() {
             return false;
         if (ready > 0 && events[3].revents != 0) {
             terminal::ClearSizeEvent();
-            ::el_resize(m_edit);
+            ::el_resize(m_pEdit);
         }
         if (ready > 0 && events[2].revents != 0) {
             EraseLine();
             m_output.Release();
             m_output.Hold();
-            ::el_set(m_edit, EL_REFRESH);
+            ::el_set(m_pEdit, EL_REFRESH);
         }
         if (ready > 0 && events[0].revents != 0)
             return true;
@@ -247,9 +247,7 @@ unsigned char Editor::Complete(EditLine* edit, int) {
 }
 
 void Editor::ListCandidates(const std::vector<std::string>& candidates) {
-    std::string text;
-    for (const std::string& candidate : candidates)
-        text += (text.empty() ? "" : "  ") + Visible(candidate);
+    const std::string text = Visible(Joined(candidates, "  "));
     std::fprintf(m_output.Results(), "\n%s\n",
                  terminal::Wrapped(m_output.Results(), text, 0).c_str());
 }
@@ -286,11 +284,11 @@ int RunPiped(Session& session, const std::string& line) {
 class PipedLines {
 public:
     bool Next(std::string& line) {
-        std::size_t end = m_read.find('\n');
+        std::size_t end = m_strRead.find('\n');
         while (end == std::string::npos && ReadMore())
-            end = m_read.find('\n');
-        line = m_read.substr(0, end);
-        m_read.erase(0, end == std::string::npos ? end : end + 1);
+            end = m_strRead.find('\n');
+        line = m_strRead.substr(0, end);
+        m_strRead.erase(0, end == std::string::npos ? end : end + 1);
         return !interrupt::Pending() && (end != std::string::npos || !line.empty());
     }
 
@@ -305,11 +303,11 @@ private:
         const ssize_t length =
             hxd::RetryInterrupted([&] { return ::read(STDIN_FILENO, text, sizeof text); });
         if (length > 0)
-            m_read.append(text, static_cast<std::size_t>(length));
+            m_strRead.append(text, static_cast<std::size_t>(length));
         return length > 0;
     }
 
-    std::string m_read;  // what follows the last line
+    std::string m_strRead;  // what follows the last line
 };
 
 int RunPipe(Session& session, DriverOutput& output) {

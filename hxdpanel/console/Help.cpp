@@ -215,7 +215,9 @@ Subject Find(const std::string& name, const std::vector<ConsoleTopic>& console) 
     std::string error;
     for (int number = 1; name.empty() && number <= CHANNEL_COUNT; ++number)
         subject.channels.push_back(FindChannel(number));
-    if (subject.IsEmpty() && ChooseChannel(name, CHANNEL_COUNT, chosen, error))
+    const bool isOnlyChannel = subject.IsEmpty();  // else it must be the channel's very name
+    if (ChooseChannel(name, CHANNEL_COUNT, chosen, error) &&
+        (isOnlyChannel || EqualNames(name, FindChannel(chosen)->name)))
         subject.channels.push_back(FindChannel(chosen));
     return subject;
 }
@@ -300,7 +302,10 @@ int PrintHelp(std::FILE* out, const std::string& topic, const std::vector<Consol
         PrintConsoleCommand(out, command);
     for (const CommandInfo* command : subject.commands)
         PrintDriverCommand(out, *command);
-    for (const ChannelRow* row : subject.channels)
+    for (const ChannelRow* row : subject.channels) {
+        if (!subject.console.empty())
+            std::fputs("\n", out);
         PrintChannel(out, *row);
+    }
     return EXIT_DONE;
 }

@@ -20,11 +20,6 @@ bool IsVolatile(int channel) {
     return std::find(std::begin(VOLATILE), std::end(VOLATILE), channel) != std::end(VOLATILE);
 }
 
-// As an expectation takes it: texts between quotes.
-std::string WantedText(const HostValue& value) {
-    return value.type == DATATYPE_TEXT ? '"' + Visible(value.text) + '"' : ValueText(value);
-}
-
 }  // namespace
 
 bool Recorder::Start(int folder, const std::string& name, std::string& error) {
@@ -42,7 +37,7 @@ bool Recorder::Start(int folder, const std::string& name, std::string& error) {
         error = "cannot write " + Quoted(name) + ": " + std::strerror(errno);
         return false;
     }
-    m_name = name;
+    m_strName = name;
     m_events.clear();
     for (const std::string& verb : PanelVerbs())
         m_events[verb] = PanelEvents(verb).size();
@@ -52,10 +47,10 @@ bool Recorder::Start(int folder, const std::string& name, std::string& error) {
 }
 
 std::string Recorder::Stop(bool& done) {
-    done = m_file == nullptr || (std::fflush(m_file.get()) == 0 && std::ferror(m_file.get()) == 0);
+    done = m_file == nullptr || IsWritten(m_file.get());
     m_file.reset();
     std::string name;
-    name.swap(m_name);
+    name.swap(m_strName);
     return name;
 }
 
@@ -70,7 +65,8 @@ void Recorder::Add(const std::string& line, const LineResult& result,
     for (const std::string& name : result.variables) {
         HostValue value;
         if (database.FindVariable(name, value))
-            std::fprintf(m_file.get(), "expect %s = %s\n", name.c_str(), WantedText(value).c_str());
+            std::fprintf(m_file.get(), "expect %s = %s\n", name.c_str(),
+                         ExpectationText(value).c_str());
     }
     AddChannels(result, database);
     AddEvents();
@@ -82,7 +78,7 @@ void Recorder::AddChannels(const LineResult& result, const HostDatabase& databas
         const HostDatabase::Received received = database.Channel(number);
         if (received.delivered)
             std::fprintf(m_file.get(), "%sexpect %d = %s\n", IsVolatile(number) ? "# " : "", number,
-                         WantedText(received.value).c_str());
+                         ExpectationText(received.value).c_str());
     }
 }
 

@@ -2,11 +2,11 @@
 #ifndef HXDPANEL_RECORDER_H
 #define HXDPANEL_RECORDER_H
 
+#include "hxdpanel/base/Stream.h"
 #include "hxdpanel/console/LineResult.h"
 #include "hxdpanel/host/HostDatabase.h"
 
 #include <map>
-#include <memory>
 #include <string>
 
 class Recorder {
@@ -21,14 +21,11 @@ public:
     void Add(const std::string& line, const LineResult& result, const HostDatabase& database);
 
 private:
-    struct FileCloser {
-        void operator()(std::FILE* file) const { std::fclose(file); }
-    };
     void AddChannels(const LineResult& result, const HostDatabase& database);
     void AddEvents();
 
-    std::unique_ptr<std::FILE, FileCloser> m_file;
-    std::string m_name;
+    OwnedStream m_file;
+    std::string m_strName;
     std::map<std::string, std::size_t> m_events;  // how many of each kind are known
 };
 

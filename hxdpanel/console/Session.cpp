@@ -16,6 +16,7 @@
 #include "hxdpanel/report/Outcome.h"
 #include "hxdpanel/report/PanelReport.h"
 #include "hxdpanel/report/TimeReport.h"
+#include "hxdpanel/sandbox/GuardedCalls.h"
 
 #include <memory>
 
@@ -59,13 +60,10 @@ bool IsKnown(const std::string& name, const CommandInfo* info) {
 
 // Which channels a change of the hardware concerns; all of them go without saying.
 std::string ConcernText(const std::vector<int>& channels) {
-    std::string text;
-    if (channels.empty() || channels.size() == CHANNEL_COUNT)
-        return text;
+    std::vector<std::string> names;
     for (const int number : channels)
-        text += (text.empty() ? "concerns " : ", ") + std::to_string(number) + " " +
-                FindChannel(number)->name;
-    return text;
+        names.push_back(std::to_string(number) + " " + FindChannel(number)->name);
+    return names.empty() || names.size() == CHANNEL_COUNT ? "" : "concerns " + Joined(names);
 }
 
 // What an ExecNTP has left in its result variable.
@@ -91,12 +89,12 @@ Session::Session(const SessionParts& parts)
       m_memory(parts.memory),
       m_hardware(parts.hardware),
       m_shared(parts.shared),
-      m_out(parts.output.Results()),
-      m_plugin(parts.plugin),
+      m_pOut(parts.output.Results()),
+      m_pPlugin(parts.plugin),
       m_files(parts.files) {}
 
 void Session::PrintTo(std::FILE* out, std::string* complaint) {
-    m_out = out;
+    m_pOut = out;
     m_pComplaint = complaint;
 }
 
@@ -114,13 +112,13 @@ int Session::Complain(const std::string& message) {
 void Session::PrintWrapped(const std::vector<std::string>& lines) const {
     for (const std::string& line : lines) {
         if (!line.empty())
-            std::fprintf(m_out, "%s\n", terminal::Wrapped(m_out, line, 2).c_str());
+            std::fprintf(m_pOut, "%s\n", terminal::Wrapped(m_pOut, line, 2).c_str());
     }
 }
 
 void Session::UseJson(JsonLayout layout) {
-    m_json = true;
-    m_layout = layout;
+    m_bJson = true;
+    m_eLayout = layout;
 }
 
 // why: what is told of the panel's restart, if it is one.
@@ -134,12 +132,12 @@ int Session::RunHardware(const std::string& line, const std::string& why) {
     if (m_shared.watcher != nullptr && (line == "restart" || line == "reset"))
         m_shared.watcher->Restarted(why);
     TellActed(line, HOST_OK, result.message);
-    if (m_json)
-        PrintJson(m_out, m_layout, "hardware",
+    if (m_bJson)
+        PrintJson(m_pOut, m_eLayout, "hardware",
                   {{"message", result.message}, {"channels", result.channels}});
     else
         PrintWrapped({Visible(result.message), ConcernText(result.channels)});
-    std::fflush(m_out);
+    std::fflush(m_pOut);
     return EXIT_DONE;
 }
 
@@ -169,16 +167,16 @@ int Session::RunDriverCommand(const std::string& text) {
     const int exitCode = Report(outcome);
     TellActed(text, outcome.status, outcome.meaning);
     m_result.isKnown = IsKnown(parsed.name, info);
-    if (m_shared.restartsAfterReboot && m_hardware.TakeReboot())
+    if (m_shared.restartsAfterReboot && guard::TakeReboot())
         return RunHardware("restart", "reboot");
     return m_result.isKnown ? exitCode : EXIT_USAGE;
 }
 
 int Session::Report(const Outcome& outcome) {
-    if (m_json)
-        PrintJson(m_out, m_layout, outcome.Kind(), OutcomeJson(m_database, outcome));
+    if (m_bJson)
+        PrintJson(m_pOut, m_eLayout, outcome.Kind(), OutcomeJson(m_database, outcome));
     else
-        PrintOutcome(m_out, m_database, outcome);
+        PrintOutcome(m_pOut, m_database, outcome);
     m_result.hasStatus = true;
     m_result.status = outcome.status;
     m_result.statusText = StatusText(outcome.status, outcome.meaning);
@@ -191,9 +189,9 @@ int Session::Report(const Outcome& outcome) {
 void Session::NoteSaved(Outcome& outcome) {
     for (const std::string& file : m_shared.savedFiles.TakeChanges()) {
         m_shared.saved.push_back(file);
-        outcome.files.push_back((m_files.isPrivate ? m_files.outside : "") + file);
+        outcome.files.push_back((m_files.IsPrivate() ? m_files.outside : "") + file);
     }
-    outcome.filesVanish = m_files.isPrivate && m_files.outside.empty();
+    outcome.filesVanish = m_files.IsPrivate() && m_files.outside.empty();
 }
 
 void Session::TellActed(const std::string& line, int status, const std::string& meaning) {
@@ -204,14 +202,14 @@ void Session::TellActed(const std::string& line, int status, const std::string& 
 void Session::RestartAfterReboots() {
     const Turn turn(*this);
     m_shared.restartsAfterReboot = true;
-    m_hardware.HoldReboots();
+    guard::HoldReboots();
 }
 
 void Session::BeScript(std::FILE* out) {
     RestartAfterReboots();
     static std::FILE* const nowhere = std::fopen("/dev/null", "w");
     if (out != nullptr || nowhere != nullptr)
-        m_out = out != nullptr ? out : nowhere;
+        m_pOut = out != nullptr ? out : nowhere;
 }
 
 int Session::Collect() {
@@ -238,13 +236,13 @@ int Session::ShowChannels(const std::vector<std::string>& channels) {
         return Complain(error);
     const ShownChannels shown = ::ShowChannels(m_database, numbers);
     m_result.channels = numbers;
-    if (m_json)
-        PrintJson(m_out, m_layout, "channels",
+    if (m_bJson)
+        PrintJson(m_pOut, m_eLayout, "channels",
                   {{"status", JsonStatus(status, StatusMeaning(status))},
                    {"channels", ChannelsJson(shown)}});
     else
-        PrintChannelTable(m_out, shown);
-    std::fflush(m_out);
+        PrintChannelTable(m_pOut, shown);
+    std::fflush(m_pOut);
     return ExitFor(status);
 }
 
@@ -257,14 +255,14 @@ int Session::Read(const std::string& channel) {
     const ShownChannel shown = ShowChannel(m_database, number);
     const HostValue& value = shown.received.value;
     m_result.channels = {number};
-    if (m_json)
-        PrintJson(m_out, m_layout, "read",
+    if (m_bJson)
+        PrintJson(m_pOut, m_eLayout, "read",
                   {{"status", JsonStatus(status, StatusMeaning(status))},
                    {"channel", ChannelJson(shown)}});
     else
-        std::fprintf(m_out, "%s\n",
+        std::fprintf(m_pOut, "%s\n",
                      (value.type == DATATYPE_TEXT ? Visible(value.text) : shown.Value()).c_str());
-    std::fflush(m_out);
+    std::fflush(m_pOut);
     return ExitFor(status);
 }
 
@@ -312,9 +310,9 @@ int Session::WatchChannels(WatchOptions options, const std::vector<std::string>&
         return Complain(error);
     if (csv != nullptr)
         options.form = WatchOptions::CSV;
-    else if (m_json)
+    else if (m_bJson)
         options.form = WatchOptions::JSON;
-    return ExitFor(Watch(csv != nullptr ? csv : m_out, m_database, options, [this] {
+    return ExitFor(Watch(csv != nullptr ? csv : m_pOut, m_database, options, [this] {
         const Turn turn(*this);
         return Refresh();
     }));
@@ -328,7 +326,7 @@ Json Session::Channels() const {
 }
 
 PanelSource Session::Source() const {
-    return {m_plugin, m_files.outside, m_memory.Differences(), m_hardware.Load()};
+    return {m_pPlugin, m_files.outside, m_memory.Differences(), m_hardware.Load()};
 }
 
 Json Session::Panel() const {
@@ -337,22 +335,22 @@ Json Session::Panel() const {
 
 int Session::ShowPanel() {
     m_output.Settle();
-    if (m_json)
-        PrintJson(m_out, m_layout, "panel", Panel());
+    if (m_bJson)
+        PrintJson(m_pOut, m_eLayout, "panel", Panel());
     else
-        PrintPanel(m_out, Source());
-    std::fflush(m_out);
+        PrintPanel(m_pOut, Source());
+    std::fflush(m_pOut);
     return EXIT_DONE;
 }
 
 int Session::SetVariable(const Definition& definition) {
     m_database.SetVariable(definition.name, definition.value);
     TellActed("set " + definition.name, HOST_OK, ValueText(definition.value));
-    if (m_json)
-        PrintJson(m_out, m_layout, "vars",
+    if (m_bJson)
+        PrintJson(m_pOut, m_eLayout, "vars",
                   {{"variables", {JsonVariable(definition.name, definition.value)}}});
     else
-        std::fprintf(m_out, "%s = %s (%s)\n", Visible(definition.name).c_str(),
+        std::fprintf(m_pOut, "%s = %s (%s)\n", Visible(definition.name).c_str(),
                      ValueText(definition.value).c_str(), TypeName(definition.value.type));
     return EXIT_DONE;
 }
@@ -360,11 +358,11 @@ int Session::SetVariable(const Definition& definition) {
 int Session::ShowTime() {
     Refresh();
     m_output.Settle();
-    if (m_json)
-        PrintJson(m_out, m_layout, "ntp", TimeJson(m_database, m_shared.lastSync));
+    if (m_bJson)
+        PrintJson(m_pOut, m_eLayout, "ntp", TimeJson(m_database, m_shared.lastSync));
     else
-        PrintTime(m_out, m_database, m_shared.lastSync);
-    std::fflush(m_out);
+        PrintTime(m_pOut, m_database, m_shared.lastSync);
+    std::fflush(m_pOut);
     return EXIT_DONE;
 }
 
@@ -373,14 +371,14 @@ int Session::RunVars(const std::string&) {
     Json list = Json::array();
     for (const auto& variable : variables)
         list.push_back(JsonVariable(variable.first, variable.second));
-    if (m_json) {
-        PrintJson(m_out, m_layout, "vars", {{"variables", list}});
+    if (m_bJson) {
+        PrintJson(m_pOut, m_eLayout, "vars", {{"variables", list}});
         return EXIT_DONE;
     }
     if (variables.empty())
-        std::fputs("no variables yet; make one with set NAME VALUE\n", m_out);
+        std::fputs("no variables yet; make one with set NAME VALUE\n", m_pOut);
     for (const auto& variable : variables)
-        std::fprintf(m_out, "%s = %s (%s)\n", Visible(variable.first).c_str(),
+        std::fprintf(m_pOut, "%s = %s (%s)\n", Visible(variable.first).c_str(),
                      ValueText(variable.second).c_str(), TypeName(variable.second.type));
     return EXIT_DONE;
 }

@@ -136,7 +136,7 @@ private:
 
     int Complain(const std::string& message);
     void PrintWrapped(const std::vector<std::string>& lines) const;  // but empty ones
-    const JsonLayout* AsJson() const { return m_json ? &m_layout : nullptr; }
+    const JsonLayout* AsJson() const { return m_bJson ? &m_eLayout : nullptr; }
     int Report(const Outcome& outcome) HXD_REQUIRES(m_shared.turn);
 
     HostDatabase& m_database;
@@ -145,16 +145,16 @@ private:
     HardwareMemory& m_memory;
     HardwareCommands& m_hardware;
     SharedRun& m_shared;
-    std::FILE* m_out;
-    const IVNCLock* m_plugin;
+    std::FILE* m_pOut;
+    const IVNCLock* m_pPlugin;
     PanelFiles m_files;
     LineResult m_result;
     Recorder m_recorder;
     std::string m_strName = "console";
     std::string* m_pComplaint = nullptr;  // null: mistakes go to standard error
     bool m_bBrief = false;
-    bool m_json = false;
-    JsonLayout m_layout = JsonLayout::DOCUMENT;
+    bool m_bJson = false;
+    JsonLayout m_eLayout = JsonLayout::DOCUMENT;
     bool m_bEnded = false;
 };
 

@@ -239,7 +239,7 @@ int Session::RunPanel(const std::string&) {
 }
 
 int Session::RunHelp(const std::string& rest) {
-    return PrintHelp(m_out, rest, AsJson());
+    return PrintHelp(m_pOut, rest, AsJson());
 }
 
 int Session::RunRecord(const std::string& rest) {
@@ -255,12 +255,12 @@ int Session::RunRecord(const std::string& rest) {
     if (!done)
         return Complain("not all of " + Quoted(stopped) + " could be written");
     if (!stopped.empty())
-        std::fprintf(m_out, "recorded %s\n", Visible(stopped).c_str());
+        std::fprintf(m_pOut, "recorded %s\n", Visible(stopped).c_str());
     if (rest == "off")
         return stopped.empty() ? Complain("nothing is being recorded") : EXIT_DONE;
     if (!m_recorder.Start(m_files.userFolder, name, error))
         return Complain(error);
-    std::fprintf(m_out, "recording %s until record off\n", Visible(name).c_str());
+    std::fprintf(m_pOut, "recording %s until record off\n", Visible(name).c_str());
     return EXIT_DONE;
 }
 
@@ -268,10 +268,10 @@ int Session::RunRecord(const std::string& rest) {
 int Session::RunPage(const std::string&) {
     if (m_shared.pageAddress.empty())
         return Complain("there is no page: start hxdpanel with --page to have one");
-    if (m_json)
-        PrintJson(m_out, m_layout, "page", {{"address", m_shared.pageAddress}});
+    if (m_bJson)
+        PrintJson(m_pOut, m_eLayout, "page", {{"address", m_shared.pageAddress}});
     else
-        std::fprintf(m_out, "%s\n", m_shared.pageAddress.c_str());
+        std::fprintf(m_pOut, "%s\n", m_shared.pageAddress.c_str());
     return EXIT_DONE;
 }
 
@@ -303,10 +303,5 @@ std::vector<std::string> Session::Completions(const std::string& line) const {
         for (const auto& variable : m_database.Variables())
             candidates.push_back(variable.first);
     }
-    std::vector<std::string> matching;
-    for (const std::string& candidate : candidates) {
-        if (EqualNames(candidate.substr(0, word.size()), word))
-            matching.push_back(candidate);
-    }
-    return matching;
+    return Beginning(word, candidates);
 }

@@ -42,11 +42,9 @@ HardwareResult SetPlugged(const Words& words, bool plugged) {
         }
     });
     if (!found) {
-        std::string names;
-        for (const std::string& name : cables::InterfaceNames())
-            names += " " + Visible(name);
+        const std::string names = Visible(Joined(cables::InterfaceNames(), " "));
         return HardwareResult::Refused("the panel has no interface " + Quoted(words[0]) +
-                                       "; it has:" + (names.empty() ? " none" : names));
+                                       "; it has: " + (names.empty() ? "none" : names));
     }
     SetReachable(any);
     return HardwareResult::Done(words[0] + (plugged ? " is there again" : " is gone") +

@@ -28,6 +28,8 @@ HardwareResult Clock(const std::vector<std::string>& words) {
     long long milliseconds = 0;
     double speed = 0.0;
     std::string moved;
+    if (words.empty())
+        return HardwareResult::Done("the clock " + ClockState(), {});
     if (words.size() > 1)
         return HardwareResult::Refused(USAGE);
     if (word == "hold") {
@@ -40,7 +42,7 @@ HardwareResult Clock(const std::vector<std::string>& words) {
     } else if (word[0] == 'x' && ParseNumber(word.substr(1), speed) && speed >= SLOWEST &&
                speed <= FASTEST) {
         panel.RunClock(speed);
-    } else if (!word.empty()) {
+    } else {
         return HardwareResult::Refused(USAGE);
     }
     return HardwareResult::Done(moved + "the clock " + ClockState(),

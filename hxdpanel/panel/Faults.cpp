@@ -1,40 +1,73 @@
 #include "hxdpanel/panel/Faults.h"
 
 #include "SimPanel.h"
+#include "driver/record/ChannelTable.h"
 #include "hxdpanel/base/Text.h"
 
 #include <algorithm>
 
 namespace {
 
-// Where a function's failure shows: channels, and commands or writes.
+// Where a function's failure shows: channels, what a write to these channels leads to, and what
+// else the panel is asked for.
 struct Concern {
     const char* function;
     std::vector<int> channels;
+    const char* writes;  // "": nothing
     const char* actions;
+
+    std::string Seen() const {
+        std::vector<std::string> places;
+        for (const int channel : channels)
+            places.push_back(std::to_string(channel));
+        const std::string written = *writes == '\0' ? "" : writes + Joined(places);
+        return written + (written.empty() || *actions == '\0' ? "" : ", ") + actions;
+    }
 };
 
+const char* const WRITES = "writes to ";
+const char* const WRITES_AT_GUI = "what the GUI hears of writes to ";
+
 const std::vector<Concern>& Concerns() {
+    static const std::vector<int> addresses = {CHANNEL_IP_ADDRESS_1, CHANNEL_NETMASK_1,
+                                               CHANNEL_IP_ADDRESS_2, CHANNEL_NETMASK_2};
     static const std::vector<Concern> table = {
-        {"Olma_Beep", {7}, "writes to 7"},
-        {"Olma_Check_Mount_Path", {28}, ""},
-        {"Olma_GetDirectory", {3, 4, 5, 6, 28}, "settings and SAVESCREEN"},
-        {"__gui_get_buzzing_time", {3, 4}, "what the GUI hears of writes to 3 and 4"},
-        {"__gui_get_lcdlight_status", {5}, "what the GUI hears of writes to 5"},
-        {"__gui_get_lcdlight_time", {6}, "what the GUI hears of writes to 6"},
-        {"__gui_get_serial_number", {20}, ""},
-        {"__gui_reset_lcdlight_timer", {5, 6}, "what the GUI hears of writes to 5 and 6"},
-        {"__gui_screen_capture", {}, "SAVESCREEN"},
-        {"hal_display_get_backlight_brightness", {21}, ""},
-        {"hal_display_set_backlight_brightness", {21}, "writes to 21"},
-        {"hal_get_mac_address", {22, 23}, "GetMacInfo"},
-        {"hal_get_network", {1, 2, 8, 9}, "GetMacInfo, SetNetworkMode"},
-        {"hal_get_network_byname", {1, 2, 8, 9}, "writes to 1, 2, 8, 9"},
-        {"hal_get_network_count", {1, 2, 8, 9, 22, 23}, "GetMacInfo, SetNetworkMode"},
-        {"hal_set_ip_addr", {1, 2, 8, 9}, "writes to 1, 2, 8, 9, SetNetworkMode"},
-        {"hal_set_lcd_status", {}, "BACKLIGHTON, BACKLIGHTOFF"},
-        {"hal_set_rtc_time", {}, "ExecNTP"},
-        {"hal_uart_info", {29, 30, 31, 32}, ""},
+        {"Olma_Beep", {CHANNEL_BUZZER_TEST}, WRITES, ""},
+        {"Olma_Check_Mount_Path", {CHANNEL_STORAGE_FREE}, "", ""},
+        {"Olma_GetDirectory",
+         {CHANNEL_BUZZER_ENABLED, CHANNEL_BUZZER_DURATION, CHANNEL_BACKLIGHT_AUTO_OFF,
+          CHANNEL_BACKLIGHT_DELAY, CHANNEL_STORAGE_FREE},
+         "",
+         "settings and SAVESCREEN"},
+        {"__gui_get_buzzing_time",
+         {CHANNEL_BUZZER_ENABLED, CHANNEL_BUZZER_DURATION},
+         WRITES_AT_GUI,
+         ""},
+        {"__gui_get_lcdlight_status", {CHANNEL_BACKLIGHT_AUTO_OFF}, WRITES_AT_GUI, ""},
+        {"__gui_get_lcdlight_time", {CHANNEL_BACKLIGHT_DELAY}, WRITES_AT_GUI, ""},
+        {"__gui_get_serial_number", {CHANNEL_SERIAL_NUMBER}, "", ""},
+        {"__gui_reset_lcdlight_timer",
+         {CHANNEL_BACKLIGHT_AUTO_OFF, CHANNEL_BACKLIGHT_DELAY},
+         WRITES_AT_GUI,
+         ""},
+        {"__gui_screen_capture", {}, "", "SAVESCREEN"},
+        {"hal_display_get_backlight_brightness", {CHANNEL_BRIGHTNESS}, "", ""},
+        {"hal_display_set_backlight_brightness", {CHANNEL_BRIGHTNESS}, WRITES, ""},
+        {"hal_get_mac_address", {CHANNEL_MAC_ADDRESS_1, CHANNEL_MAC_ADDRESS_2}, "", "GetMacInfo"},
+        {"hal_get_network", addresses, "", "GetMacInfo, SetNetworkMode"},
+        {"hal_get_network_byname", addresses, WRITES, ""},
+        {"hal_get_network_count",
+         {CHANNEL_IP_ADDRESS_1, CHANNEL_NETMASK_1, CHANNEL_IP_ADDRESS_2, CHANNEL_NETMASK_2,
+          CHANNEL_MAC_ADDRESS_1, CHANNEL_MAC_ADDRESS_2},
+         "",
+         "GetMacInfo, SetNetworkMode"},
+        {"hal_set_ip_addr", addresses, WRITES, "SetNetworkMode"},
+        {"hal_set_lcd_status", {}, "", "BACKLIGHTON, BACKLIGHTOFF"},
+        {"hal_set_rtc_time", {}, "", "ExecNTP"},
+        {"hal_uart_info",
+         {CHANNEL_UART_1, CHANNEL_UART_1 + 1, CHANNEL_UART_1 + 2, CHANNEL_UART_4},
+         "",
+         ""},
     };
     return table;
 }
@@ -64,9 +97,7 @@ bool IsFunction(const std::string& name, std::string& error) {
         return true;
     const std::string closest = Closest(name, known);
     error = Quoted(name) + " is no function of the platform" +
-            (closest.empty() ? "; they are: " : "; did you mean " + closest + "?");
-    for (std::size_t i = 0; closest.empty() && i < known.size(); ++i)
-        error += (i == 0 ? "" : ", ") + known[i];
+            (closest.empty() ? "; they are: " + Joined(known) : "; did you mean " + closest + "?");
     return false;
 }
 
@@ -80,7 +111,7 @@ HardwareResult Inject(const std::string& function, const std::string& text,
         return HardwareResult::Refused("usage: " + usage);
     sim::SimPanel::Instance().Fail(function, failure);
     const Concern* const concern = FindConcern(function);
-    const std::string actions = concern != nullptr ? concern->actions : "";
+    const std::string actions = concern != nullptr ? concern->Seen() : "";
     return HardwareResult::Done(function + " " + EffectText(failure) + ", " +
                                     CallsText(failure.times) +
                                     (actions.empty() ? "" : "; seen in " + actions),
@@ -114,12 +145,12 @@ HardwareResult faults::Mend(const Words& words) {
     if (!all && !IsFunction(words[0], error))
         return HardwareResult::Refused(error);
     std::vector<int> channels;
-    std::string mended;
+    std::vector<std::string> mended;
     for (const auto& entry : sim::SimPanel::Instance().State().failures) {
         if (!all && entry.first != words[0])
             continue;
         sim::SimPanel::Instance().Mend(entry.first);
-        mended += (mended.empty() ? "" : ", ") + entry.first;
+        mended.push_back(entry.first);
         const Concern* const concern = FindConcern(entry.first);
         if (concern != nullptr)
             channels.insert(channels.end(), concern->channels.begin(), concern->channels.end());
@@ -129,7 +160,7 @@ HardwareResult faults::Mend(const Words& words) {
     std::sort(channels.begin(), channels.end());
     channels.erase(std::unique(channels.begin(), channels.end()), channels.end());
     return HardwareResult::Done(
-        mended + (mended.find(',') == std::string::npos ? " works" : " work") + " again", channels);
+        Joined(mended) + (mended.size() == 1 ? " works" : " work") + " again", channels);
 }
 
 std::vector<std::string> faults::List() {

@@ -9,7 +9,6 @@
 #include "hxdpanel/panel/ClockCommand.h"
 #include "hxdpanel/panel/Faults.h"
 #include "hxdpanel/panel/StorageWear.h"
-#include "hxdpanel/sandbox/GuardedCalls.h"
 
 namespace {
 
@@ -189,14 +188,8 @@ Words HardwareCommands::Candidates(const std::string& line) {
     if (isUnfinished && !words.empty())
         words.pop_back();
     const Row* const row = words.empty() ? nullptr : Find(words[0]);
-    Words matching;
-    if (row == nullptr)
-        return matching;
-    for (const std::string& candidate : row->candidates(Words(words.begin() + 1, words.end()))) {
-        if (candidate.compare(0, begun.size(), begun) == 0)
-            matching.push_back(candidate);
-    }
-    return matching;
+    return row != nullptr ? Beginning(begun, row->candidates(Words(words.begin() + 1, words.end())))
+                          : Words();
 }
 
 HardwareCommands::HardwareCommands(const PanelRestart& restart,
@@ -216,12 +209,4 @@ HardwareResult HardwareCommands::Run(const std::string& line) {
     if (row == nullptr)
         return HardwareResult::Refused("this is no command of the hardware");
     return row->run(*this, Words(words.begin() + 1, words.end()));
-}
-
-void HardwareCommands::HoldReboots() {
-    guard::HoldReboots();
-}
-
-bool HardwareCommands::TakeReboot() {
-    return guard::TakeReboot();
 }

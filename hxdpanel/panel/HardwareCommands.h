@@ -40,11 +40,6 @@ public:
     // line: a name of the table and its arguments.
     HardwareResult Run(const std::string& line);
 
-    // From now on a reboot of the driver's does not end this program; true when there was one since
-    // the last call.
-    void HoldReboots();
-    bool TakeReboot();
-
     SystemLoad& Load() { return m_load; }
     PanelRestart& Restart() { return m_restart; }
 

@@ -92,12 +92,12 @@ std::string HardwareMemory::TitleOf(const Settings& described) {
     return "; kept for the description " + Digest(Text(described));
 }
 
-HardwareMemory::HardwareMemory(const std::string& file) : m_file(file), m_described(Current()) {
-    m_title = TitleOf(m_described);
+HardwareMemory::HardwareMemory(const std::string& file) : m_strFile(file), m_described(Current()) {
+    m_strTitle = TitleOf(m_described);
     std::string firstLine;
     std::getline(std::ifstream(file), firstLine);
     std::string error;
-    if (firstLine == m_title && !sim::SimPanel::Instance().LoadIni(file, error))
+    if (firstLine == m_strTitle && !sim::SimPanel::Instance().LoadIni(file, error))
         std::fprintf(stderr, "hxdpanel: %s is damaged:\n%s", file.c_str(), error.c_str());
     m_saved = Current();
 }
@@ -108,13 +108,13 @@ void HardwareMemory::Save() {
     if (current == m_saved)
         return;
     HXDCTRL::File folder;
-    folder.open(m_file.substr(0, m_file.rfind('/')), O_RDONLY | O_DIRECTORY);
+    folder.open(m_strFile.substr(0, m_strFile.rfind('/')), O_RDONLY | O_DIRECTORY);
     if (folder.IsOpen())
         hxd::RetryInterrupted([&] { return ::flock(folder.Descriptor(), LOCK_EX); });
     HXDCTRL::File present;
-    present.open(m_file, O_RDONLY);
+    present.open(m_strFile, O_RDONLY);
     const std::string text = present.IsOpen() ? present.readAll() : "";
-    Settings merged = text.compare(0, m_title.size(), m_title) == 0 ? Parse(text) : m_saved;
+    Settings merged = text.compare(0, m_strTitle.size(), m_strTitle) == 0 ? Parse(text) : m_saved;
     for (const auto& setting : m_saved) {
         if (current.count(setting.first) == 0)
             merged.erase(setting.first);
@@ -125,15 +125,15 @@ void HardwareMemory::Save() {
             merged[setting.first] = setting.second;
     }
     m_saved = current;
-    if (!Replace(m_file, m_title + "\n" + Text(merged)))
+    if (!Replace(m_strFile, m_strTitle + "\n" + Text(merged)))
         std::fprintf(stderr, "hxdpanel: cannot keep the hardware's settings in %s\n",
-                     m_file.c_str());
+                     m_strFile.c_str());
 }
 
 void HardwareMemory::Forget() {
-    std::remove(m_file.c_str());
+    std::remove(m_strFile.c_str());
     m_described = m_saved = Current();
-    m_title = TitleOf(m_described);
+    m_strTitle = TitleOf(m_described);
 }
 
 std::vector<std::string> HardwareMemory::Differences() const {

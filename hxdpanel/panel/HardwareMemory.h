@@ -27,9 +27,9 @@ private:
     static std::string Text(const Settings& settings);
     static std::string TitleOf(const Settings& described);
 
-    std::string m_file;
+    std::string m_strFile;
     Settings m_described;
-    std::string m_title;  // first line of the file: the description, in short
+    std::string m_strTitle;  // first line of the file: the description, in short
     Settings m_saved;
 };
 

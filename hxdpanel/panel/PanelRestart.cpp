@@ -95,15 +95,20 @@ HardwareResult PanelRestart::Restart() {
 
 HardwareResult PanelRestart::Reset() {
     std::string error;
-    if (m_files.isPrivate && !RestoreFiles())
+    if (!(m_files.IsPrivate() ? RestoreFiles() : ResetSettings(m_files)))
         return HardwareResult::Refused("the panel's files cannot be restored");
     ForgetHardware();
     if (!LoadDescription(m_files, error))
         return HardwareResult::Refused(error);
     m_memory.Forget();
     const HardwareResult result = Restart();
-    return result.ok ? HardwareResult::Done("the panel is as it was delivered", result.channels)
-                     : result;
+    if (!result.ok)
+        return result;
+    return HardwareResult::Done(m_files.IsPrivate()
+                                    ? "the panel is as it was delivered"
+                                    : "hardware and settings are as delivered; without the "
+                                      "sandbox what lies in /etc, /storage and /tmp stays",
+                                result.channels);
 }
 
 bool PanelRestart::RestoreFiles() const {

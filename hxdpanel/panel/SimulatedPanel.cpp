@@ -18,28 +18,34 @@
 namespace {
 
 constexpr char MEMORY_FILE[] = "/root/panel-hardware.ini";
+constexpr char SETTINGS_FOLDER[] = "/usr/olma_app";
+
+bool RemoveTree(const std::string& path) {
+    constexpr int MAX_DESCRIPTORS = 16;
+    const auto remove = [](const char* file, const struct stat*, int, FTW*) {
+        return std::remove(file);
+    };
+    return ::nftw(path.c_str(), remove, MAX_DESCRIPTORS, FTW_DEPTH | FTW_PHYS) == 0;
+}
 
 // A folder that lasts as long as the object.
 class TemporaryFolder {
 public:
     TemporaryFolder() {
-        if (::mkdtemp(&m_path[0]) == nullptr)
-            m_path.clear();
+        if (::mkdtemp(&m_strPath[0]) == nullptr)
+            m_strPath.clear();
     }
     ~TemporaryFolder() {
-        if (!m_path.empty())
-            ::nftw(m_path.c_str(), Remove, MAX_DESCRIPTORS, FTW_DEPTH | FTW_PHYS);
+        if (!m_strPath.empty())
+            RemoveTree(m_strPath);
     }
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
-    const std::string& Path() const { return m_path; }  // empty: it could not be made
+    const std::string& Path() const { return m_strPath; }  // empty: it could not be made
 
 private:
-    static constexpr int MAX_DESCRIPTORS = 16;
-    static int Remove(const char* path, const struct stat*, int, FTW*) { return std::remove(path); }
-
-    std::string m_path = "/tmp/hxdpanel-XXXXXX";
+    std::string m_strPath = "/tmp/hxdpanel-XXXXXX";
 };
 
 bool MakeFolder(const std::string& path) {
@@ -67,13 +73,13 @@ bool UseFolder(const std::string& root) {
 bool SetUpGuarded(const sandbox::Setup& setup, PanelFiles& files) {
     static const TemporaryFolder temporary;  // removed at the end
     files.outside = sandbox::RootFolder(setup);
-    const std::string root = files.outside.empty() ? temporary.Path() : files.outside;
-    if (root.empty()) {
+    files.guardedRoot = files.outside.empty() ? temporary.Path() : files.outside;
+    if (files.guardedRoot.empty()) {
         std::perror("hxdpanel: cannot create a folder for the panel's files");
         return false;
     }
-    files.memory = root + MEMORY_FILE;
-    return UseFolder(root);
+    files.memory = files.guardedRoot + MEMORY_FILE;
+    return UseFolder(files.guardedRoot);
 }
 
 // The launcher passes the full paths on, one a line; relative ones mean nothing in the sandbox.
@@ -94,7 +100,6 @@ bool SetUpPanel(const sandbox::Setup& setup, int logLevel, PanelFiles& files) {
     files.panels = Folders(setup);
     files.outside = setup.inside.filesOutside;
     files.memory = MEMORY_FILE;
-    files.isPrivate = !guard::Enabled();
     std::string error;
     if (!LoadDescription(files, error)) {
         std::fprintf(stderr, "hxdpanel: the panel is not described properly:\n%s", error.c_str());
@@ -102,7 +107,11 @@ bool SetUpPanel(const sandbox::Setup& setup, int logLevel, PanelFiles& files) {
     }
     sim::SimPanel::Instance().Change(
         [&](sim::PanelState& state) { state.echoLogLevel = logLevel; });
-    return files.isPrivate || SetUpGuarded(setup, files);
+    return !guard::Enabled() || SetUpGuarded(setup, files);
+}
+
+bool ResetSettings(const PanelFiles& files) {
+    return RemoveTree(files.guardedRoot + SETTINGS_FOLDER) && UseFolder(files.guardedRoot);
 }
 
 bool LoadDescription(const PanelFiles& files, std::string& error) {

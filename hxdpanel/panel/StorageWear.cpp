@@ -52,13 +52,6 @@ Lines SplitLines(const std::string& text) {
     return lines;
 }
 
-std::string Joined(const Lines& parts, const char* separator) {
-    std::string text;
-    for (const std::string& part : parts)
-        text += (&part == &parts.front() ? "" : separator) + part;
-    return text;
-}
-
 long long CountOf(const std::string& text) {
     long long count = 0;
     return ParseWhole(Trimmed(text), 0, MOST, count) ? count : 0;
@@ -318,7 +311,7 @@ std::string storagewear::StateText() {
 HardwareResult storagewear::Disk(const Words& words) {
     long long bytes = 0;
     if (words.empty())
-        return HardwareResult::Done(StateText(), {CHANNEL_STORAGE_LIFE, CHANNEL_STORAGE_GEAR});
+        return HardwareResult::Done(StateText(), {});
     if (words[0] == "wear")
         return Wear(words);
     if (words[0] != "write" || words.size() != 2 || !ParseSize(words[1], bytes))

@@ -71,16 +71,16 @@ void SystemLoad::Reset() {
             return PANEL;
         return ::access((MACHINE_FILES + name).c_str(), F_OK) == 0 ? MACHINE : PANEL;
     };
-    m_cpu = source("stat");
-    m_memory = source("meminfo");
+    m_eCpu = source("stat");
+    m_eMemory = source("meminfo");
 }
 
 void SystemLoad::BringUpToDate() {
-    if (m_cpu == MACHINE)
+    if (m_eCpu == MACHINE)
         CopyFromMachine("stat");
-    else if (m_cpu == USER)
+    else if (m_eCpu == USER)
         AdvanceCounters();
-    if (m_memory == MACHINE)
+    if (m_eMemory == MACHINE)
         CopyFromMachine("meminfo");
 }
 
@@ -107,16 +107,16 @@ HardwareResult SystemLoad::FollowMachine(Source& source, const char* name, int c
 HardwareResult SystemLoad::Cpu(const Words& words) {
     double use = 0.0;
     if (words.size() == 1 && words[0] == "machine")
-        return FollowMachine(m_cpu, "stat", CHANNEL_CPU_USE);
+        return FollowMachine(m_eCpu, "stat", CHANNEL_CPU_USE);
     if (words.size() != 1 || !ParseNumber(words[0], use) || use < 0.0 || use > 1.0)
         return HardwareResult::Refused(
             "usage: cpu USE, from 0 to 1, or cpu machine for this machine's");
     std::string text;
     if (!panelfile::Read(PROC + "stat", text) || !panelfile::Write(PROC + "stat", text))
         return NotOwn("stat");
-    if (m_cpu != USER)
+    if (m_eCpu != USER)
         ReadCounters(m_llBusy, m_llIdle);
-    m_cpu = USER;
+    m_eCpu = USER;
     m_dUse = use;
     return HardwareResult::Done("the CPU is busy for " + NumberText(use) + " of the time",
                                 {CHANNEL_CPU_USE});
@@ -125,7 +125,7 @@ HardwareResult SystemLoad::Cpu(const Words& words) {
 HardwareResult SystemLoad::Memory(const Words& words) {
     long long bytes = 0;
     if (words.size() == 1 && words[0] == "machine")
-        return FollowMachine(m_memory, "meminfo", CHANNEL_MEMORY_AVAILABLE);
+        return FollowMachine(m_eMemory, "meminfo", CHANNEL_MEMORY_AVAILABLE);
     if (words.size() != 1 || !ParseSize(words[0], bytes))
         return HardwareResult::Refused(
             "usage: memory SIZE, for example memory 512M, or memory machine for this machine's");
@@ -135,7 +135,7 @@ HardwareResult SystemLoad::Memory(const Words& words) {
     if (!panelfile::Read(PROC + "meminfo", text) ||
         !panelfile::Write(PROC + "meminfo", WithAvailable(text, bytes / 1024)))
         return NotOwn("meminfo");
-    m_memory = USER;
+    m_eMemory = USER;
     m_llMemory = bytes;
     return HardwareResult::Done(
         NumberText(static_cast<double>(bytes) / 1048576.0) + " MiB of memory are available",

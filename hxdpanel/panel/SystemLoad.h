@@ -23,8 +23,8 @@ public:
     void Reset();
 
     enum Source { PANEL, MACHINE, USER };  // the panel's files, this machine, a command
-    Source CpuSource() const { return m_cpu; }
-    Source MemorySource() const { return m_memory; }
+    Source CpuSource() const { return m_eCpu; }
+    Source MemorySource() const { return m_eMemory; }
     // What USER has set.
     double CpuUse() const { return m_dUse; }
     long long MemoryBytes() const { return m_llMemory; }
@@ -34,8 +34,8 @@ private:
     void AdvanceCounters();
 
     std::vector<std::string> m_panels;
-    Source m_cpu = PANEL;
-    Source m_memory = PANEL;
+    Source m_eCpu = PANEL;
+    Source m_eMemory = PANEL;
     double m_dUse = 0.0;
     long long m_llMemory = 0;
     long long m_llBusy = 0;  // jiffies, as /proc/stat shows them

@@ -73,13 +73,13 @@ void Append(std::vector<std::string>& words, const std::vector<std::string>& mor
 
 // What is opened out here for the program inside; -1: nothing.
 struct HandedOver {
-    int csv = -1;
+    int results = -1;
     int folder = -1;
     int page = -1;
     int stop = -1;  // the child's owner closes it
 
     ~HandedOver() {
-        for (const int descriptor : {csv, folder, page}) {
+        for (const int descriptor : {results, folder, page}) {
             if (descriptor >= 0)
                 ::close(descriptor);
         }
@@ -87,7 +87,7 @@ struct HandedOver {
 };
 
 void AppendDescriptors(std::vector<std::string>& words, const HandedOver& handedOver) {
-    const std::pair<const char*, int> options[] = {{"--csv-descriptor", handedOver.csv},
+    const std::pair<const char*, int> options[] = {{"--results-descriptor", handedOver.results},
                                                    {"--folder-descriptor", handedOver.folder},
                                                    {"--page-descriptor", handedOver.page},
                                                    {"--stop-descriptor", handedOver.stop}};
@@ -175,7 +175,7 @@ bool CanRead(const std::vector<std::string>& scripts) {
 // The machine's file, opened out here for the program inside, which does not see its folder. What
 // is in it stays until the program inside has something to write. -1: none is asked for; -2: it
 // cannot be opened.
-int OpenCsv(const std::string& file) {
+int OpenResults(const std::string& file) {
     if (file.empty() || file == "-")
         return -1;
     const int opened = ::open(file.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
@@ -258,9 +258,9 @@ int RunInside(const Setup& setup, int argc, char** argv) {
     if (!CanRead(setup.scripts))
         return EXIT_USAGE;
     HandedOver handedOver;
-    handedOver.csv = OpenCsv(setup.csv);
+    handedOver.results = OpenResults(setup.resultsFile);
     handedOver.page = OpenPage(setup.page);
-    if (handedOver.csv < -1 || handedOver.page < -1)
+    if (handedOver.results < -1 || handedOver.page < -1)
         return EXIT_USAGE;
     handedOver.folder = OpenFolder(setup.history);
     ChildProcess child;

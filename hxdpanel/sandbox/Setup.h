@@ -13,7 +13,7 @@ struct Setup {
     std::string root;          // folder; empty: the default one, or fresh files
     bool fresh = false;
     std::string driver;
-    std::string csv;                   // file of the machine for results; "-": standard output
+    std::string resultsFile;           // of the machine; "-": standard output
     std::vector<std::string> scripts;  // files of the machine to be read; "-": standard input
     bool history = false;              // keeps a history of what is typed
 
@@ -28,7 +28,7 @@ struct Setup {
     // What the instance outside the sandbox tells the one inside, which sees other folders.
     struct Inside {
         bool launched = false;
-        int csvDescriptor = -1;
+        int resultsDescriptor = -1;
         int folderDescriptor = -1;  // the folder that the user is in
         int pageDescriptor = -1;    // the listening socket of the page
         std::string machine;        // its name, under which the page may be asked for
