@@ -4,7 +4,7 @@
 #include <sstream>
 
 Echo::Echo(std::FILE* results, const std::string& prefix)
-    : m_pResults(results), m_prefix(prefix), m_pStream(::open_memstream(&m_pText, &m_nLength)) {}
+    : m_pResults(results), m_strPrefix(prefix), m_pStream(::open_memstream(&m_pText, &m_nLength)) {}
 
 Echo::~Echo() {
     if (m_pStream != nullptr)
@@ -17,7 +17,7 @@ void Echo::Show() {
         return;
     std::istringstream lines(std::string(m_pText, m_nLength));
     for (std::string line; std::getline(lines, line);)
-        std::fprintf(m_pResults, "%s%s\n", m_prefix.c_str(), line.c_str());
+        std::fprintf(m_pResults, "%s%s\n", m_strPrefix.c_str(), line.c_str());
     std::fflush(m_pResults);
     std::rewind(m_pStream);
 }

@@ -19,7 +19,7 @@ public:
 
 private:
     std::FILE* m_pResults;
-    std::string m_prefix;
+    std::string m_strPrefix;
     char* m_pText = nullptr;  // the stream's
     std::size_t m_nLength = 0;
     std::FILE* m_pStream;

@@ -38,13 +38,6 @@ bool IsWhole(const std::string& text) {
     return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
 }
 
-std::string List(const std::vector<std::string>& items) {
-    std::string text;
-    for (const std::string& item : items)
-        text += (text.empty() ? "" : "; ") + Visible(item);
-    return text.empty() ? "nothing" : text;
-}
-
 }  // namespace
 
 Script::Script(Session& session, const ScriptOptions& options, ScriptReport& report, Echo* echo)
@@ -52,30 +45,31 @@ Script::Script(Session& session, const ScriptOptions& options, ScriptReport& rep
 
 bool Script::Run(const std::string& name, std::istream& lines) {
     sim::SimPanel::Instance().HoldClock();
-    m_file = name;
-    m_line = m_statusLine = 0;
+    m_strFile = name;
+    m_report.BeginFile(name);
+    m_nLine = m_nStatusLine = 0;
     m_bAllowUnknown = m_bFailed = false;
     bool ended = false;
     while (!m_session.Ended() && !interrupt::Pending() && (!m_bFailed || m_options.keepGoing)) {
-        ended = !std::getline(lines, m_text);
+        ended = !std::getline(lines, m_strText);
         if (ended)
             break;
-        if (++m_line == 1 && m_text.compare(0, 3, "\xEF\xBB\xBF") == 0)
-            m_text.erase(0, 3);  // some editors begin so
-        m_text = Trimmed(m_text);
-        if (!m_text.empty() && m_text[0] != '#')
-            RunLine(m_text);
+        if (++m_nLine == 1 && m_strText.compare(0, 3, "\xEF\xBB\xBF") == 0)
+            m_strText.erase(0, 3);  // some editors begin so
+        m_strText = Trimmed(m_strText);
+        if (!m_strText.empty() && m_strText[0] != '#')
+            RunLine(m_strText);
     }
     JudgeStatus();
     if (interrupt::Pending())
         Fail("interrupted");
-    m_report.EndFile(name, m_line, ended || m_session.Ended());
+    m_report.EndFile(m_nLine, ended || m_session.Ended());
     return !m_bFailed && (ended || m_session.Ended());
 }
 
 void Script::RunLine(const std::string& line) {
     if (m_pEcho != nullptr) {
-        std::fprintf(m_pEcho->Stream(), "%s:%d: %s\n", Visible(m_file).c_str(), m_line,
+        std::fprintf(m_pEcho->Stream(), "%s:%d: %s\n", Visible(m_strFile).c_str(), m_nLine,
                      Visible(line).c_str());
         m_pEcho->Show();
     }
@@ -112,20 +106,20 @@ void Script::RunOther(const std::string& line) {
     if (exitCode == EXIT_USAGE && result.isKnown)
         return Fail("wanted a line that can be run, got what is said above");
     if (result.hasStatus && result.status != RESULT_DONE) {
-        m_statusLine = m_line;
-        m_statusText = m_text;
+        m_nStatusLine = m_nLine;
+        m_strStatus = m_strText;
     }
 }
 
 // A status other than 0 has to be expected, by the lines that follow.
 void Script::JudgeStatus() {
-    if (m_statusLine == 0)
+    if (m_nStatusLine == 0)
         return;
-    const int line = m_statusLine;
-    m_statusLine = 0;
+    const int line = m_nStatusLine;
+    m_nStatusLine = 0;
     Fail("wanted status 0, got " + m_session.Result().statusText +
              "; expect status N after it lets it pass",
-         line, m_statusText);
+         line, m_strStatus);
 }
 
 void Script::Allow(const std::string& what) {
@@ -140,7 +134,7 @@ void Script::RunExpectation(const std::string& text) {
     if (!ParseExpectation(text, expectation, error))
         return Fail("wanted an expectation, got " + Quoted(text) + "; " + error);
     if (expectation.subject == Expectation::STATUS)
-        m_statusLine = 0;
+        m_nStatusLine = 0;
     Judge(Observe(expectation));
 }
 
@@ -187,7 +181,7 @@ void Script::Judge(const Observed& observed) {
     else if (!observed.holds)
         Fail("wanted " + observed.wanted + ", got " + observed.got);
     else
-        m_report.Add({m_file, m_line, m_text, ""});
+        m_report.Add({m_nLine, m_strText, ""});
 }
 
 Script::Observed Script::Observe(const Expectation& expectation) {
@@ -214,7 +208,7 @@ Script::Observed Script::ObservePanel(const Expectation& expectation) const {
     Observed observed;
     const std::vector<std::string> verbs = PanelVerbs();
     if (std::find(verbs.begin(), verbs.end(), expectation.name) == verbs.end())
-        observed.error = "of what the panel does one can expect: " + List(verbs);
+        observed.error = "of what the panel does one can expect: " + Joined(verbs, "; ");
     const std::vector<std::string> events = PanelEvents(expectation.name);
     const auto count = std::count_if(events.begin(), events.end(), [&](const std::string& event) {
         return IsEvent(expectation, event);
@@ -224,7 +218,7 @@ Script::Observed Script::ObservePanel(const Expectation& expectation) const {
                       expectation.name + (expectation.wanted.empty() ? "" : " ") +
                       Visible(expectation.wanted) +
                       (expectation.times > 0 ? " " + times + " times" : "");
-    observed.got = List(events);
+    observed.got = events.empty() ? "nothing" : Visible(Joined(events, "; "));
     observed.holds = expectation.times < 0 ? count > 0 : count == expectation.times;
     return observed;
 }
@@ -249,12 +243,12 @@ Script::Observed Script::ObserveValue(const Expectation& expectation) {
         }
     }
     observed.wanted = WantedText(expectation, subject);
-    observed.got = value.type == DATATYPE_TEXT ? '"' + Visible(value.text) + '"' : ValueText(value);
+    observed.got = ExpectationText(value);
     observed.holds = observed.error.empty() && Holds(expectation, value, observed.error);
     return observed;
 }
 
 void Script::Fail(const std::string& failure, int line, const std::string& text) {
     m_bFailed = true;
-    m_report.Add({m_file, line, text, failure});
+    m_report.Add({line, text, failure});
 }

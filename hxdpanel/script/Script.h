@@ -46,18 +46,18 @@ private:
     void Judge(const Observed& observed);
     void JudgeStatus();
     void Fail(const std::string& failure, int line, const std::string& text);
-    void Fail(const std::string& failure) { Fail(failure, m_line, m_text); }
+    void Fail(const std::string& failure) { Fail(failure, m_nLine, m_strText); }
 
     Session& m_session;
     const ScriptOptions m_options;
     ScriptReport& m_report;
     Echo* m_pEcho;
 
-    std::string m_file;
-    int m_line = 0;
-    std::string m_text;
-    int m_statusLine = 0;  // whose status other than 0 nobody has expected yet; 0: none
-    std::string m_statusText;
+    std::string m_strFile;
+    int m_nLine = 0;
+    std::string m_strText;
+    int m_nStatusLine = 0;  // whose status other than 0 nobody has expected yet; 0: none
+    std::string m_strStatus;
     bool m_bRead = false;  // the channels are those of now
     bool m_bAllowUnknown = false;
     bool m_bFailed = false;

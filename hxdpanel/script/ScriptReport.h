@@ -7,7 +7,6 @@
 #include <vector>
 
 struct ScriptCheck {
-    std::string file;
     int line;
     std::string text;     // the line
     std::string failure;  // "wanted ..., got ..."; empty: it held
@@ -19,23 +18,32 @@ public:
 
     // results: where the report goes; failures go to standard error, too, unless the form says
     // them.
-    ScriptReport(std::FILE* results, Form form) : m_results(results), m_form(form) {}
+    ScriptReport(std::FILE* results, Form form) : m_pResults(results), m_eForm(form) {}
 
     void Begin();
+    void BeginFile(const std::string& file);
     void Add(const ScriptCheck& check);
     // ended: whether every line of the file was run.
-    void EndFile(const std::string& file, int lines, bool ended);
+    void EndFile(int lines, bool ended);
     void End();
     bool HasFailures() const;
 
-    // As a build server reads it; a suite for each file.
+    // As a build server reads it; a suite for each file, and each time that it was run.
     void PrintJunit(std::FILE* out) const;
 
 private:
-    std::FILE* m_results;
-    Form m_form;
-    std::vector<ScriptCheck> m_checks;
-    std::vector<std::string> m_files;
+    struct FileRun {
+        std::string file;
+        std::vector<ScriptCheck> checks;
+
+        std::size_t Failures() const;
+        std::string LineOf(const ScriptCheck& check) const;  // "FILE:LINE"
+    };
+
+    std::FILE* m_pResults;
+    Form m_eForm;
+    std::vector<FileRun> m_runs;  // never empty between BeginFile() and the end
+    std::size_t m_nChecks = 0;    // of all
 };
 
 #endif
