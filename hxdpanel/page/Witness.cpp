@@ -85,7 +85,7 @@ void Witness::Did(const hal_network_t& appliedRecord) {
 }
 
 void Witness::Did(const std::tm& rtcSetting) {
-    Did("clock", EventText(rtcSetting));
+    Did("clock", TimeText(rtcSetting));
 }
 
 void Witness::Did(const sim::LogLine& line) {

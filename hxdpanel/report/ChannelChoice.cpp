@@ -83,10 +83,10 @@ bool ChooseChannel(const std::string& word, int highest, int& number, std::strin
     error += rows.empty() ? " is no channel; say a number, 1 to " + std::to_string(highest) +
                                 ", or a name, for example Brightness"
                           : " may be ";
-    for (const ChannelRow* row : rows) {
-        error += row != rows.front() ? ", " : "";
-        error.append(std::to_string(row->number)).append(" ").append(row->name);
-    }
+    std::vector<std::string> names;
+    for (const ChannelRow* row : rows)
+        names.push_back(std::to_string(row->number) + " " + row->name);
+    error += Joined(names);
     return false;
 }
 

@@ -20,12 +20,6 @@ constexpr std::size_t NEWEST = 20;  // of a longer list only so many are shown
 
 using Lines = std::vector<std::string>;
 
-std::string RecordText(const hal_network_t& record) {
-    return Visible(record.name) + "  " + AddressText(record.address) + " / " +
-           AddressText(record.netmask) + "  gateway " + AddressText(record.gateway) + "  mode " +
-           std::to_string(record.flags & 3);
-}
-
 template <class ITEMS, class TEXT>
 Lines Texts(const ITEMS& items, TEXT text) {
     Lines lines;
@@ -37,7 +31,7 @@ Lines InterfaceLines(const sim::PanelState& state) {
     return Texts(state.interfaces, [](const sim::Interface& interface) {
         const std::string mac =
             interface.macAddress.empty() ? "(no MAC address)" : Visible(interface.macAddress);
-        return RecordText(interface.record) + "  " + mac +
+        return EventText(interface.record) + "  " + mac +
                (interface.plugged ? "" : "  (unplugged)");
     });
 }
@@ -108,7 +102,7 @@ const EventKind EVENT_KINDS[] = {
     {"addressed", "Interfaces set",
      [](const sim::PanelState& state) { return Events(state.appliedRecords); }},
     {"clocked", "Clock set",
-     [](const sim::PanelState& state) { return Events(state.rtcSettings); }},
+     [](const sim::PanelState& state) { return Texts(state.rtcSettings, TimeText); }},
     {"captured", "Screen captures",
      [](const sim::PanelState& state) { return Events(state.captures); }},
     {"ran", "Commands run", [](const sim::PanelState&) { return CommandsRun(); }},
@@ -227,12 +221,10 @@ std::string EventText(const sim::Beep& beep) {
            " ms";
 }
 
-std::string EventText(const hal_network_t& appliedRecord) {
-    return RecordText(appliedRecord);
-}
-
-std::string EventText(const std::tm& rtcSetting) {
-    return TimeText(rtcSetting);
+std::string EventText(const hal_network_t& record) {
+    return Visible(record.name) + "  " + AddressText(record.address) + " / " +
+           AddressText(record.netmask) + "  gateway " + AddressText(record.gateway) + "  mode " +
+           std::to_string(record.flags & 3);
 }
 
 std::vector<std::string> PanelEvents(const std::string& verb) {

@@ -26,8 +26,7 @@ Json PanelJson(const PanelSource& source);
 // A thing that the panel has done: "900 Hz for 50 ms".
 std::string EventText(const sim::Beep& beep);
 std::string EventText(const sim::Capture& capture);
-std::string EventText(const hal_network_t& appliedRecord);
-std::string EventText(const std::tm& rtcSetting);
+std::string EventText(const hal_network_t& record);  // one that was applied, or is now
 
 // What the panel has done since its start, oldest first, by kind: "beeped" gives "900 Hz for 50
 // ms".

@@ -17,10 +17,10 @@ using Clock = std::chrono::steady_clock;
 class Watcher {
 public:
     Watcher(std::FILE* out, const WatchOptions& options)
-        : m_out(out),
+        : m_pOut(out),
           m_options(options),
-          m_onScreen(options.form == WatchOptions::TABLE && !options.changes &&
-                     terminal::CanRedraw(out)) {}
+          m_bOnScreen(options.form == WatchOptions::TABLE && !options.changes &&
+                      terminal::CanRedraw(out)) {}
 
     void Show(const ShownChannels& channels, int status);
     // False when the user has ended it.
@@ -32,10 +32,10 @@ private:
     void ShowTable(const ShownChannels& channels, int status, const std::set<int>& changed);
     void ShowChanges(const ShownChannels& channels) const;
 
-    std::FILE* m_out;
+    std::FILE* m_pOut;
     const WatchOptions& m_options;
-    const bool m_onScreen;
-    bool m_first = true;
+    const bool m_bOnScreen;
+    bool m_bFirst = true;
     std::map<int, std::string> m_values;
     WatchScreen m_screen;
 };
@@ -60,42 +60,42 @@ void Watcher::Show(const ShownChannels& channels, int status) {
         if (!m_options.changes || changed.count(channel.number) != 0)
             shown.push_back(channel);
     }
-    if (m_options.form == WatchOptions::CSV && m_first)
-        PrintCsvHeader(m_out, channels);
+    if (m_options.form == WatchOptions::CSV && m_bFirst)
+        PrintCsvHeader(m_pOut, channels);
     if (!shown.empty()) {
         if (m_options.form == WatchOptions::CSV)
-            PrintCsvLine(m_out, channels);
+            PrintCsvLine(m_pOut, channels);
         else if (m_options.form == WatchOptions::JSON)
-            PrintJson(m_out, JsonLayout::LINE, "watch",
+            PrintJson(m_pOut, JsonLayout::LINE, "watch",
                       {{"time", IsoTime()},
                        {"status", JsonStatus(status, StatusMeaning(status))},
                        {"channels", ChannelsJson(shown)}});
         else if (m_options.changes)
             ShowChanges(shown);
         else
-            ShowTable(shown, status, m_first ? std::set<int>() : changed);
+            ShowTable(shown, status, m_bFirst ? std::set<int>() : changed);
     }
-    m_first = false;
-    std::fflush(m_out);
+    m_bFirst = false;
+    std::fflush(m_pOut);
 }
 
 void Watcher::ShowTable(const ShownChannels& channels, int status, const std::set<int>& changed) {
-    if (!m_onScreen) {
-        std::fprintf(m_out, "%s%s\n", m_first ? "" : "\n", IsoTime().c_str());
-        PrintChannelTable(m_out, channels);
+    if (!m_bOnScreen) {
+        std::fprintf(m_pOut, "%s%s\n", m_bFirst ? "" : "\n", IsoTime().c_str());
+        PrintChannelTable(m_pOut, channels);
         return;
     }
     const std::string failure = status != 0 ? std::string("  ") + StatusMeaning(status) : "";
     m_screen.Take(
         IsoTime() + "  every " + NumberText(m_options.interval) + " s, Ctrl-C ends" + failure,
         channels, changed);
-    m_screen.Draw(m_out);
+    m_screen.Draw(m_pOut);
 }
 
 void Watcher::ShowChanges(const ShownChannels& channels) const {
     const std::string time = IsoTime();
     for (const ShownChannel& channel : channels)
-        std::fprintf(m_out, "%s  %s\n", time.c_str(), ChannelText(channel).c_str());
+        std::fprintf(m_pOut, "%s  %s\n", time.c_str(), ChannelText(channel).c_str());
 }
 
 bool Watcher::WaitUntil(Clock::time_point next) const {
@@ -107,14 +107,14 @@ bool Watcher::WaitUntil(Clock::time_point next) const {
         if (left.count() <= 0)
             return true;
         terminal::ClearSizeEvent();
-        if (m_onScreen && next > Clock::now())
-            m_screen.Draw(m_out);
+        if (m_bOnScreen && next > Clock::now())
+            m_screen.Draw(m_pOut);
     }
 }
 
 void Watcher::End() const {
-    if (m_onScreen)
-        std::fputs("\r\n", m_out);
+    if (m_bOnScreen)
+        std::fputs("\r\n", m_pOut);
 }
 
 }  // namespace

@@ -63,7 +63,7 @@ std::string ValueWithin(const ShownChannel& channel, std::size_t columns, std::s
 
 void WatchScreen::Take(const std::string& title, const ShownChannels& channels,
                        const std::set<int>& changed) {
-    m_title = title;
+    m_strTitle = title;
     m_channels = channels;
     m_changed = changed;
     for (const ShownChannel& channel : channels) {
@@ -126,7 +126,8 @@ void WatchScreen::Draw(std::FILE* out) const {
     const bool fits = grid.rows * grid.columns >= m_channels.size();
     if (!fits && grid.rows > 1)
         --grid.rows;  // room to say so
-    std::string text = "\033[H" + terminal::Styled(out, terminal::TITLE, Shortened(m_title, width));
+    std::string text =
+        "\033[H" + terminal::Styled(out, terminal::TITLE, Shortened(m_strTitle, width));
     for (std::size_t row = 0; row < grid.rows; ++row) {
         text += "\033[K\r\n";
         for (std::size_t column = 0; column < grid.columns; ++column) {

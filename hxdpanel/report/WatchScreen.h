@@ -22,7 +22,7 @@ private:
     std::string Cell(std::FILE* out, const ShownChannel& channel, std::size_t width) const;
     std::string Spark(int number, std::size_t columns) const;
 
-    std::string m_title;
+    std::string m_strTitle;
     ShownChannels m_channels;
     std::set<int> m_changed;
     std::map<int, std::deque<double>> m_past;  // of each number channel, newest last
