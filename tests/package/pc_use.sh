@@ -56,4 +56,6 @@ completes() {  # WANTED WORD...: the last word is the one to be completed
 completes channels ch
 completes --panel --p
 completes --interval watch --
+completes brightness read br
+(cd "$HOME" && touch a.script && completes a.script script a && completes a.script script --junit a)
 echo "package: the simulated panel works as installed"
