@@ -1,48 +1,31 @@
 // Scripts and hardware commands as a user meets them, through the built program. What the commands
 // do to the driver is in scripts/, beside this file.
+#include "PanelProgram.h"
 #include "TestFiles.h"
 
 #include "SimPanel.h"
-#include "common/QtProcess.h"
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <sstream>
-
-#include <QStringList>
-
 namespace {
-
-struct Outcome {
-    int exitCode;
-    std::string out;
-    std::string errors;
-};
-
-Outcome Hxdpanel(const std::vector<std::string>& arguments, const std::string& input) {
-    QProcess process;
-    QStringList texts;
-    for (const std::string& argument : arguments)
-        texts << QString::fromUtf8(argument.c_str());
-    process.setWorkingDirectory(QLatin1String("/tmp"));
-    process.start(QString::fromUtf8(HXD_PANEL_PROGRAM), texts);
-    EXPECT_TRUE(process.waitForStarted());
-    process.write(input.data(), static_cast<qint64>(input.size()));
-    process.closeWriteChannel();
-    EXPECT_TRUE(process.waitForFinished(60000));
-    return {process.exitCode(), process.readAllStandardOutput().constData(),
-            process.readAllStandardError().constData()};
-}
-
-bool Contains(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
 
 TEST(Scripts, FailLiveEveryFunctionThatCan) {
     const std::string script = readFile(HXD_SOURCE_DIR "/tests/hxdpanel/scripts/failures.script");
     for (const std::string& function : sim::FailableFunctions())
         EXPECT_TRUE(Contains(script, "fail " + function)) << function;
+}
+
+TEST(HardwareCommands, TellWhereEachFailureShows) {
+    std::string lines;
+    for (const std::string& function : sim::FailableFunctions())
+        lines += "fail " + function + "\n";
+    const std::string shown = Hxdpanel({}, lines).out;
+    for (const std::string& function : sim::FailableFunctions()) {
+        const std::size_t told = shown.find(function + " fails with -1, every call");
+        const std::size_t next = shown.find(" fails with ", shown.find('\n', told));
+        const std::string text = shown.substr(std::min(told, shown.size()), next - told);
+        EXPECT_TRUE(Contains(text, "; seen in ") || Contains(text, "concerns ")) << function;
+    }
 }
 
 TEST(Scripts, StopWhereTheyAreWrongAndSayWhere) {
@@ -70,7 +53,7 @@ TEST(Scripts, StopWhereTheyAreWrongAndSayWhere) {
         {"expect 1 < 10", 1, "but the value is a text, 192.168.1.20"},
         {"expect 21 = bright", 1, "21 Brightness = bright, but the value is a number, 80"},
         {"expect 20 = \"HX", 1, "quote is not closed"},
-        {"expect 33 = 1", 1, "stdin:1: wanted 33 = 1, but"},
+        {"expect 99 = 1", 1, "stdin:1: wanted 99 = 1, but"},
         {"expect nothing", 1, "usage: expect CHANNEL = VALUE"},
         {"expect 20 = /(/", 1, "no regular expression"},
         {"expect status 0", 1, "got a line without a status"},
@@ -80,7 +63,7 @@ TEST(Scripts, StopWhereTheyAreWrongAndSayWhere) {
         {"getcpuuse(10)", 1, "wanted a command that the driver knows"},
         {"REFLESH", 1, "stdin:1: wanted a line that means something"},
         {"frobnicate", 1, "stdin:1: wanted a line that means something"},
-        {"write 33 1", 1, "stdin:1: wanted a line that can be run"},
+        {"write 99 1", 1, "stdin:1: wanted a line that can be run"},
         {"disk write many", 1, "stdin:1: wanted a line that can be run"},
         {"watch\t21", 1, "wanted a line with an end"},
         {"wait 21 = 80", 1, "usage: wait"},
@@ -108,6 +91,13 @@ TEST(Scripts, ReportEveryFailureToABuildServer) {
     EXPECT_TRUE(Contains(report, "name=\"stdin\" tests=\"3\" failures=\"2\"")) << report;
     EXPECT_TRUE(Contains(report, "got &quot;&lt;&amp;&quot;")) << report;
     EXPECT_EQ(Hxdpanel({"script", "/nowhere"}, "").exitCode, 2);
+    writeFile("/tmp/twice", "write 21 40\nexpect panel beeped\n");
+    EXPECT_EQ(Hxdpanel({"script", "--keep-going", "--junit", "-", "twice", "twice"}).exitCode, 1);
+    const std::string twice =
+        Hxdpanel({"script", "--keep-going", "--junit", "-", "twice", "twice"}).out;
+    const std::string summary = "twice: 2 lines, 0 expectations met, 1 failure\n";
+    EXPECT_EQ(twice.find(summary + summary), 0U) << twice;
+    EXPECT_FALSE(Contains(twice, "tests=\"2\"")) << twice;
     EXPECT_EQ(Hxdpanel({"script", "--tap", "--echo", "-"}, "read 21\nset r 1\nexpect r = 1").out,
               "TAP version 13\n# stdin:1: read 21\n# 80\n# stdin:2: set r 1\n# r = 1 (int)\n"
               "# stdin:3: expect r = 1\nok 1 - stdin:3 expect r = 1\n1..1\n");
@@ -160,6 +150,8 @@ TEST(HardwareCommands, SayWhatTheyDidAndWhatIsWrong) {
         {"fail hal_uart_info -5,3", "fails with -5, 3 calls\nconcerns 29 COM1 use, 30 ", ""},
         {"fail hal_uart_info -5,6\nchannels 29\npanel", "-5, 2 calls more; 4 hits", ""},
         {"fail hal_uart_info -5,1\nchannels 29\npanel", "no more; 1 hit\n", ""},
+        {"fail hal_set_ip_addr 1", "seen in writes to 1, 2, 8, 9, SetNetworkMode\nconcerns 1 IP",
+         ""},
         {"fail hal_uart_nfo", "", "did you mean hal_uart_info?"},
         {"fail hal_uart_info often", "", "usage: fail NAME"},
         {"slow Olma_Beep 600001", "", "usage: slow NAME"},
@@ -173,7 +165,7 @@ TEST(HardwareCommands, SayWhatTheyDidAndWhatIsWrong) {
         {"com 5 1", "", "usage: com"},
         {"com 1 101", "", "usage: com"},
         {"brightness 101", "", "usage: brightness"},
-        {"clock", "the clock runs", ""},
+        {"clock\nlight on", "the clock runs\nthe light", ""},  // and concerns nothing
         {"clock x60\npanel", "runs 60 times as fast", ""},
         {"clock hold\nclock +90s", "90s later; the clock is held", ""},
         {"clock -1h", "", "usage: clock"},

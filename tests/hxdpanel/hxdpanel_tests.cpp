@@ -1,10 +1,11 @@
 // The built console program, run as a user or a script runs it. The panel of these tests is the
 // sandbox that they run in, so it keeps what the runs of one case do to it.
 #include "JsonSchema.h"
+#include "PanelProgram.h"
 #include "TestFiles.h"
 
 #include "common/File.h"
-#include "common/QtProcess.h"
+#include "driver/record/ChannelTable.h"
 #include "hxdpanel/sandbox/HarmlessCommand.h"
 #include "ntp/SntpPacket.h"
 
@@ -13,7 +14,6 @@
 
 #include <QDir>
 #include <QRegExp>
-#include <QStringList>
 
 #include <arpa/inet.h>
 #include <sys/socket.h>
@@ -26,41 +26,6 @@
 #include <sstream>
 
 namespace {
-
-struct Outcome {
-    int exitCode;
-    std::string out;
-    std::string errors;
-};
-
-using Words = std::vector<std::string>;
-
-void Start(QProcess& process, const Words& arguments) {
-    QStringList texts;
-    for (const std::string& argument : arguments)
-        texts << QString::fromUtf8(argument.c_str());
-    process.start(QString::fromUtf8(HXD_PANEL_PROGRAM), texts);
-    ASSERT_TRUE(process.waitForStarted()) << HXD_PANEL_PROGRAM;
-}
-
-Outcome Finish(QProcess& process) {
-    process.closeWriteChannel();
-    EXPECT_TRUE(process.waitForFinished(60000));
-    EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
-    return {process.exitCode(), process.readAllStandardOutput().constData(),
-            process.readAllStandardError().constData()};
-}
-
-Outcome Hxdpanel(const Words& arguments, const QByteArray& input = "") {
-    QProcess process;
-    Start(process, arguments);
-    process.write(input);
-    return Finish(process);
-}
-
-bool Contains(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
 
 const JsonSchema& Schema() {
     static const JsonSchema schema(
@@ -75,7 +40,7 @@ TEST(Hxdpanel, PrintsJsonAndNothingElse) {
     const auto object = nlohmann::json::parse(run.out, nullptr, false);
     ASSERT_TRUE(object.is_object()) << run.out;
     const auto& channels = object["channels"];
-    ASSERT_EQ(channels.size(), 32U) << run.out;
+    ASSERT_EQ(channels.size(), static_cast<std::size_t>(CHANNEL_COUNT)) << run.out;
     for (std::size_t i = 0; i < channels.size(); ++i) {
         const nlohmann::json& channel = channels[i];
         const bool isText = channel["type"] == "text";
@@ -244,11 +209,18 @@ TEST(Hxdpanel, TellsScriptsAndUsersWhatACommandDid) {
         {{"channels", "server-2", "26-27", "life"}, 0, "\n27  Storage write gear", ""},
         {{"write", "buzzer", "1"}, 2, "", "buzzer may be 3 Buzzer enabled, 4 Buzzer duration, 7"},
         {{"channels", "channels"}, 2, "", "channels is no channel"},
-        {{"read", "33"}, 2, "", "no channel 33"},
+        {{"read", "99"}, 2, "", "no channel 99"},
         {{"exec", "write 15"}, 2, "", "usage: write CHANNEL VALUE"},
         {{"exec", "write 15 \"\""}, 0, "Time server 1 = \"\"\n", ""},
         {{"exec", "panel foo"}, 2, "", "usage: panel, without foo"},
         {{"exec", "watch 0.5"}, 2, "", "0.5 is no channel"},
+        {{"vars"},
+         2,
+         "",
+         "vars means nothing here; to run a line of the console: hxdpanel exec 'vars'"},
+        {{"chanels"}, 2, "", "did you mean channels?"},
+        {{"help", "brightness"}, 0, "cannot be set\n\nchannel 21  Brightness\n", ""},
+        {{"help", "write"}, 0, "write a value to a channel\n", ""},
         {{"help", "nope"}, 2, "", "no command or channel nope"},
         {{"help", "life"}, 0, "-1 means: storage not readable\n  -2 means: not known\n", ""},
         {{"help", "setnetworkmode"}, 0, "the panel's hardware library decides", ""},
@@ -264,7 +236,7 @@ TEST(Hxdpanel, TellsScriptsAndUsersWhatACommandDid) {
         {{"write", "4", "7000"}, 1, "status 4", "channel 4 takes 0 to 6500"},
         {{"write", "7", "-5"}, 1, "status 4", ""},
         {{"write", "21", "bright"}, 2, "", "takes a number"},
-        {{"write", "33", "1"}, 2, "", "no channel 33"},
+        {{"write", "99", "1"}, 2, "", "no channel 99"},
         {{"--blob", "0", "channels"}, 2, "", "hexadecimal"},
         {{"write", "20", "x"}, 1, "status 1 (the channel cannot be written)\n", ""},
         {{"channels", "1-"}, 2, "", "1- is no range"},
@@ -344,6 +316,7 @@ TEST(Hxdpanel, RefusesDangerousCallsWithoutTheSandbox) {
     for (const char* trace : {"/tmp/ran-dmesg", "/tmp/ran-mount", "/tmp/dmesg.log"})
         EXPECT_NE(::access(trace, F_OK), 0) << trace;
     const Outcome timeServer = Hxdpanel({"--fresh", "--time-server", "ntp"});
+    const Outcome reset = Hxdpanel({"--fresh", "exec", "write 4 500", "reset", "read 4"});
     qputenv("PATH", path);
     writeFile("/run/hxd-panel", "");
     EXPECT_EQ(run.exitCode, 1);
@@ -354,6 +327,9 @@ TEST(Hxdpanel, RefusesDangerousCallsWithoutTheSandbox) {
     EXPECT_TRUE(Contains(run.out, "refused: dmesg > /tmp/dmesg.log\n")) << run.out;
     EXPECT_TRUE(Contains(nand.out, "refused: mount -t debugfs none /sys/kernel/debug\n"))
         << nand.out;
+    EXPECT_TRUE(Contains(reset.out, " = 500 ms\nhardware and settings are as delivered; without"))
+        << reset.out;
+    EXPECT_TRUE(Contains(reset.out, " stays\n0\n")) << reset.out;
     EXPECT_EQ(timeServer.exitCode, 4);
     EXPECT_TRUE(Contains(timeServer.errors, "--time-server needs the sandbox\n"));
     EXPECT_FALSE(Contains(timeServer.errors, "going on")) << timeServer.errors;

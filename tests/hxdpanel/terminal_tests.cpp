@@ -15,7 +15,7 @@ namespace {
 using Words = std::vector<std::string>;
 constexpr winsize USUAL = {24, 80, 0, 0};
 
-Words Hxdpanel(const Words& arguments) {
+Words Command(const Words& arguments) {
     Words words = {HXD_PANEL_PROGRAM};
     words.insert(words.end(), arguments.begin(), arguments.end());
     return words;
@@ -36,7 +36,7 @@ Words Rows(const std::string& drawn) {
 }
 
 TEST(Terminal, WatchFitsTheWindowAlsoWhenThatChanges) {
-    PseudoTerminal terminal(Hxdpanel({"watch", "--interval", "0.5"}), "xterm", USUAL);
+    PseudoTerminal terminal(Command({"watch", "--interval", "0.5"}), "xterm", USUAL);
     terminal.ReadUntil("\033[J");
     const winsize sizes[] = {USUAL, {24, 60, 0, 0}, {40, 130, 0, 0}};
     for (const winsize& size : sizes) {
@@ -56,7 +56,7 @@ TEST(Terminal, WatchFitsTheWindowAlsoWhenThatChanges) {
 }
 
 TEST(Terminal, WatchMarksChangesAndIsPlainOnADumbTerminal) {
-    PseudoTerminal terminal(Hxdpanel({}), "xterm", USUAL);
+    PseudoTerminal terminal(Command({}), "xterm", USUAL);
     terminal.ReadUntil("panel> ");
     terminal.Type("watch 3 11 every 0.1\n");
     EXPECT_NE(terminal.ReadUntil("MiB*").find("MiB*"), std::string::npos);
@@ -64,7 +64,7 @@ TEST(Terminal, WatchMarksChangesAndIsPlainOnADumbTerminal) {
     terminal.ReadUntil("panel> ");
     terminal.Type("read 3\n");
     EXPECT_NE(terminal.ReadUntil("0\r\n").find("0\r\n"), std::string::npos);
-    PseudoTerminal dumb(Hxdpanel({"watch", "3", "--count", "1"}), "dumb", USUAL);
+    PseudoTerminal dumb(Command({"watch", "3", "--count", "1"}), "dumb", USUAL);
     const std::string plain = dumb.ReadUntil("number  0\r\n");
     EXPECT_NE(plain.find("No  Name"), std::string::npos) << plain;
     EXPECT_EQ(plain.find('\033'), std::string::npos) << plain;
@@ -73,7 +73,7 @@ TEST(Terminal, WatchMarksChangesAndIsPlainOnADumbTerminal) {
 TEST(Terminal, ColoursAreLeftOutOnRequest) {
     for (const char* unwanted : {"", "1"}) {
         ::setenv("NO_COLOR", unwanted, 1);
-        PseudoTerminal terminal(Hxdpanel({"channels", "31"}), "xterm", USUAL);
+        PseudoTerminal terminal(Command({"channels", "31"}), "xterm", USUAL);
         const std::string shown = terminal.ReadUntil("queried)");
         EXPECT_EQ(shown.find("\033[33m-2") == std::string::npos, *unwanted != '\0') << shown;
     }
@@ -81,7 +81,7 @@ TEST(Terminal, ColoursAreLeftOutOnRequest) {
 }
 
 TEST(Terminal, ALineFromOutsideStandsAboveTheOneThatIsEdited) {
-    PseudoTerminal terminal(Hxdpanel({}), "xterm", USUAL);
+    PseudoTerminal terminal(Command({}), "xterm", USUAL);
     terminal.ReadUntil("panel> ");
     const std::string typed = "set text " + std::string(100, 'x');  // in two rows
     terminal.Type(typed);
@@ -101,7 +101,7 @@ TEST(Terminal, LongWorkIsSeen) {
     const std::string panel = "/tmp/slow";
     ASSERT_EQ(::mkdir(panel.c_str(), 0755), 0);
     writeFile(panel + "/panel.ini", "[failures]\nhal_set_ip_addr=slow,1500\n");
-    PseudoTerminal terminal(Hxdpanel({"--panel", panel}), "xterm", USUAL);
+    PseudoTerminal terminal(Command({"--panel", panel}), "xterm", USUAL);
     terminal.ReadUntil("panel> ");
     terminal.Type("SetNetworkMode(0,1,r)\n");
     const std::string shown = terminal.ReadUntil("status ");
@@ -109,7 +109,7 @@ TEST(Terminal, LongWorkIsSeen) {
 }
 
 TEST(Terminal, TwoConsolesKeepEachOthersHistory) {
-    const Words console = Hxdpanel({"--launched", "--history-folder", "/tmp"});
+    const Words console = Command({"--launched", "--history-folder", "/tmp"});
     PseudoTerminal first(console, "xterm", USUAL);
     PseudoTerminal second(console, "xterm", USUAL);
     first.ReadUntil("panel> ");
