@@ -14,7 +14,7 @@
 #include "hxdpanel/base/ExitCode.h"
 #include "hxdpanel/base/Terminal.h"
 #include "hxdpanel/base/Text.h"
-#include "hxdpanel/console/Session.h"
+#include "hxdpanel/console/Vocabulary.h"
 
 namespace {
 
@@ -282,7 +282,8 @@ void ExplainExtras(const CLI::App& app) {
     std::string error;
     if (word.find('(') != std::string::npos)
         advice = "to run a command of the driver: hxdpanel exec '" + Visible(word) + "'";
-    else if (Session::Understands(line, error) && Session::PlaceOf(line) == Session::Place::PAGE)
+    else if (vocabulary::Understands(line, error) &&
+             vocabulary::PlaceOf(line) == vocabulary::Place::PAGE)
         advice = "to run a line of the console: hxdpanel exec '" + Visible(line) + "'";
     else if (!closest.empty())
         advice = "did you mean " + closest + "?";

@@ -6,7 +6,9 @@
 #include "hxdpanel/base/Interrupt.h"
 #include "hxdpanel/base/Terminal.h"
 #include "hxdpanel/console/Console.h"
+#include "hxdpanel/console/Help.h"
 #include "hxdpanel/console/Session.h"
+#include "hxdpanel/console/Vocabulary.h"
 #include "hxdpanel/host/Device.h"
 #include "hxdpanel/host/DriverLibrary.h"
 #include "hxdpanel/host/DriverOutput.h"
@@ -53,7 +55,7 @@ void Collect(Session& session) {
 int RunCommands(Session& session, const std::vector<std::string>& commands) {
     std::string error;
     for (const std::string& command : commands) {
-        if (!Session::Understands(command, error)) {
+        if (!vocabulary::Understands(command, error)) {
             std::fprintf(stderr, "%s\n", error.c_str());
             return EXIT_USAGE;
         }
@@ -286,7 +288,7 @@ int main(int argc, char** argv) {
         return exitCode;
     if (options.mode == Options::HELP) {
         const JsonLayout layout = JsonLayout::DOCUMENT;
-        return Session::PrintHelp(stdout, options.helpTopic, options.json ? &layout : nullptr);
+        return PrintHelp(stdout, options.helpTopic, options.json ? &layout : nullptr);
     }
     if (!sandbox::Inside()) {
         exitCode = sandbox::RunInside(options, argc, argv);

@@ -7,6 +7,7 @@
 #include "hxdpanel/base/Terminal.h"
 #include "hxdpanel/base/Text.h"
 #include "hxdpanel/console/Session.h"
+#include "hxdpanel/console/Vocabulary.h"
 #include "hxdpanel/host/DriverOutput.h"
 
 #include <fcntl.h>
@@ -273,7 +274,7 @@ int RunTerminal(Session& session, DriverOutput& output, const std::string& histo
 
 // What ends only with Ctrl-C would keep the lines behind it waiting for ever.
 int RunPiped(Session& session, const std::string& line) {
-    if (Session::PlaceOf(line) <= Session::Place::PIPE)
+    if (vocabulary::PlaceOf(line) <= vocabulary::Place::PIPE)
         return session.Run(line);
     std::fputs("watch has no end in a pipe; use: hxdpanel watch --count N\n", stderr);
     return EXIT_USAGE;

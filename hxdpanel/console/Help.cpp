@@ -4,6 +4,7 @@
 #include "hxdpanel/base/ExitCode.h"
 #include "hxdpanel/base/Terminal.h"
 #include "hxdpanel/base/Text.h"
+#include "hxdpanel/console/Vocabulary.h"
 #include "hxdpanel/host/HostValue.h"
 #include "hxdpanel/report/ChannelChoice.h"
 #include "hxdpanel/report/ChannelReport.h"
@@ -257,35 +258,8 @@ int PrintUnknown(const std::string& topic, const std::vector<ConsoleTopic>& cons
 
 }  // namespace
 
-const std::vector<ConsoleTopic>& ScriptLines() {
-    static const std::vector<ConsoleTopic> lines = {
-        {"expect",
-         "WHAT = VALUE",
-         "stop unless this holds: a channel, a variable, a status, or what the panel did",
-         ConsoleTopic::SCRIPT,
-         {"= may be != < <= > >=. A number may have ~ TOLERANCE; /.../ is a pattern, \"...\" a "
-          "text. "
-          "A number or a name is a channel's unless a variable has the name."},
-         {"expect 21 = 40", "expect 10 = 0.8 ~ 0.05", "expect serial = /^HX/", "expect r = 0",
-          "expect status 4", "expect panel beeped 900 Hz 50 ms", "expect panel not ran reboot"}},
-        {"wait",
-         "WHAT = VALUE within TIME",
-         "the same, or let the panel's clock go on until it holds",
-         ConsoleTopic::SCRIPT,
-         {"The clock is held in scripts, so that an hour costs nothing. Units: ms, s, m, h, d."},
-         {"wait 27 = 4 within 2h"}},
-        {"allow",
-         "unknown",
-         "from here on a command that the driver does not know is no failure",
-         ConsoleTopic::SCRIPT,
-         {},
-         {"allow unknown"}},
-    };
-    return lines;
-}
-
-int PrintHelp(std::FILE* out, const std::string& topic, const std::vector<ConsoleTopic>& console,
-              const JsonLayout* json) {
+int PrintHelp(std::FILE* out, const std::string& topic, const JsonLayout* json) {
+    const std::vector<ConsoleTopic> console = vocabulary::Topics();
     const std::string name = Trimmed(topic.substr(0, topic.find('(')));
     const Subject subject = Find(name, console);
     if (subject.IsEmpty())

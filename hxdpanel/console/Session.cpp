@@ -366,7 +366,7 @@ int Session::ShowTime() {
     return EXIT_DONE;
 }
 
-int Session::RunVars(const std::string&) {
+int Session::ShowVariables() {
     const std::map<std::string, HostValue> variables = m_database.Variables();
     Json list = Json::array();
     for (const auto& variable : variables)
@@ -381,4 +381,11 @@ int Session::RunVars(const std::string&) {
         std::fprintf(m_pOut, "%s = %s (%s)\n", Visible(variable.first).c_str(),
                      ValueText(variable.second).c_str(), TypeName(variable.second.type));
     return EXIT_DONE;
+}
+
+std::vector<std::string> Session::Completions(const std::string& line) const {
+    std::vector<std::string> variables;
+    for (const auto& variable : m_database.Variables())
+        variables.push_back(variable.first);
+    return vocabulary::Completions(line, variables);
 }

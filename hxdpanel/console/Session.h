@@ -2,10 +2,10 @@
 #ifndef HXDPANEL_SESSION_H
 #define HXDPANEL_SESSION_H
 
-#include "hxdpanel/console/Help.h"
 #include "hxdpanel/console/LineResult.h"
 #include "hxdpanel/console/Recorder.h"
 #include "hxdpanel/console/SharedRun.h"
+#include "hxdpanel/console/Vocabulary.h"
 #include "hxdpanel/host/Device.h"
 #include "hxdpanel/host/DriverOutput.h"
 #include "hxdpanel/host/HostDatabase.h"
@@ -56,12 +56,6 @@ public:
     // A console command, or a command of the driver as it stands. Blank lines do nothing.
     int Run(const std::string& line);
     int RunInTurn(const std::string& line) HXD_REQUIRES(m_shared.turn);
-    // What a line needs at least: quit ends the lines of a script, record writes one of what comes
-    // after it, and only at a terminal somebody ends what has no end.
-    enum class Place { PAGE, SCRIPT, PIPE, TERMINAL };
-    static Place PlaceOf(const std::string& line);
-    // False, with a message for the user, when Run() would find no meaning in the line.
-    static bool Understands(const std::string& line, std::string& error);
     bool Ended() const { return m_bEnded; }  // after quit
 
     // A reboot restarts the panel from now on, and results go to out; null: nowhere.
@@ -100,39 +94,23 @@ public:
     // What the last, unfinished word of the line may become.
     std::vector<std::string> Completions(const std::string& line) const;
 
-    // topic: as typed after help; json: null for text; needs no session.
-    static int PrintHelp(std::FILE* out, const std::string& topic, const JsonLayout* json);
-
 private:
-    struct ConsoleCommand {
-        ConsoleTopic topic;
-        int (Session::*run)(const std::string& rest);
-        Place place = Place::PAGE;
-    };
-    static const std::vector<ConsoleCommand>& ConsoleCommands();
-    static const ConsoleCommand* FindConsoleCommand(const std::string& name);
-    static std::vector<std::string> AllNames();
-    static std::string NoMeaning(const std::string& line);
     int RunDriverCommand(const std::string& text) HXD_REQUIRES(m_shared.turn);
     int RunHardware(const std::string& line, const std::string& why) HXD_REQUIRES(m_shared.turn);
     void NoteSaved(Outcome& outcome) HXD_REQUIRES(m_shared.turn);
     void TellActed(const std::string& line, int status, const std::string& meaning)
         HXD_REQUIRES(m_shared.turn);
-    int RunChannels(const std::string& rest) HXD_REQUIRES(m_shared.turn);
     int RunRead(const std::string& rest) HXD_REQUIRES(m_shared.turn);
     int RunWatch(const std::string& rest);
     int RunWrite(const std::string& rest) HXD_REQUIRES(m_shared.turn);
     int RunSet(const std::string& rest) HXD_REQUIRES(m_shared.turn);
-    int RunVars(const std::string& rest);
-    int RunNtp(const std::string& rest) HXD_REQUIRES(m_shared.turn);
-    int RunPanel(const std::string& rest) HXD_REQUIRES(m_shared.turn);
-    int RunHelp(const std::string& rest);
     int RunRecord(const std::string& rest);
-    int RunPage(const std::string& rest) HXD_REQUIRES(m_shared.turn);
-    int RunQuit(const std::string& rest);
+    int ShowVariables();
+    int ShowPage() HXD_REQUIRES(m_shared.turn);
 
     PanelSource Source() const HXD_REQUIRES(m_shared.turn);
     int RunMeaningful(const std::string& line) HXD_REQUIRES(m_shared.turn);
+    int RunVerb(vocabulary::Verb verb, const std::string& rest) HXD_REQUIRES(m_shared.turn);
 
     int Complain(const std::string& message);
     void PrintWrapped(const std::vector<std::string>& lines) const;  // but empty ones

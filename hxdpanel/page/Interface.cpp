@@ -4,6 +4,7 @@
 #include "SimPanel.h"
 #include "gui/PanelScreen.h"
 #include "hxdpanel/base/Text.h"
+#include "hxdpanel/console/Vocabulary.h"
 #include "hxdpanel/page/Files.h"
 #include "hxdpanel/page/Metrics.h"
 #include "hxdpanel/page/Results.h"
@@ -198,7 +199,7 @@ Response Interface::RunLine(const Call& call) {
     const std::string line = call.body["line"];
     if (!IsOneLine(line))
         return ErrorResponse(400, "the line has control characters");
-    if (Session::PlaceOf(line) > Session::Place::PAGE)
+    if (vocabulary::PlaceOf(line) > vocabulary::Place::PAGE)
         return ErrorResponse(400, "this is for the console only");
     const Session::Turn turn(m_session);
     Results results(m_session, m_witness);

@@ -24,12 +24,12 @@ std::string ClockState() {
 
 HardwareResult Clock(const std::vector<std::string>& words) {
     sim::SimPanel& panel = sim::SimPanel::Instance();
-    const std::string word = words.empty() ? "" : words[0];
+    if (words.empty())
+        return HardwareResult::Done("the clock " + ClockState(), {});
+    const std::string& word = words[0];
     long long milliseconds = 0;
     double speed = 0.0;
     std::string moved;
-    if (words.empty())
-        return HardwareResult::Done("the clock " + ClockState(), {});
     if (words.size() > 1)
         return HardwareResult::Refused(USAGE);
     if (word == "hold") {

@@ -8,6 +8,7 @@
 #include "hxdpanel/base/Interrupt.h"
 #include "hxdpanel/base/Text.h"
 #include "hxdpanel/console/Session.h"
+#include "hxdpanel/console/Vocabulary.h"
 #include "hxdpanel/report/ChannelChoice.h"
 #include "hxdpanel/report/ChannelReport.h"
 #include "hxdpanel/report/PanelReport.h"
@@ -92,9 +93,9 @@ void Script::RunLine(const std::string& line) {
 void Script::RunOther(const std::string& line) {
     m_bRead = false;
     std::string error;
-    if (!Session::Understands(line, error))
+    if (!vocabulary::Understands(line, error))
         return Fail("wanted a line that means something, got: " + error);
-    if (Session::PlaceOf(line) > Session::Place::SCRIPT)
+    if (vocabulary::PlaceOf(line) > vocabulary::Place::SCRIPT)
         return Fail("wanted a line with an end, got " + Visible(line));
     const int exitCode = m_session.Run(line);
     if (m_pEcho != nullptr)
