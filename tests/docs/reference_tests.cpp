@@ -44,6 +44,18 @@ std::vector<Lines> Rows(const char* document, const std::string& start) {
     return rows;
 }
 
+// The statuses of writes, which docs/channels.md explains in its own words.
+std::string WriteStatuses() {
+    std::string numbers;
+    bool isInTable = false;
+    for (const std::string& line : Document("channels.md")) {
+        isInTable = line == "| Status | Meaning | Channels |" || (isInTable && !line.empty());
+        if (isInTable && std::isdigit(static_cast<unsigned char>(line[2])) != 0)
+            numbers += (numbers.empty() ? "" : ", ") + line.substr(2, line.find(' ', 2) - 2);
+    }
+    return numbers;
+}
+
 std::string WritableText(const ChannelRow& channel) {
     switch (channel.input) {
         case ChannelRow::NOTHING:
@@ -119,10 +131,9 @@ TEST(CommandReference, HasTheStatusesOfTheCatalogue) {
             numbers += (numbers.empty() ? "" : ", ") + number;
             expected.insert("| " + number + " | " + meaning + " |");
             EXPECT_EQ(status.meaning.compare(0, meaning.size(), meaning), 0) << command.name;
-            const std::string writing = "| " + number + " | " + status.meaning + " |";
-            EXPECT_TRUE(i != COMMAND_OLMA_WRITE || Rows("channels.md", writing).size() == 1)
-                << "docs/channels.md lacks " << writing;
         }
+        if (i == COMMAND_OLMA_WRITE)
+            EXPECT_EQ(WriteStatuses(), numbers) << "docs/channels.md";
         EXPECT_EQ(rows[i][2].substr(0, rows[i][2].find(", or")), numbers)
             << "docs/commands.md: " << command.name;
     }
