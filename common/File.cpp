@@ -87,4 +87,17 @@ std::string File::readAll() {
     return content;
 }
 
+bool File::Write(const std::string& content) {
+    for (std::size_t done = 0; done < content.size();) {
+        const ssize_t count = hxd::RetryInterrupted(
+            [&] { return ::write(m_nFd, content.data() + done, content.size() - done); });
+        if (count <= 0) {
+            m_nErrno = errno;
+            return false;
+        }
+        done += static_cast<std::size_t>(count);
+    }
+    return true;
+}
+
 }  // namespace HXDCTRL

@@ -36,6 +36,8 @@ public:
     // what was read so far, the position as it was before, and LastError().
     std::string readAll();
 
+    bool Write(const std::string& content);  // all of it; false and LastError() on failure
+
     // Gives the descriptor away; the file is closed for its former owner.
     int Release();
     void Swap(File& other);  // exchanges the descriptors and their last errors

@@ -1,16 +1,13 @@
 #include "common/SettingsFile.h"
 
 #include "common/File.h"
-#include "common/Mutex.h"
 #include "common/Retry.h"
 #include "common/ScratchFolder.h"
 
 #include <errno.h>
 #include <fcntl.h>
 #include <limits.h>
-#include <stdlib.h>
 #include <sys/stat.h>
-#include <sys/syscall.h>
 #include <unistd.h>
 #include <QDir>
 #include <QFile>
@@ -59,18 +56,6 @@ std::string Resolve(std::string path) {
     return std::string();
 }
 
-bool WriteAll(const File& file, const std::string& content) {
-    for (std::size_t done = 0; done < content.size();) {
-        const ssize_t count = RetryInterrupted([&] {
-            return ::write(file.Descriptor(), content.data() + done, content.size() - done);
-        });
-        if (count <= 0)
-            return false;
-        done += static_cast<std::size_t>(count);
-    }
-    return true;
-}
-
 // One look at a file.
 struct FileView {
     bool exists = false;
@@ -92,115 +77,6 @@ struct FileView {
         return file.LastError() == 0;
     }
 };
-
-// A file without a name.
-int AnonymousFile() {
-#ifdef SYS_memfd_create
-    constexpr unsigned CLOSE_ON_EXEC = 1;
-    const long descriptor = ::syscall(SYS_memfd_create, "settings", CLOSE_ON_EXEC);
-    if (descriptor >= 0)
-        return static_cast<int>(descriptor);
-#endif
-#ifdef O_TMPFILE
-    const int nameless = ::open("/tmp", O_RDWR | O_TMPFILE | O_CLOEXEC, 0600);
-    if (nameless >= 0)
-        return nameless;
-#endif
-    char path[] = "/tmp/hxd_settings.XXXXXX";  // for kernels before 3.11
-    const int file = ::mkostemp(path, O_CLOEXEC);
-    if (file >= 0)
-        ::unlink(path);
-    return file;
-}
-
-// Gives the file a time that no file had before it: so QSettings, which knows it by its
-// descriptor's path and may have met another file there, reads it anew.
-bool MakeUnknown(const File& file) {
-    static std::atomic<long> seconds{0};
-    struct timespec times[2] = {};
-    times[0].tv_nsec = UTIME_OMIT;
-    times[1].tv_sec = ++seconds;
-    return ::futimens(file.Descriptor(), times) == 0;
-}
-
-bool Parse(const std::string& content, const char* codec, SettingsValues& values) {
-    values.clear();
-    const File file(AnonymousFile());
-    if (!file.IsOpen() || !WriteAll(file, content) || !MakeUnknown(file))
-        return false;
-    QSettings settings(QString::fromLatin1("/proc/self/fd/%1").arg(file.Descriptor()),
-                       QSettings::IniFormat);
-    if (settings.status() == QSettings::AccessError)
-        return false;
-    if (codec != nullptr)
-        settings.setIniCodec(codec);
-    const QStringList keys = settings.allKeys();
-    for (int i = 0; i < keys.size(); ++i)
-        values[keys.at(i)] = settings.value(keys.at(i));
-    return true;
-}
-
-}  // namespace
-
-struct ParsedSettings {
-    std::string content;
-    std::string codec;
-    SettingsValues values;
-};
-
-namespace {
-
-using Parsed = std::shared_ptr<const ParsedSettings>;
-
-std::string CodecName(const char* codec) {
-    return codec != nullptr ? codec : "";
-}
-
-// The last texts and what is in them, for all threads: every reading of the panel asks for the same
-// two files, and parsing costs ten times what reading does.
-class ParsedTexts {
-public:
-    Parsed Find(const std::string& content, const char* codec) {
-        const MutexLock guard(m_mutex);
-        for (const Parsed& known : m_known) {
-            if (known != nullptr && known->content == content && known->codec == CodecName(codec))
-                return known;
-        }
-        return nullptr;
-    }
-
-    void Keep(const Parsed& parsed) {
-        if (parsed->content.size() > KEPT_BYTES)
-            return;
-        const MutexLock guard(m_mutex);
-        m_known[m_nOldest] = parsed;
-        m_nOldest = (m_nOldest + 1) % KEPT_TEXTS;
-    }
-
-private:
-    static constexpr std::size_t KEPT_TEXTS = 4;
-    static constexpr std::size_t KEPT_BYTES = 64 << 10;  // of each
-
-    Mutex m_mutex;
-    Parsed m_known[KEPT_TEXTS] HXD_GUARDED_BY(m_mutex);
-    std::size_t m_nOldest HXD_GUARDED_BY(m_mutex) = 0;
-};
-
-// Null when it cannot be parsed.
-Parsed ParseOnce(const std::string& content, const char* codec) {
-    // Never destroyed: a host may exit while the driver's threads still read settings.
-    static ParsedTexts& texts = *new ParsedTexts;
-    Parsed known = texts.Find(content, codec);
-    if (known != nullptr)
-        return known;
-    const auto parsed = std::make_shared<ParsedSettings>();
-    if (!Parse(content, codec, parsed->values))
-        return nullptr;
-    parsed->content = content;
-    parsed->codec = CodecName(codec);
-    texts.Keep(parsed);
-    return parsed;
-}
 
 // QSettings writes a few odd keys, an encoded word in a line of its own or one in a section without
 // a name for example, in a way in which it does not find them again.
@@ -228,7 +104,7 @@ bool Change(const std::string& path, const char* codec, const SettingsValues& ch
 bool IsComplete(const std::string& content, const char* codec, const SettingsValues& changes,
                 std::size_t keyCount) {
     SettingsValues values;
-    if (content.empty() || content.back() != '\n' || !Parse(content, codec, values) ||
+    if (content.empty() || content.back() != '\n' || !ParseAnew(content, codec, values) ||
         values.size() < keyCount)
         return false;
     for (const auto& change : changes) {
@@ -288,17 +164,18 @@ bool Replace(const std::string& path, const char* codec, const SettingsValues& c
 
     struct stat status = {};
     {
-        const File file(::open(copy.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644));
-        if (!file.IsOpen() || !WriteAll(file, old.content) ||
+        File file;
+        if (!file.open(copy, O_WRONLY | O_CREAT | O_EXCL, 0644) || !file.Write(old.content) ||
             ::fstat(file.Descriptor(), &status) != 0)
             return false;
     }
     const mode_t mode = (old.exists ? old.status.st_mode : status.st_mode) & 0777;
     std::size_t keyCount = 0;
     FileView written;
-    return Change(copy, codec, changes, keyCount) && written.Read(copy, O_RDONLY) &&
-           IsComplete(written.content, codec, changes, keyCount) && Finish(copy, mode, old) &&
-           std::rename(copy.c_str(), path.c_str()) == 0;
+    if (!Change(copy, codec, changes, keyCount) || !written.Read(copy, O_RDONLY) ||
+        !IsComplete(written.content, codec, changes, keyCount))
+        return false;
+    return Finish(copy, mode, old) && std::rename(copy.c_str(), path.c_str()) == 0;
 }
 
 }  // namespace
@@ -311,7 +188,7 @@ void SettingsFile::Load() {
     if (!file.Read(QFile::encodeName(m_strFile).constData(), O_RDONLY))
         file.content.clear();
     if (m_pParsed == nullptr || m_pParsed->content != file.content)
-        m_pParsed = file.content.empty() ? nullptr : ParseOnce(file.content, m_pCodec);
+        m_pParsed = file.content.empty() ? nullptr : ParseSettings(file.content, m_pCodec);
 }
 
 QString SettingsFile::Value(const QString& key, const QString& defaultValue) const {

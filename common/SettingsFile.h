@@ -3,21 +3,11 @@
 #ifndef HXD_SETTINGSFILE_H
 #define HXD_SETTINGSFILE_H
 
-#include <QString>
-#include <QVariant>
-
-#include <map>
-#include <memory>
-#include <string>
+#include "common/ParsedSettings.h"
 
 namespace hxd {
 
 constexpr const char* CODEC_UTF8 = "UTF-8";
-
-// By key path, "SECTION/key".
-using SettingsValues = std::map<QString, QVariant>;
-
-struct ParsedSettings;
 
 // QSettings remembers every file by path, size and time, also what a full disk refused, and writes
 // in place with Qt 4. So it never gets to see the shared file: it works on copies under names that

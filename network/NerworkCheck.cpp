@@ -4,7 +4,6 @@
 #include "common/PublicFolder.h"
 #include "common/QtProcess.h"
 #include "common/QtText.h"
-#include "common/Retry.h"
 #include "network/ResolverText.h"
 
 #include <fcntl.h>
@@ -61,18 +60,8 @@ protected:
 // A new file each time: what somebody else has put there is neither followed nor written nor run.
 bool WriteScript(const QByteArray& text) {
     HXDCTRL::File script;
-    if (!hxd::MakeAnew(PING_SCRIPT_PATH, 0700, script))
-        return false;
-    for (int written = 0; written < text.size();) {
-        const ssize_t count = hxd::RetryInterrupted([&] {
-            return ::write(script.Descriptor(), text.constData() + written,
-                           static_cast<std::size_t>(text.size() - written));
-        });
-        if (count <= 0)
-            return false;
-        written += static_cast<int>(count);
-    }
-    return true;
+    return hxd::MakeAnew(PING_SCRIPT_PATH, 0700, script) &&
+           script.Write(std::string(text.constData(), static_cast<std::size_t>(text.size())));
 }
 
 // False, after the time-out or when it is no longer wanted, leaves it running.
