@@ -132,8 +132,9 @@ TEST(CommandReference, HasTheStatusesOfTheCatalogue) {
             expected.insert("| " + number + " | " + meaning + " |");
             EXPECT_EQ(status.meaning.compare(0, meaning.size(), meaning), 0) << command.name;
         }
-        if (i == COMMAND_OLMA_WRITE)
+        if (i == COMMAND_OLMA_WRITE) {
             EXPECT_EQ(WriteStatuses(), numbers) << "docs/channels.md";
+        }
         EXPECT_EQ(rows[i][2].substr(0, rows[i][2].find(", or")), numbers)
             << "docs/commands.md: " << command.name;
     }
