@@ -213,7 +213,7 @@ void Session::BeScript(std::FILE* out) {
 }
 
 int Session::Collect() {
-    const MutedDriver muted(m_output);
+    const MutedDriver muted(m_output, DriverOutput::COLLECTION);
     ++m_shared.collections;
     const std::unique_ptr<MovedClock> moved(m_bBrief ? new MovedClock : nullptr);
     const int status = m_device.Collect();

@@ -5,10 +5,12 @@
 #include <sys/eventfd.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdint>
 #include <cstdlib>
+#include <iterator>
 
 #include "hxdpanel/base/Terminal.h"
 #include "hxdpanel/base/Text.h"
@@ -44,6 +46,15 @@ void Reset(int event) {
 // Said by threads of the driver whenever they start and end, so it may come at any time.
 bool IsRoutine(const std::string& line) {
     return line == "task start......." || line == "task exit.....";
+}
+
+// Said while the clock is synchronised, which a thread of the driver's does whenever it likes.
+bool IsOfClock(const std::string& line) {
+    static const char* const begins[] = {"execNtp-",      "[tryToSend:", "[getServerTime:",
+                                         "[sendPacketTo", "date is :",   "open event fd"};
+    return std::any_of(std::begin(begins), std::end(begins), [&line](const std::string& begin) {
+        return line.compare(0, begin.size(), begin) == 0;
+    });
 }
 
 // Qt's messages take the way of everything that the driver prints.
@@ -119,16 +130,16 @@ void DriverOutput::Settle() {
         locker.Wait(m_settled);
 }
 
-void DriverOutput::Mute() {
+void DriverOutput::Mute(Muted what) {
     Settle();
     const hxd::MutexLock locker(m_lock);
-    ++m_nMuted;
+    ++m_muted[what];
 }
 
-void DriverOutput::Unmute() {
+void DriverOutput::Unmute(Muted what) {
     Settle();
     const hxd::MutexLock locker(m_lock);
-    --m_nMuted;
+    --m_muted[what];
 }
 
 void DriverOutput::Hold() {
@@ -244,13 +255,18 @@ bool DriverOutput::ReadSome(Source& source) {
     return true;
 }
 
+bool DriverOutput::IsMuted(const std::string& line) const {
+    return m_muted[EVERYTHING] > 0 || IsRoutine(line) ||
+           (m_muted[COLLECTION] > 0 && !IsOfClock(line));
+}
+
 // What goes to standard error is not the driver's alone, and nobody has muted it.
 void DriverOutput::Show(const Source& source, const std::string& line) {
     const bool isDriver = &source == &m_standard;
     const std::string visible = (isDriver ? "driver: " : "") + Visible(line);
     const std::string marked = terminal::Styled(stderr, terminal::FAINT, visible) + "\n";
     const hxd::MutexLock locker(m_lock);
-    if (isDriver && !m_bShowAll && (m_nMuted > 0 || IsRoutine(line)))
+    if (isDriver && !m_bShowAll && IsMuted(line))
         return;
     if (isDriver && m_tap)
         m_tap(line);

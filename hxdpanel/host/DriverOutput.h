@@ -7,6 +7,7 @@
 
 #include "common/Mutex.h"
 
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
@@ -29,9 +30,11 @@ public:
     // above the result they belong to.
     void Settle();
 
-    // Lines printed between Mute() and Unmute() are dropped, unless the user wants to see all.
-    void Mute();
-    void Unmute();
+    // Lines printed between Mute() and Unmute() are dropped, unless the user wants to see all:
+    // everything, or what a collection says and not what the clock's thread says meanwhile.
+    enum Muted { EVERYTHING, COLLECTION };
+    void Mute(Muted what = EVERYTHING);
+    void Unmute(Muted what = EVERYTHING);
     void ShowAll() { m_bShowAll = true; }
 
     // Lines, those for standard error too, are kept back between Hold() and Release(), while the
@@ -57,6 +60,7 @@ private:
     void Run();
     bool ReadSome(Source& source);
     void Show(const Source& source, const std::string& line);
+    bool IsMuted(const std::string& line) const HXD_REQUIRES(m_lock);
     void Print(const std::string& text) HXD_REQUIRES(m_lock);
     void DrawWork() HXD_REQUIRES(m_lock);
     void EraseWork() HXD_REQUIRES(m_lock);
@@ -80,7 +84,8 @@ private:
     bool m_bWorkDrawn HXD_GUARDED_BY(m_lock) = false;
     std::vector<std::string> m_held HXD_GUARDED_BY(m_lock);
     std::string m_strLastLine HXD_GUARDED_BY(m_lock);
-    int m_nMuted HXD_GUARDED_BY(m_lock) = 0;  // Mute() calls without their Unmute()
+    // Mute() calls without their Unmute(), of each kind.
+    std::array<int, 2> m_muted HXD_GUARDED_BY(m_lock) = {};
     std::function<void(const std::string& line)> m_tap HXD_GUARDED_BY(m_lock);
     std::atomic<bool> m_bShowAll{false};
 
@@ -90,13 +95,17 @@ private:
 // Drops what the driver prints while it lives: collections and the start say the same every time.
 class MutedDriver {
 public:
-    explicit MutedDriver(DriverOutput& output) : m_output(output) { m_output.Mute(); }
-    ~MutedDriver() { m_output.Unmute(); }
+    explicit MutedDriver(DriverOutput& output, DriverOutput::Muted what = DriverOutput::EVERYTHING)
+        : m_output(output), m_eWhat(what) {
+        m_output.Mute(m_eWhat);
+    }
+    ~MutedDriver() { m_output.Unmute(m_eWhat); }
     MutedDriver(const MutedDriver&) = delete;
     MutedDriver& operator=(const MutedDriver&) = delete;
 
 private:
     DriverOutput& m_output;
+    const DriverOutput::Muted m_eWhat;
 };
 
 // While it lives a terminal shows that the driver is at work on what was asked of it.
