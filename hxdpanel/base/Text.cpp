@@ -108,6 +108,20 @@ std::string TimeText(const std::tm& time) {
     return text.data();
 }
 
+std::string IsoTime(std::chrono::system_clock::time_point time) {
+    const auto passed =
+        std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch());
+    const std::time_t seconds = std::chrono::system_clock::to_time_t(time);
+    std::tm local = {};
+    ::localtime_r(&seconds, &local);
+    std::array<char, 32> text = {};
+    std::array<char, 24> milliseconds = {};
+    std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%S%z", &local);
+    std::snprintf(milliseconds.data(), milliseconds.size(), ".%03d",
+                  static_cast<int>(passed.count() % 1000));
+    return std::string(text.data()).insert(22, 1, ':').insert(19, milliseconds.data());
+}
+
 std::string AddressText(std::uint32_t address) {
     std::array<char, INET_ADDRSTRLEN> text = {};
     ::inet_ntop(AF_INET, &address, text.data(), text.size());

@@ -2,6 +2,7 @@
 #ifndef HXDPANEL_TEXT_H
 #define HXDPANEL_TEXT_H
 
+#include <chrono>
 #include <cstdint>
 #include <ctime>
 #include <string>
@@ -18,6 +19,9 @@ std::string NumberText(double number);
 
 // "2026-01-31 08:00:00"
 std::string TimeText(const std::tm& time);
+
+// The local time, to the millisecond, as in ISO 8601: "2026-01-31T08:00:00.000+01:00"
+std::string IsoTime(std::chrono::system_clock::time_point time = std::chrono::system_clock::now());
 
 // address: IPv4, network byte order.
 std::string AddressText(std::uint32_t address);

@@ -52,6 +52,20 @@ bool Matches(const std::string& pattern, const std::string& path, std::string& n
     return !name.empty() && path.compare(0, brace, pattern, 0, brace) == 0;
 }
 
+// A misspelt parameter would be answered as if it were not there.
+bool TakesArguments(const Request& request, const char* parameter, Response& refusal) {
+    for (const auto& argument : request.arguments) {
+        if (parameter != nullptr && argument.first == parameter)
+            continue;
+        refusal =
+            ErrorResponse(400, "there is no parameter " + Visible(argument.first) +
+                                   (parameter != nullptr ? std::string(" here, only ") + parameter
+                                                         : " here, and no other"));
+        return false;
+    }
+    return true;
+}
+
 // What changes something comes with an object. Its type is what a form of another site cannot send.
 bool TakesBody(const Request& request, Json& body, Response& refusal) {
     if (request.method == "GET")
@@ -72,25 +86,25 @@ bool TakesBody(const Request& request, Json& body, Response& refusal) {
 const std::vector<Interface::Route>& Interface::Routes() {
     static const std::vector<Route> routes = {
         {"GET", "/api", &Interface::Index},
-        {"GET", "/api/channels", &Interface::Channels},
+        {"GET", "/api/channels", &Interface::Channels, "channels"},
         {"GET", "/api/channels/{channel}", &Interface::ReadChannel},
         {"PUT", "/api/channels/{channel}", &Interface::WriteChannel},
         {"POST", "/api/run", &Interface::RunLine},
         {"GET", "/api/variables", &Interface::Variables},
         {"PUT", "/api/variables/{name}", &Interface::SetVariable},
         {"GET", "/api/help", &Interface::Help},
-        {"GET", "/api/complete", &Interface::Complete},
+        {"GET", "/api/complete", &Interface::Complete, "line"},
         {"GET", "/api/panel", &Interface::Panel},
         {"GET", "/api/faults", &Interface::Faults},
         {"GET", "/api/time", &Interface::Time},
-        {"GET", "/api/screen.png", &Interface::Screen},
+        {"GET", "/api/screen.png", &Interface::Screen, "n"},
         {"GET", "/api/captures", &Interface::Captures},
         {"GET", "/api/captures/{name}", &Interface::Capture},
         {"GET", "/api/events", &Interface::Events},
         {"GET", "/api/openapi.json", &Interface::Description},
         {"GET", "/api/json-schema.json", &Interface::Objects},
         {"GET", "/metrics", &Interface::Metrics},
-        {"GET", "/", &Interface::FirstFile},
+        {"GET", "/", &Interface::FirstFile, "token"},
         {"GET", "/page/{file}", &Interface::File},
         {"GET", "/vendor/{file}", &Interface::Library},
     };
@@ -129,7 +143,8 @@ Response Interface::Dispatch(const Request& request) {
             continue;
         if (request.method == route.method) {
             Response refusal;
-            if (!TakesBody(request, call.body, refusal))
+            if (!TakesArguments(request, route.parameter, refusal) ||
+                !TakesBody(request, call.body, refusal))
                 return refusal;
             return (this->*route.answer)(call);
         }
@@ -161,23 +176,30 @@ bool Interface::KnowsChannel(const std::string& word, Response& error) const {
     return false;
 }
 
-Response Interface::Channels(const Call& call) {
+Response Interface::Acting(const std::function<void()>& work) {
     const Session::Turn turn(m_session);
-    const MutedLog muted(m_witness);
     Results results(m_session, m_witness);
-    m_session.ShowChannels(SplitAt(',', Argument(call.request, "channels")));
+    work();
     return results.Answer();
+}
+
+Response Interface::Reading(const std::function<void()>& work) {
+    return Acting([&] {
+        const MutedLog muted(m_witness);
+        work();
+    });
+}
+
+Response Interface::Channels(const Call& call) {
+    return Reading(
+        [&] { m_session.ShowChannels(SplitAt(',', Argument(call.request, "channels"))); });
 }
 
 Response Interface::ReadChannel(const Call& call) {
     Response error;
     if (!KnowsChannel(call.name, error))
         return error;
-    const Session::Turn turn(m_session);
-    const MutedLog muted(m_witness);
-    Results results(m_session, m_witness);
-    m_session.Read(call.name);
-    return results.Answer();
+    return Reading([&] { m_session.Read(call.name); });
 }
 
 Response Interface::WriteChannel(const Call& call) {
@@ -187,10 +209,7 @@ Response Interface::WriteChannel(const Call& call) {
         return error;
     if (!ValueAsTyped(call.body, text))
         return ErrorResponse(400, "the body needs a value, a number or a text");
-    const Session::Turn turn(m_session);
-    Results results(m_session, m_witness);
-    m_session.Write(call.name, text);
-    return results.Answer();
+    return Acting([&] { m_session.Write(call.name, text); });
 }
 
 Response Interface::RunLine(const Call& call) {
@@ -207,15 +226,8 @@ Response Interface::RunLine(const Call& call) {
     return results.AnswerToLine(line);
 }
 
-Response Interface::AnswerTo(const char* line) {
-    const Session::Turn turn(m_session);
-    Results results(m_session, m_witness);
-    m_session.RunInTurn(line);
-    return results.Answer();
-}
-
 Response Interface::Variables(const Call&) {
-    return AnswerTo("vars");
+    return Acting([this] { m_session.RunInTurn("vars"); });
 }
 
 Response Interface::SetVariable(const Call& call) {
@@ -230,14 +242,11 @@ Response Interface::SetVariable(const Call& call) {
     std::string error;
     if (!ParseDefinition(call.name + (type.empty() ? "" : ":" + type), text, definition, error))
         return ErrorResponse(400, error);
-    const Session::Turn turn(m_session);
-    Results results(m_session, m_witness);
-    m_session.SetVariable(definition);
-    return results.Answer();
+    return Acting([&] { m_session.SetVariable(definition); });
 }
 
 Response Interface::Help(const Call&) {
-    return AnswerTo("help");
+    return Acting([this] { m_session.RunInTurn("help"); });
 }
 
 Response Interface::Complete(const Call& call) {
@@ -246,10 +255,7 @@ Response Interface::Complete(const Call& call) {
 }
 
 Response Interface::Panel(const Call&) {
-    const Session::Turn turn(m_session);
-    Results results(m_session, m_witness);
-    m_session.ShowPanel();
-    return results.Answer();
+    return Acting([this] { m_session.ShowPanel(); });
 }
 
 Response Interface::Faults(const Call&) {
@@ -265,11 +271,7 @@ Response Interface::Faults(const Call&) {
 }
 
 Response Interface::Time(const Call&) {
-    const Session::Turn turn(m_session);
-    const MutedLog muted(m_witness);
-    Results results(m_session, m_witness);
-    m_session.ShowTime();
-    return results.Answer();
+    return Reading([this] { m_session.ShowTime(); });
 }
 
 Response Interface::Screen(const Call&) {

@@ -10,6 +10,7 @@
 #include "hxdpanel/page/Readings.h"
 #include "hxdpanel/page/Witness.h"
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -36,6 +37,7 @@ private:
         const char* method;
         const char* path;  // may end with a part in braces, which stands for any text
         Response (Interface::*answer)(const Call& call);
+        const char* parameter = nullptr;  // of the query; null: it takes none
     };
     static const std::vector<Route>& Routes();
     Response Dispatch(const Request& request);
@@ -63,7 +65,10 @@ private:
     Response File(const Call& call);
     Response Library(const Call& call);
 
-    Response AnswerTo(const char* line);  // what the console answers to it
+    // What the session answers to this work, in its turn. Reading logs the same every time, and
+    // nothing of it is told.
+    Response Acting(const std::function<void()>& work);
+    Response Reading(const std::function<void()>& work);
     bool KnowsChannel(const std::string& word, Response& error) const;
 
     Session& m_session;

@@ -2,9 +2,9 @@
 
 #include "SimPanel.h"
 #include "common/ResultCodes.h"
+#include "hxdpanel/base/Text.h"
 #include "hxdpanel/panel/CommandsRun.h"
 #include "hxdpanel/report/ChannelChoice.h"
-#include "hxdpanel/report/ChannelReport.h"
 
 #include <poll.h>
 #include <sys/eventfd.h>

@@ -2,7 +2,6 @@
 
 #include "hxdpanel/base/Terminal.h"
 #include "hxdpanel/base/Text.h"
-#include "hxdpanel/report/ChannelReport.h"
 #include "hxdpanel/report/PanelReport.h"
 
 #include <cstdio>

@@ -5,9 +5,7 @@
 #include "hxdpanel/base/Text.h"
 
 #include <algorithm>
-#include <array>
 #include <climits>
-#include <ctime>
 
 namespace {
 
@@ -153,16 +151,4 @@ std::vector<std::pair<std::string, std::string>> ScreenRows(const HostDatabase& 
                           channel.Value() + channel.UnitSuffix());
     }
     return rows;
-}
-
-std::string IsoTime() {
-    timespec now = {};
-    ::clock_gettime(CLOCK_REALTIME, &now);
-    std::tm local = {};
-    ::localtime_r(&now.tv_sec, &local);
-    std::array<char, 32> text = {};
-    std::array<char, 24> milliseconds = {};
-    std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%S%z", &local);
-    std::snprintf(milliseconds.data(), milliseconds.size(), ".%03ld", now.tv_nsec / 1000000);
-    return std::string(text.data()).insert(22, 1, ':').insert(19, milliseconds.data());
 }

@@ -28,7 +28,4 @@ std::string AcceptedText(const ChannelRow& row);
 // Name and value of each channel, for the picture of the panel's screen.
 std::vector<std::pair<std::string, std::string>> ScreenRows(const HostDatabase& database);
 
-// The local time, to the millisecond, as in ISO 8601.
-std::string IsoTime();
-
 #endif

@@ -86,6 +86,8 @@ private:
     std::string m_errors;
 };
 
+constexpr in_addr_t OTHER_ADDRESS = INADDR_LOOPBACK + 1;  // of this machine
+
 // The objects of the description and those that it refers to, in one.
 JsonSchema SchemaOf(const Json& description, Json objects) {
     const Json& own = description["components"]["schemas"];
@@ -184,6 +186,8 @@ TEST(Page, MistakesAreAnsweredWithTheirStatus) {
         {"POST", "/api/run", "{\"line\": 5}", 400, "needs a line"},
         {"DELETE", "/api/channels/21", "{}", 405, "GET, PUT"},
         {"GET", "/api/nothing", "", 404, "nothing"},
+        {"GET", "/api/channels?channel=21", "", 400, "only channels"},
+        {"GET", "/api/panel?channels=21", "", 400, "no parameter channels"},
     };
     for (const auto& row : cases) {
         const Answer answer = Exchange(panel.Port(), Text(row.method, row.path, row.body));
@@ -324,6 +328,7 @@ TEST(Page, OthersMayNotAsk) {
     for (const auto& row : cases)
         EXPECT_EQ(Exchange(panel.Port(), row.request).status, row.status)
             << row.request.substr(0, 200);
+    EXPECT_FALSE(http::Connection(panel.Port(), 0, OTHER_ADDRESS).IsOpen());
     // Refused before it is all read, so the answer may get lost.
     EXPECT_NE(Exchange(panel.Port(), Text("GET", "/", "", "X: " + large + "\r\n")).status, 200);
     const Answer answer = panel.Get("/api/panel");
@@ -383,7 +388,8 @@ TEST(Page, AFloodIsBounded) {
 }
 
 TEST(Page, WithListenTheTokenIsNeeded) {
-    Panel panel(QStringList() << QLatin1String("--listen") << QLatin1String("127.0.0.1"));
+    Panel panel(QStringList() << QLatin1String("--listen") << QLatin1String("0.0.0.0"));
+    EXPECT_TRUE(http::Connection(panel.Port(), 0, OTHER_ADDRESS).IsOpen());
     ASSERT_EQ(panel.Token().size(), 32U);
     const std::string cookie =
         "Cookie: hxdpanel-" + std::to_string(panel.Port()) + "=" + panel.Token() + "\r\n";
@@ -403,7 +409,7 @@ TEST(Page, WithListenTheTokenIsNeeded) {
     EXPECT_EQ(panel.Get("/api/channels", cookie).status, 200);
 }
 
-// Only numbers that mean something, in both formats.
+// Only numbers that mean something.
 TEST(Page, MetricsAreReadable) {
     Panel panel;
     panel.Run("fail hal_uart_info -5");
@@ -417,14 +423,6 @@ TEST(Page, MetricsAreReadable) {
           "\nhxdpanel_panel_info{serial_number=\"HX", "\n# EOF\n"})
         EXPECT_NE(open.body.find(line), std::string::npos) << line << open.body;
     EXPECT_EQ(open.body.find("com1_use"), std::string::npos) << "-2: cannot be queried";
-    writeFile("/tmp/metrics", panel.Get("/metrics").body);
-    if (::access("/usr/bin/promtool", X_OK) == 0) {
-        EXPECT_EQ(QProcess::execute(QLatin1String("sh"),
-                                    QStringList()
-                                        << QLatin1String("-c")
-                                        << QLatin1String("promtool check metrics </tmp/metrics")),
-                  0);
-    }
 }
 
 namespace {

@@ -17,15 +17,15 @@
 
 namespace http {
 
-// An open connection to 127.0.0.1.
+// An open connection to 127.0.0.1, or to another address (in host byte order).
 class Connection {
 public:
-    explicit Connection(int port, int receiveBuffer = 0)
+    explicit Connection(int port, int receiveBuffer = 0, in_addr_t host = INADDR_LOOPBACK)
         : m_socket(::socket(AF_INET, SOCK_STREAM, 0)) {
         sockaddr_in address = {};
         address.sin_family = AF_INET;
         address.sin_port = htons(static_cast<std::uint16_t>(port));
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        address.sin_addr.s_addr = htonl(host);
         if (receiveBuffer > 0)
             ::setsockopt(m_socket, SOL_SOCKET, SO_RCVBUF, &receiveBuffer, sizeof receiveBuffer);
         m_open = ::connect(m_socket, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0;
