@@ -17,29 +17,14 @@ command_bench() {
 run_peers() {
     local results=build/peers/results
     require_packages "${peer_packages[@]}"
-    unpack_peers build/peers/root
+    unpack_packages build/peers/root "${unpacked_peers[@]}"
+    # Where ntpdig looks for it when it is not installed.
+    cp build/peers/root/usr/lib/*/ntp/libntpc.so.1 \
+        build/peers/root/usr/lib/python3/dist-packages/ntp/libntpc.so
     mkdir -p "$results"
     "$in_panel" --rw "$PWD/$results" -- \
         python3 bench/peers.py build/release build/peers/root "$results/peers.json"
     say "the same as JSON: $results/peers.json"
-}
-
-# Not installed: as packages they would run from then on.
-unpack_peers() {  # FOLDER
-    local package
-    [[ ! -e $1 ]] || return 0
-    say "unpacking ${unpacked_peers[*]}"
-    rm -rf build/peers/new
-    mkdir -p build/peers/new/packages
-    (cd build/peers/new/packages && apt-get download "${unpacked_peers[@]}") >&2 ||
-        die "could not download them (apt-get update?)"
-    for package in build/peers/new/packages/*.deb; do
-        dpkg-deb -x "$package" build/peers/new
-    done
-    # Where ntpdig looks for it when it is not installed.
-    cp build/peers/new/usr/lib/*/ntp/libntpc.so.1 \
-        build/peers/new/usr/lib/python3/dist-packages/ntp/libntpc.so
-    mv build/peers/new "$1"
 }
 
 # The same everywhere: libc and Qt choose their code by the processor, and large copies by its caches.

@@ -20,10 +20,16 @@ std::string LastClockCommand() {
     return last;
 }
 
-// What the real-time clock was set to last; empty: it was not.
-std::string LastRealTimeClock() {
-    const auto settings = sim::SimPanel::Instance().State().rtcSettings;
-    return settings.empty() ? "" : TimeText(settings.back());
+// What the real-time clock was set to last, and when; both empty: it was not.
+struct RtcSetting {
+    std::string value;
+    std::string when;
+};
+RtcSetting LastRtcSetting() {
+    const sim::PanelState state = sim::SimPanel::Instance().State();
+    if (state.rtcSettings.empty())
+        return {};
+    return {TimeText(state.rtcSettings.back()), IsoTime(state.rtcSetAt)};
 }
 
 ShownChannels Settings(const HostDatabase& database) {
@@ -39,7 +45,7 @@ void PrintTime(std::FILE* out, const HostDatabase& database, const std::string& 
     for (const ShownChannel& channel : Settings(database))
         std::fprintf(out, "%s\n", ChannelText(channel).c_str());
     const std::string clock = LastClockCommand();
-    const std::string realTimeClock = LastRealTimeClock();
+    const std::string realTimeClock = LastRtcSetting().value;
     std::fprintf(out, "\nSystem clock     %s\n",
                  clock.empty() ? "not set in this run" : clock.c_str());
     std::fprintf(
@@ -55,8 +61,10 @@ void PrintTime(std::FILE* out, const HostDatabase& database, const std::string& 
 }
 
 Json TimeJson(const HostDatabase& database, const std::string& lastResult) {
+    const RtcSetting realTimeClock = LastRtcSetting();
     return {{"settings", ChannelsJson(Settings(database))},
             {"systemClock", TextOrNull(LastClockCommand())},
-            {"realTimeClock", TextOrNull(LastRealTimeClock())},
+            {"realTimeClock", TextOrNull(realTimeClock.value)},
+            {"realTimeClockSetAt", TextOrNull(realTimeClock.when)},
             {"lastSynchronisation", TextOrNull(lastResult)}};
 }

@@ -12,6 +12,7 @@
 #include "olma_hal.h"
 
 #include <atomic>
+#include <chrono>
 #include <cstddef>
 #include <ctime>
 #include <deque>
@@ -93,6 +94,7 @@ struct PanelState {
     std::deque<std::string> guiCalls;  // "__gui_get_buzzing_time(1)", ...
     std::deque<hal_network_t> appliedRecords;
     std::deque<std::tm> rtcSettings;
+    std::chrono::system_clock::time_point rtcSetAt;  // the newest of these
     std::deque<LogLine> log;
     int echoLogLevel = 0;  // lines up to this level also go to standard error; 0: none
 

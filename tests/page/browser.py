@@ -13,7 +13,8 @@ import urllib.error
 import urllib.request
 
 ELEMENT = 'element-6066-11e4-a52e-4f735466cecf'
-KEYS = {'Tab': '\ue004', 'Enter': '\ue007', 'Escape': '\ue00c', 'ArrowDown': '\ue015'}
+KEYS = {'Tab': '\ue004', 'Enter': '\ue007', 'Escape': '\ue00c', 'ArrowDown': '\ue015', 'ArrowUp': '\ue013',
+        'ArrowLeft': '\ue012'}
 ARGUMENTS = ['--headless=new', '--no-sandbox', '--disable-gpu', '--disable-dev-shm-usage', '--no-first-run',
              '--hide-scrollbars', '--window-size=1280,900']
 
@@ -92,8 +93,8 @@ class Panel:
 
 
 @contextlib.contextmanager
-def panel(program, port=0):
-    command = [program, '--fresh', '--page', str(port)]
+def panel(program, *options, port=0):
+    command = [program, '--fresh', *options, '--page', str(port)]
     with process(command, stdin=subprocess.PIPE) as made:
         yield Panel(made)
 
@@ -145,9 +146,8 @@ class Browser:
         wait_for(f'{selector} to be clicked', attempt, lambda unmet: unmet is None)
 
     def fill(self, selector, text):
-        element = self.find(selector)
-        self._ask('POST', element + '/clear', {})
-        self._ask('POST', element + '/value', {'text': text})
+        self.script('const field = document.querySelector(arguments[0]); field.focus(); field.select()', selector)
+        self.press(text)
 
     def press(self, *keys):
         """To whatever has the focus: names of KEYS, else texts to type."""

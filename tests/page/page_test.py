@@ -1,16 +1,19 @@
 #!/usr/bin/env python3
-"""The panel's page in a real browser. HXDPANEL names the program; --pictures FOLDER makes the pictures of the
-README there instead."""
+"""The panel's page in a real browser. HXDPANEL names the program, PROMTOOL Prometheus's checker; --pictures FOLDER
+makes the pictures of the README there instead."""
 import contextlib
 import os
 import re
+import subprocess
 import sys
 import time
 import unittest
+import urllib.request
 
 from browser import Unmet, browser, panel, wait_for
 
 PROGRAM = os.environ.get('HXDPANEL', 'build/dev/bin/hxdpanel')
+PROMTOOL = os.environ.get('PROMTOOL', 'build/prometheus/usr/bin/promtool')
 
 # How bright the picture of the panel's screen is, 0 to 255.
 BRIGHTNESS = """
@@ -86,6 +89,10 @@ class PageTest(unittest.TestCase):
         page.wait_for_text('#interfaces', 'eth1unplugged')
         page.click('#com-ports [aria-label="COM1 off"]')
         channel_is(page, 29, '-2')
+        page.fill('#com-ports [aria-label="COM2: use in %"]', '400')
+        page.press('Enter')
+        page.wait_for_text('#panel .answer[data-good="false"]', 'com')
+        self.assertNotEqual(page.script("return document.querySelector('#com-ports [data-key=COM2]').value"), '400')
 
     def test_a_write_dims_the_screen(self):
         page = self.page
@@ -122,6 +129,11 @@ class PageTest(unittest.TestCase):
         write(page, 21, '35')
         wait_for('a mark', lambda: page.script('return document.querySelector("#marks i")?.title ?? null'),
                  lambda title: title and title.startswith('write 21 35  by the page, status 0'))
+        page.script('document.querySelector(".graph").focus()')
+        page.press('ArrowUp')
+        page.wait_for_text('#plot-point', 'CPU use [0-9.]+; write 21 35')
+        page.press('ArrowLeft')
+        page.wait_for_text('#plot-point', 'CPU use [0-9.]+$')
         page.script("""URL.createObjectURL = blob => { blob.text().then(text => { window.saved = text; }); return '#'; };
                        document.getElementById('csv').click();""")
         saved = wait_for('the CSV', lambda: page.script('return window.saved ?? null'), bool).splitlines()
@@ -156,6 +168,25 @@ class PageTest(unittest.TestCase):
                  lambda count: count == 1)
         self.assertNotEqual(text_of('#system-clock'), begun)
 
+    def test_a_synchronisation_is_told_as_it_ends(self):
+        page = self.page
+        with panel(PROGRAM, '--time-server', '--panel', 'tests/panels/nand') as timed:
+            open_page(page, timed.address)
+            for line in ('SetNTPMode(0)', 'EnableNTP(1)', 'fail hal_set_rtc_time', 'ExecNTP(page_sync)'):
+                command(page, line)
+            page.wait_for_text('#time-attempts', 'platform could not set the battery')
+            self.assertNotIn('is set to', page.text('#time-attempts'))
+            self.assertEqual(page.text('#battery-clock'), 'not set in this run')
+            command(page, 'mend all')
+            page.click('#time-now')
+            page.wait_for_text('#time-attempts', 'clock is set to')
+            page.wait_for_text('#battery-clock', ':\d\d$')
+            begun = page.text('#battery-clock')
+            wait_for('the clock to run on', lambda: page.text('#battery-clock'), lambda text: text != begun)
+            page.fill('#amounts [aria-label="Bad blocks"]', '7')
+            page.press('Enter')
+            page.wait_for_text('#storage', '7 bad')
+
     def test_two_browsers_and_the_console_see_the_same(self):
         other = self.enterContext(browser())
         open_page(other, self.panel.address)
@@ -182,7 +213,7 @@ class PageTest(unittest.TestCase):
         page.wait_for_text('#connection', 'live, restart at')
         self.panel.end()
         page.wait_for_text('#connection', 'no connection')
-        with panel(PROGRAM, self.panel.port) as again:
+        with panel(PROGRAM, port=self.panel.port) as again:
             page.wait_for_text('#connection', 'live')
             again.type('write 21 15')
             channel_is(page, 21, '15')
@@ -199,8 +230,36 @@ class PageTest(unittest.TestCase):
         write(page, 15, attack)
         channel_is(page, 15, re.escape(attack))
         page.wait_for_text('#time-servers', 'onerror')
+        command(page, 'SAVESCREEN($OLMA_DIR_USR/<img src=x onerror=document.title=3>.png)')
+        wait_for('the capture', lambda: page.script('return document.querySelector(".capture img")?.alt ?? null'),
+                 lambda name: name and 'onerror' in name)
+        page.script("""return import('/page/bus.js').then(bus => bus.announce('log',
+            { time: '', level: 'output', text: `[tryToSend:187]failed:${arguments[0]}` }))""", attack)
+        page.wait_for_text('#log', 'onerror')
+        page.wait_for_text('#time-attempts', 'onerror')
         self.assertEqual(page.script("return document.querySelectorAll('[onerror], main script').length"), 0)
         self.assertIn('hxdpanel', page.script('return document.title'))
+
+    def test_nothing_is_wider_than_a_small_window(self):
+        page = self.page
+        self.addCleanup(page.devtools, 'Emulation.clearDeviceMetricsOverride')
+        page.devtools('Emulation.setDeviceMetricsOverride', width=360, height=740, deviceScaleFactor=1, mobile=False)
+        long = 'x' * 100
+        command(page, f'set {long}:text {long}')
+        command(page, f'STRSHA256({long},{long})')
+        write(page, 15, long)
+        page.wait_for_text('#activity', 'write 15')
+        wait_for('the plots', lambda: page.script(DRAWN), bool)
+        self.assertEqual(page.script('return document.documentElement.scrollWidth'), 360)
+
+    @unittest.skipUnless(os.path.exists(PROMTOOL), 'no promtool')
+    def test_prometheus_finds_no_fault_with_the_metrics(self):
+        command(self.page, 'fail hal_uart_info -5')
+        with urllib.request.urlopen(self.panel.address + 'metrics', timeout=60) as answer:
+            text = answer.read()
+        checked = subprocess.run([PROMTOOL, 'check', 'metrics'], input=text,
+                                 capture_output=True, check=False)
+        self.assertEqual((checked.returncode, checked.stderr), (0, b''))
 
     def test_the_keyboard_alone_reaches_a_write_and_a_command(self):
         page = self.page

@@ -1,7 +1,7 @@
 // What the plots show as a file: a line for each reading, as "watch --csv" writes it, and what was
 // done before it in a last column.
 import { element } from './dom.js';
-import { marks, times, values } from './readings.js';
+import { actsBefore, times, values } from './readings.js';
 
 const quoted = text => `"${text.replaceAll('"', '""')}"`;
 
@@ -10,7 +10,7 @@ function title(channel) {
 }
 
 function line(channels, i) {
-  const acts = marks.filter(({ time }) => time <= times[i] && time > (times[i - 1] ?? 0));
+  const acts = actsBefore(i);
   return [new Date(times[i]).toISOString(), ...channels.map(channel => values[i].get(channel.number) ?? ''),
     acts.length ? quoted(acts.map(act => act.text).join('; ')) : ''].join(',');
 }

@@ -1,5 +1,5 @@
 // Functions of the platform that can fail or be slow: one is chosen in the table and acted on above it.
-import { listen } from './bus.js';
+import { listen, state } from './bus.js';
 import { answer, byId, element, setText } from './dom.js';
 import { act } from './hardware.js';
 
@@ -22,10 +22,10 @@ function actOnChosen(event) {
 
 function buildRow({ function: name }) {
   const radio = element('input', { type: 'radio', name: 'function', value: name });
-  const state = element('td');
+  const shown = element('td');
   const hits = element('td');
-  const row = element('tr', {}, element('th', { scope: 'row', title: name }, element('label', {}, radio, name)), state, hits);
-  rows.set(name, { row, state, hits });
+  const row = element('tr', {}, element('th', { scope: 'row', title: name }, element('label', {}, radio, name)), shown, hits);
+  rows.set(name, { row, shown, hits });
   return row;
 }
 
@@ -34,19 +34,25 @@ function stateText({ result, timesLeft: left, slowMs }) {
   return what && left !== null ? `${what}, ${left || 'no'} more` : what;
 }
 
-function show({ functions }) {
-  if (rows.size === 0) section.querySelector('tbody').replaceChildren(...functions.map(buildRow));
-  for (const one of functions) {
-    const { row, state, hits } = rows.get(one.function);
-    setText(state, stateText(one));
-    state.title = state.textContent;
-    setText(hits, one.hits ? String(one.hits) : '');
-    row.dataset.set = state.textContent !== '';
+function build({ functions }) {
+  section.querySelector('tbody').replaceChildren(...functions.map(buildRow));
+  if (state('panel')) show(state('panel'));
+}
+
+// The panel tells of those that are not as they were made.
+function show({ failures }) {
+  for (const [name, { row, shown, hits }] of rows) {
+    const failure = failures.find(one => one.function === name);
+    setText(shown, failure ? stateText(failure) : '');
+    shown.title = shown.textContent;
+    setText(hits, failure?.hits ? String(failure.hits) : '');
+    row.dataset.set = shown.textContent !== '';
   }
 }
 
 export function start() {
   for (const verb of Object.keys(ACTIONS)) byId(verb).addEventListener('click', actOnChosen);
   byId('mend-all').addEventListener('click', () => act(section, 'mend all'));
-  listen('faults', show);
+  listen('faults', build);
+  listen('panel', show);
 }

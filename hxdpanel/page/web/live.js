@@ -7,7 +7,6 @@ import { ask } from './server.js';
 const RETRY_MS = 1000;
 const EVENTS = ['channels', 'did', 'acted', 'log', 'screen', 'restarted'];
 let restarts;
-let failures;  // as the panel told them last
 
 function connection(isThere, text) {
   publish('connection', { state: isThere, text });
@@ -22,23 +21,16 @@ async function fetchState(topic, path) {
 }
 
 const fetchTime = calmed(() => fetchState('time', '/api/time'), 300);
-const fetchFaults = calmed(() => fetchState('faults', '/api/faults'), 100);
 const fetchVariables = calmed(() => fetchState('variables', '/api/variables'), 100);
-
-function failuresMayDiffer(panel) {
-  const text = JSON.stringify(panel.failures);
-  if (text !== failures) fetchFaults();
-  failures = text;
-}
 
 function askAnew() {
   fetchTime();
   fetchVariables();
-  fetchFaults();
 }
 
 function greeted(hello) {
-  if (!state('help') || state('hello')?.version !== hello.version) fetchState('help', '/api/help');
+  for (const topic of ['help', 'faults'])
+    if (!state(topic) || state('hello')?.version !== hello.version) fetchState(topic, `/api/${topic}`);
   const isOther = restarts !== undefined && hello.restarts !== restarts;
   restarts = hello.restarts;
   publish('hello', hello);
@@ -70,7 +62,6 @@ function open() {
 export function start() {
   connection('connecting', 'connecting');
   listen('restarted', restarted);
-  listen('panel', failuresMayDiffer);
   for (const topic of ['acted', 'did']) listen(topic, fetchTime);
   listen('acted', fetchVariables);
   open();

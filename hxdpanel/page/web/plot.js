@@ -8,7 +8,6 @@ const HEIGHT = 92;
 const PLUGINS = () => [Dygraph.Plugins.Axes, Dygraph.Plugins.Grid];
 
 const colour = name => getComputedStyle(document.documentElement).getPropertyValue(name).trim();
-const clock = time => new Date(time).toTimeString().slice(0, 8);
 
 // "0..1" is the range itself; a percentage has one, too.
 function valueRange(unit) {
@@ -32,8 +31,8 @@ export class Plot {
   constructor(unit, channels, { onZoom, onUnzoom, onPoint, onRemove, onKey }) {
     this.channels = channels;
     this.legend = channels.map((channel, i) => ({ channel, value: element('b', {}), colour: colour(`--series-${i % 6 + 1}`) }));
-    this.canvas = element('div', { className: 'graph', tabIndex: 0, role: 'img',
-      'aria-label': `${channels.map(channel => channel.name).join(', ')} over time` });
+    this.canvas = element('div', { className: 'graph', tabIndex: 0, role: 'application',
+      'aria-label': `${channels.map(channel => channel.name).join(', ')} over time`, 'aria-describedby': 'plot-keys' });
     this.canvas.style.height = `${HEIGHT}px`;
     this.canvas.addEventListener('keydown', onKey);
     this.root = element('div', { className: 'plot' },
@@ -87,10 +86,13 @@ export class Plot {
     else this.graph?.setSelection(row);
   }
 
-  showValues(values, time) {
-    this.root.classList.toggle('at', time !== null);
+  showValues(values, isPointed) {
+    this.root.classList.toggle('at', isPointed);
     for (const { channel, value } of this.legend) setText(value, String(values?.get(channel.number) ?? '–'));
-    this.root.title = time === null ? '' : clock(time);
+  }
+
+  get valuesText() {
+    return this.legend.map(({ channel, value }) => `${channel.name} ${value.textContent}`).join(', ');
   }
 
   end() {

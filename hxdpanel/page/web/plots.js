@@ -1,9 +1,9 @@
 // The section of plots: which channels, which stretch of time, the marks above, the CSV.
 import { listen, state } from './bus.js';
 import { saveCsv } from './csv.js';
-import { button, byId, element } from './dom.js';
+import { button, byId, element, setText } from './dom.js';
 import { Plot } from './plot.js';
-import { between, marks, serverNow, times, values } from './readings.js';
+import { actsBefore, between, marks, readingAt, serverNow, times, values } from './readings.js';
 
 const FIRST_CHOICE = [10, 11, 27, 29, 30, 31, 32];
 const CHOICE_KEY = 'hxdpanel.plots';
@@ -14,7 +14,7 @@ let chosen = new Set(JSON.parse(localStorage.getItem(CHOICE_KEY)) ?? FIRST_CHOIC
 let span = 60;  // seconds that are shown while the plots follow
 let zoomed = null;  // [from, to] while they do not
 let plots = [];
-let pointed = null;  // the time at which the pointer stands
+let pointed = null;  // the time of the reading at which the pointer stands, or the keyboard's point
 let first = 0;  // the reading with which the drawn ones begin
 let drawn = 0;
 
@@ -57,19 +57,43 @@ function zoom(window) {
   draw();
 }
 
-const KEYS = {
-  ArrowLeft: ([from, to], step) => [from - step, to - step],
-  ArrowRight: ([from, to], step) => [from + step, to + step],
+const WINDOW_KEYS = {
+  PageUp: ([from, to], step) => [from - step, to - step],
+  PageDown: ([from, to], step) => [from + step, to + step],
   '+': ([from, to], step) => [from + step, to - step],
   '-': ([from, to], step) => [from - step, to + step],
+};
+const readingAfter = mark => mark && times.find(time => time >= mark.time);
+// From the point's time, and how far it moves at least, to the time of another reading.
+const POINT_KEYS = {
+  ArrowLeft: (at, step) => times.findLast(time => time <= at - step),
+  ArrowRight: (at, step) => times.find(time => time >= at + step),
+  ArrowUp: at => readingAfter(marks.findLast(mark => readingAfter(mark) < at)),
+  ArrowDown: at => readingAfter(marks.find(mark => mark.time > at)),
 };
 
 function key(event) {
   const [from, to] = shownWindow();
-  if (event.key === '0') zoom(null);
-  else if (KEYS[event.key]) zoom(KEYS[event.key]([from, to], (to - from) / 5));
+  if (event.key === '0') release();
+  else if (WINDOW_KEYS[event.key]) zoom(WINDOW_KEYS[event.key]([from, to], (to - from) / 5));
+  else if (POINT_KEYS[event.key]) pointWithin(POINT_KEYS[event.key](pointed ?? Infinity, (to - from) / 100));
   else return;
   event.preventDefault();
+}
+
+function release() {
+  pointed = null;
+  zoom(null);
+}
+
+// The window goes with the point.
+function pointWithin(time) {
+  if (time === undefined) return;
+  const [from, to] = shownWindow();
+  const beyond = Math.min(time - from, 0) || Math.max(time - to, 0);
+  pointed = time;
+  if (beyond !== 0) zoom([from + beyond, to + beyond]);
+  showValues();
 }
 
 function point(row) {
@@ -77,13 +101,16 @@ function point(row) {
   showValues();
 }
 
-// Those at the pointer, in all graphs, or the newest.
+// Those at the point, in all graphs, or the newest; and in words what else is known of the point.
 function showValues() {
-  const index = pointed === null ? times.length - 1 : times.lastIndexOf(pointed);
+  const index = pointed === null ? times.length - 1 : readingAt(pointed);
   for (const plot of plots) {
     plot.select(pointed === null ? null : index - first);
-    plot.showValues(values[index], pointed);
+    plot.showValues(values[index], pointed !== null);
   }
+  const focused = plots.find(plot => plot.canvas === document.activeElement);
+  setText(byId('plot-point'), pointed === null ? '' : [new Date(pointed).toTimeString().slice(0, 8),
+    ...(focused ? [focused.valuesText] : []), ...actsBefore(index).map(act => act.text)].join('; '));
 }
 
 function draw() {
@@ -102,7 +129,7 @@ function draw() {
   showValues();
 }
 
-// Above the graphs, where the pointer tells what was done.
+// Above the graphs, where the pointer tells what was done; the keyboard's point tells it in words.
 function showMarks([from, to]) {
   const graph = plots[0]?.graph;
   const shown = graph ? marks.filter(({ time }) => time >= from && time <= to).slice(-200) : [];

@@ -34,8 +34,9 @@ function interfaceItem(port) {
 
 function comItem(port) {
   const name = `COM${port.port}`;
-  const input = element('input', { type: 'number', min: 0, max: 100, value: port.percent ?? 50, 'data-key': name, 'aria-label': `${name}: use in %` });
-  const set = event => act(event.target, `com ${port.port} ${input.value}`);
+  const percent = port.percent ?? 50;
+  const input = element('input', { type: 'number', min: 0, max: 100, value: percent, 'data-key': name, 'aria-label': `${name}: use in %` });
+  const set = async event => { if (!await act(event.target, `com ${port.port} ${input.value}`)) input.value = percent; };
   input.addEventListener('change', set);
   const item = element('li', { 'data-state': port.present ? 'there' : 'gone' },
     element('i', { 'aria-hidden': true }), element('b', {}, name));

@@ -48,6 +48,12 @@ function noteAct({ time, by, line, status }) {
   if (marks.length > 1000) marks.shift();
 }
 
+// The last reading that is not after the time; -1 when there is none.
+export const readingAt = time => times.findLastIndex(one => one <= time);
+
+// What was done since the reading before.
+export const actsBefore = i => marks.filter(({ time }) => time <= times[i] && time > (times[i - 1] ?? 0));
+
 // The readings from one time to another, with those on both sides.
 export function between(from, to) {
   const after = times.findLastIndex(time => time < from);

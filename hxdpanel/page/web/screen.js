@@ -28,17 +28,28 @@ function showPanel(panel) {
   setText(byId('brightness-shown'), panel.brightness === null ? 'no control' : `${panel.brightness} %`);
 }
 
-// The panel's clock is that of the last reading, and goes on from there; of the battery's one knows
-// what the driver set it to.
+// In ms, by the face of a clock whose hour may be more than 23: "2026-01-31 28:00:00", or ISO 8601.
+function faceMs(text) {
+  const [year, month, ...rest] = text.split(/\D/);
+  return Date.UTC(year, month - 1, ...rest.slice(0, 5));
+}
+
+// The panel's clock goes on from the last reading, the battery's from what the driver set it to.
 function showClocks() {
   let aheadMs = null;  // of the browser's steady clock
-  listen('channels', ({ time }) => { aheadMs = Date.parse(`${time.slice(0, 19)}Z`) - performance.now(); });
+  let batteryAheadMs = null;  // of the panel's
+  const show = (id, ms) => setText(byId(id), new Date(ms).toISOString().slice(0, 19).replace('T', ' '));
+  listen('channels', ({ time }) => { aheadMs = faceMs(time) - performance.now(); });
+  listen('time', ({ realTimeClock, realTimeClockSetAt }) => {
+    batteryAheadMs = realTimeClock && faceMs(realTimeClock) - faceMs(realTimeClockSetAt);
+    if (!realTimeClock) setText(byId('battery-clock'), 'not set in this run');
+  });
   setInterval(() => {
     if (aheadMs === null || state('connection')?.state !== 'live') return;
-    const now = new Date(aheadMs + performance.now());
-    setText(byId('system-clock'), now.toISOString().slice(0, 19).replace('T', ' '));
+    const now = aheadMs + performance.now();
+    show('system-clock', now);
+    if (batteryAheadMs !== null) show('battery-clock', now + batteryAheadMs);
   }, 250);
-  listen('time', ({ realTimeClock }) => setText(byId('battery-clock'), realTimeClock ?? 'not set in this run'));
 }
 
 function showBeep(event) {
