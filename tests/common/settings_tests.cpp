@@ -306,7 +306,9 @@ TEST_F(Settings, AreNotLostWhereCallsAreInterruptedOrFail) {
     g_systemCalls.interrupts = true;
     settings.Write(OWN_KEY[0], value);
     settings.Write(OWN_KEY[1], QLatin1String("1"));
+    const long long before = g_systemCalls.written;
     settings.Read(OWN_KEY[0], read);
+    EXPECT_EQ(g_systemCalls.written - before, StatusOf(FILE_NAME).st_size) << "in a copy to parse";
     g_systemCalls.interrupts = false;
     EXPECT_EQ(read, value);
     EXPECT_EQ(readFile(FILE_NAME),

@@ -408,6 +408,19 @@ TEST_F(NetworkMode, AnswersBeforeItIsIdle) {
     EXPECT_EQ(again, NetworkTask::REQUEST_BUSY);
 }
 
+TEST_F(NetworkMode, ATaskThatHasFailedTakesNoMoreRequests) {
+    std::atomic<bool> failed{false};
+    int result = 99;
+    g_onAnswered = [&] {
+        if (!failed.exchange(true))
+            throw std::bad_alloc();
+    };
+    EXPECT_EQ(context.m_pNetworkTask->Execute(0, 1, result), NetworkTask::REQUEST_DONE);
+    WaitFor(NetworkTask::STATE_IDLE);
+    g_onAnswered = nullptr;
+    EXPECT_EQ(context.m_pNetworkTask->Execute(0, 1, result), NetworkTask::REQUEST_NOT_RUNNING);
+}
+
 TEST_F(NetworkMode, TaskOutlivesItsCaller) {
     std::thread owner;
     std::atomic<bool> ended{false};

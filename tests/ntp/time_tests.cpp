@@ -148,6 +148,7 @@ TEST_F(TimeSettings, AreReadAsTheyStandAndWithDefaults) {
             EXPECT_STREQ(hxd::ToHost(settings.servers[i]), defaults[i]);
     };
     expectDefaults();
+    EXPECT_TRUE(ntpCfgParam() == Record(0, 0, 0)) << "nothing has been read";
 
     writeFile(SETTINGS, "[NTP_PARAM]\nntp_switch=7\nntp_mode=abc\nntp_freq=99\nntp_server2=\n");
     const ntpCfgParam edited = Loaded();

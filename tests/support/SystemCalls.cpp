@@ -80,7 +80,10 @@ ssize_t write(int fd, const void* buf, size_t n) {
         return -1;
     }
     const size_t most = g_systemCalls.interrupts ? (n + 1) / 2 : n;
-    return IsInterrupted() ? -1 : Next<decltype(&write)>("write")(fd, buf, most);
+    const ssize_t count = IsInterrupted() ? -1 : Next<decltype(&write)>("write")(fd, buf, most);
+    if (count > 0)
+        g_systemCalls.written += count;
+    return count;
 }
 
 int pthread_create(pthread_t* __restrict newthread, const pthread_attr_t* __restrict attr,
