@@ -91,8 +91,7 @@ TEST(Scripts, ReportEveryFailureToABuildServer) {
     EXPECT_TRUE(Contains(report, "name=\"stdin\" tests=\"3\" failures=\"2\"")) << report;
     EXPECT_TRUE(Contains(report, "got &quot;&lt;&amp;&quot;")) << report;
     EXPECT_EQ(Hxdpanel({"script", "/nowhere"}, "").exitCode, 2);
-    writeFile("/tmp/twice", "write 21 40\nexpect panel beeped\n");
-    EXPECT_EQ(Hxdpanel({"script", "--keep-going", "--junit", "-", "twice", "twice"}).exitCode, 1);
+    writeFile("/tmp/twice", "set r 1\nexpect r = 2\n");
     const std::string twice =
         Hxdpanel({"script", "--keep-going", "--junit", "-", "twice", "twice"}).out;
     const std::string summary = "twice: 2 lines, 0 expectations met, 1 failure\n";
