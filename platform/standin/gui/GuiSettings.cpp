@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -48,9 +49,12 @@ std::string Trimmed(const std::string& text) {
 // The keys of section DEVICE. Not read with QSettings: its process-wide memory of files would show
 // the GUI what the driver in this process believes to be in the file, rather than what is.
 std::map<std::string, std::string> ReadDeviceSection(const std::string& path) {
+    std::map<std::string, std::string> values;
+    struct stat status = {};
+    if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode))
+        return values;  // opening a pipe would wait for its other end
     const SettingsFileLock lock;
     std::ifstream file(path);
-    std::map<std::string, std::string> values;
     bool inSection = false;
     for (std::string line; std::getline(file, line);) {
         line = Trimmed(line);
