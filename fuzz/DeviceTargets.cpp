@@ -60,6 +60,7 @@ constexpr const char* SYSTEM_FILES[] = {
     "/sys/kernel/debug/ubi/ubi0/detailed_erase_block_info",
 };
 constexpr std::size_t PROC_FILES = 3;
+constexpr std::size_t FOR_HOURS = 0xF0;  // among the numbers of the files
 
 // The first use makes the folders; those of the attributes are empty then.
 void ClearSystemFiles() {
@@ -75,14 +76,22 @@ void ClearSystemFiles() {
         ::unlink(SYSTEM_FILES[i]);
 }
 
-template <class STORAGE>
-void Measure() {
-    STORAGE storage;
-    if (!storage.init())
-        return;
+void Refresh(DiskInterface& storage) {
     storage.refresh();
     while (!storage.refreshRes())
         Olma_Sleep(200);
+}
+
+template <class STORAGE>
+void Measure(bool forHours) {
+    STORAGE storage;
+    if (!storage.init())
+        return;
+    Refresh(storage);
+    if (forHours) {
+        sim::SimPanel::Instance().AdvanceClock(2 * 3600000);
+        Refresh(storage);
+    }
     FUZZ_EXPECT(storage.getDiskIO() >= 1 && storage.getDiskIO() <= 4 &&
                 storage.getDiskLifeTime() <= 100);
 }
@@ -120,12 +129,14 @@ void fuzz::Logs(Input& input) {
 void fuzz::SystemFiles(Input& input) {
     FuzzDevice& fuzz = FuzzDevice::Fresh(input);
     ClearSystemFiles();
+    bool forHours = false;
     while (input.remaining_bytes() > 0) {
         const std::size_t file = input.ConsumeIntegral<std::uint8_t>();
+        forHours |= file >= FOR_HOURS;
         Put(SYSTEM_FILES[file % (sizeof SYSTEM_FILES / sizeof *SYSTEM_FILES)],
             input.ConsumeRandomLengthString());
     }
     fuzz.Run("REFLESH()");
-    Measure<EmmcDiskMgr>();
-    Measure<NandDiskMgr>();
+    Measure<EmmcDiskMgr>(forHours);
+    Measure<NandDiskMgr>(forHours);
 }

@@ -7,6 +7,7 @@
 #include "common/SettingsFile.h"
 #include "fuzz/FuzzDevice.h"
 #include "fuzz/Machine.h"
+#include "fuzz/Refusals.h"
 #include "ntp/NtpThread.h"
 #include "ntp/SntpPacket.h"
 #include "ntp/ntpCfgParam.h"
@@ -24,33 +25,60 @@ constexpr const char* APP_SETTINGS = "/usr/olma_app/config/olma_app_conf.ini";
 constexpr const char* TIME_SETTINGS = "/usr/olma_app/config/ntp_param_cfg.ini";
 constexpr const char* PASSWORD = "/etc/iot_cfg/vncConfig.ini";
 
+// Among the numbers of settings files and of time servers: from here on something is refused.
+constexpr int FIRST_REFUSED_FILE = 16;
+constexpr int FIRST_REFUSED_SERVER = 0x80;
+
 void Put(const char* path, const std::string& text) {
     std::ofstream(path, std::ios::binary) << text;
 }
 
-void AppSettingsFile(const QString& value) {
-    hxd::AppSettings settings;
+// What a write leaves, once it may have been refused something: what was written, or else all that
+// was there before.
+struct Written {
+    explicit Written(int refusal) : refused(refusal >= 0) { machine::Refuse(refusal); }
+    template <class VALUE>
+    void Expect(const VALUE& found, const VALUE& wanted, const VALUE& before) const {
+        FUZZ_EXPECT(found == wanted || (refused && found == before));
+    }
+    const bool refused;
+};
+
+QString BuzzDuration(hxd::AppSettings& settings) {
     QString text;
     settings.Read(hxd::KEY_BUZZ_DURATION, text);
-    settings.Write(hxd::KEY_BUZZ_DURATION, value);
-    settings.Read(hxd::KEY_BUZZ_DURATION, text);
-    FUZZ_EXPECT(text == value);
+    return text;
 }
 
-void TimeSettingsFile(const QString& value) {
+void AppSettingsFile(const QString& value, int refusal) {
+    hxd::AppSettings settings;
+    const QString before = BuzzDuration(settings);
+    const Written written(refusal);
+    settings.Write(hxd::KEY_BUZZ_DURATION, value);
+    BuzzDuration(settings);
+    machine::Refuse(machine::NOTHING);
+    written.Expect(BuzzDuration(settings), value, before);
+}
+
+void TimeSettingsFile(const QString& value, int refusal) {
     ntpCfgParam settings;
     settings.ReadCfg();
+    const ntpCfgParam before = settings;
     settings.servers[0] = value;
+    const Written written(refusal);
     settings.writeCfg();
+    machine::Refuse(machine::NOTHING);
     ntpCfgParam again;
     again.ReadCfg();
-    FUZZ_EXPECT(again == settings);
+    written.Expect(again, settings, before);
 }
 
-void PasswordFile(const QString& value) {
-    CDevBas::ReadVncPwd();
+void PasswordFile(const QString& value, int refusal) {
+    const CString before = CDevBas::ReadVncPwd();
+    const Written written(refusal);
     CDevBas::writeVncPwd(hxd::ToHost(value));
-    FUZZ_EXPECT(CDevBas::ReadVncPwd() == hxd::ToHost(value));
+    machine::Refuse(machine::NOTHING);
+    written.Expect(CDevBas::ReadVncPwd(), hxd::ToHost(value), before);
 }
 
 // As the GUI uses it: names and default from outside.
@@ -122,21 +150,23 @@ private:
 // The file as it is found, a value that is written into it, and what is read then.
 void fuzz::Settings(Input& input) {
     const int choice = input.ConsumeIntegral<std::uint8_t>();
+    const int refusal = choice / 4 - FIRST_REFUSED_FILE;
     const QString value = hxd::FromHost(input.ConsumeRandomLengthString(40).c_str());
     const std::string text = input.ConsumeRemainingBytesAsString();
     switch (choice % 4) {
         case 0:
             Put(APP_SETTINGS, text);
-            return AppSettingsFile(value);
+            return AppSettingsFile(value, refusal);
         case 1:
             Put(TIME_SETTINGS, text);
-            return TimeSettingsFile(value);
+            return TimeSettingsFile(value, refusal);
         case 2:
             Put(APP_SETTINGS, text);
+            machine::Refuse(refusal);
             return AnyFile(value);
         default:
             Put(PASSWORD, text);
-            return PasswordFile(value);
+            return PasswordFile(value, refusal);
     }
 }
 
@@ -146,6 +176,7 @@ void fuzz::TimeAnswers(Input& input) {
     static NtpThread& worker = *new NtpThread;
     worker.Start();
     const int kind = input.ConsumeIntegral<std::uint8_t>();
+    machine::Refuse(kind - FIRST_REFUSED_SERVER);
     worker.Post(QLatin1String(kind == 0xFE   ? "localhost"
                               : kind == 0xFF ? "1.2.3"
                                              : "127.0.0.1"),

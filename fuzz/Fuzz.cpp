@@ -3,6 +3,7 @@
 
 #include "SimPanel.h"
 #include "fuzz/Machine.h"
+#include "fuzz/Refusals.h"
 #include "hxdpanel/host/LockPlugin.h"
 
 #include <QCoreApplication>
@@ -70,5 +71,6 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     machine::driven = true;
     Input input(data, size);
     g_target->run(input);
+    machine::Refuse(machine::NOTHING);
     return 0;
 }

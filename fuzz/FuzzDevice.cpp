@@ -2,6 +2,7 @@
 
 #include "SimPanel.h"
 #include "fuzz/Machine.h"
+#include "fuzz/Refusals.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -12,7 +13,11 @@
 
 namespace {
 
-void BreakThePlatform(Input& input, sim::PanelState& state) {
+constexpr std::size_t A_DAY_LATER = 0xF5;
+constexpr long long DAY_MS = 24LL * 3600000;
+
+// What is broken, by number.
+std::size_t BreakThePlatform(Input& input, sim::PanelState& state) {
     const auto& names = sim::FailableFunctions();
     const std::size_t choice = input.ConsumeIntegral<std::uint8_t>();
     if (choice < names.size())
@@ -27,7 +32,12 @@ void BreakThePlatform(Input& input, sim::PanelState& state) {
         state.storageMounted = true;
     if (choice == 0xF3)
         std::fill_n(state.interfaces[0].record.name, sizeof state.interfaces[0].record.name, 'n');
+    return choice;
 }
+
+// Of the input's third number; the last one: no command of the shell's works.
+constexpr int FIRST_REFUSAL = 0xC0;
+constexpr int NO_COMMANDS = 0xFF;
 
 // What others may have put, or taken away, where the driver has its files.
 constexpr const char* PLACES[] = {"/tmp/olma_app_conf.lck",
@@ -78,15 +88,20 @@ FuzzDevice& FuzzDevice::Fresh(Input& input) {
     made.host.onParameter = made.host.onDelivery = made.link.onCall = [] {};
     made.host.status = 0;
     made.link.deviceName.clear();
+    std::size_t broken = 0;
     sim::SimPanel::Instance().Change([&](sim::PanelState& state) {
         state = sim::PanelState();
         // Drawing one takes longer than all else.
         state.failures["__gui_screen_capture"] = sim::Failure();
-        BreakThePlatform(input, state);
+        broken = BreakThePlatform(input, state);
     });
+    if (broken == A_DAY_LATER)
+        sim::SimPanel::Instance().AdvanceClock(DAY_MS);
     made.device.DevIOCtrl("EnableNTP(0)");
     Plant(input);
-    machine::commandsFail = input.ConsumeIntegral<std::uint8_t>() == 0xFF;
+    const int fault = input.ConsumeIntegral<std::uint8_t>();
+    machine::commandsFail = fault == NO_COMMANDS;
+    machine::Refuse(fault - FIRST_REFUSAL);
     return made;
 }
 

@@ -1,7 +1,11 @@
 // A host that throws, calls back, and answers with anything, wherever the driver calls it.
 #include "fuzz/Fuzz.h"
+#include "fuzz/Refusals.h"
 #include "host.h"
 #include "hxdpanel/host/HostLink.h"
+#include "hxdpanel/host/LockPlugin.h"
+
+#include <QCoreApplication>
 
 #include <stdexcept>
 #include <vector>
@@ -10,6 +14,17 @@ namespace {
 
 constexpr int MOST_DEPTH = 3;  // of calls from within callbacks
 constexpr int MOST_STEPS = 8;
+
+// The remote-view plug-in, or none, or what only has its name, or one that locks by itself.
+void SetPlugin(int kind) {
+    static LockPlugin& plugin = *QCoreApplication::instance()->findChild<LockPlugin*>();
+    static QObject& other = *new QObject(plugin.parent());
+    const QString name = QLatin1String("olma.vnc.lock");
+    plugin.setObjectName(kind % 2 == 0 ? name : QString());
+    other.setObjectName(kind % 4 == 1 ? name : QString());
+    plugin.setHMIKeyboardState(kind % 4 == 2);
+    plugin.setVNCKeyboardState(kind % 4 == 2);
+}
 
 class WildHost final : public IRtdb, public HostLink {
 public:
@@ -75,7 +90,7 @@ private:
     }
     IDeviceCtrl& Device() {
         if (m_device == nullptr)
-            m_device = CreateDeviceCtrl("wild", this);
+            m_device = CreateDeviceCtrl("wild", m_isNobody ? nullptr : this);
         return *m_device;
     }
     void Destroy() {
@@ -88,9 +103,23 @@ private:
                                    static_cast<int>(blob.size()));
     }
 
+    void GiveNothing() {
+        IDeviceCtrl& device = Device();
+        FUZZ_EXPECT(device.InitDevice(nullptr, 1) == HOST_BAD_ARGUMENT);
+        FUZZ_EXPECT(device.DevIOCtrl(nullptr) == HOST_BAD_ARGUMENT);
+        FUZZ_EXPECT(device.WriteChannel(0, DATATYPE_INTEGER, nullptr) == HOST_BAD_ARGUMENT);
+        FUZZ_EXPECT(device.CollectDevData(nullptr, 1) == HOST_OK);
+        FUZZ_EXPECT(device.UpdataCommunication(nullptr) == HOST_BAD_ARGUMENT);
+        FUZZ_EXPECT(device.ChannelRefChange(nullptr, 1) == HOST_BAD_ARGUMENT);
+        const int one = 1;  // of many more than can be
+        FUZZ_EXPECT(device.ChannelRefChange(&one, 100000) == HOST_BAD_ARGUMENT);
+        FUZZ_EXPECT(device.CollectDevData(&one, 100000) == HOST_BAD_ARGUMENT);
+    }
+
     Input* m_input = nullptr;
     IDeviceCtrl* m_device = nullptr;
     int m_depth = 0;
+    bool m_isNobody = false;  // the device is made without a host
 };
 
 void WildHost::RunOne() {
@@ -119,6 +148,19 @@ void WildHost::RunOne() {
         case 6:
             Device().WriteChannel(number, DATATYPE_INTEGER, &number);
             break;
+        case 10:
+            machine::Refuse(number);
+            break;
+        case 11:
+            SetPlugin(number);
+            break;
+        case 12:
+            Destroy();
+            m_isNobody = number % 2 != 0;
+            break;
+        case 13:
+            GiveNothing();
+            break;
         case 7:
         case 8:
         case 9:
@@ -132,6 +174,11 @@ void WildHost::RunOne() {
 
 void WildHost::ExpectHealthy() {
     m_input = nullptr;
+    machine::Refuse(machine::NOTHING);
+    SetPlugin(0);
+    if (m_isNobody)
+        Destroy();
+    m_isNobody = false;
     const unsigned char blob[] = {0, 0};
     const std::vector<int> channels(32, 1);
     FUZZ_EXPECT(Device().InitDevice(blob, sizeof blob) == HOST_OK);

@@ -1,4 +1,5 @@
-// Calls of the system that the machine refuses, to the driver and to Qt: one kind of them at a time.
+// Calls of the system that the machine refuses, to the driver and to Qt: one kind of them at a
+// time.
 #ifndef HXD_FUZZ_REFUSALS_H
 #define HXD_FUZZ_REFUSALS_H
 
