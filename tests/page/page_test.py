@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """The panel's page in a real browser. HXDPANEL names the program, PROMTOOL Prometheus's checker; --pictures FOLDER
-makes the pictures of the README there instead."""
+makes the pictures of the README there instead, --cost measures what the page costs."""
 import contextlib
 import os
 import re
@@ -307,6 +307,25 @@ def make_pictures(folder):
                 file.write(page.picture())
 
 
+def measure_cost():
+    """What the page costs the panel's process, and how long one waits for its first picture."""
+    def share_of_a_core(shown, seconds=30):
+        before = shown.cpu_seconds()
+        time.sleep(seconds)
+        return 100 * (shown.cpu_seconds() - before) / seconds
+
+    with panel(PROGRAM) as shown, browser() as page:
+        print(f'without a browser: {share_of_a_core(shown):.1f} % of a core')
+        pictures = []
+        for _ in range(5):
+            open_page(page, shown.address)
+            pictures.append(wait_for('the first picture', lambda: page.script(
+                "return performance.getEntriesByType('resource').find(one => one.name.includes('screen.png'))?.responseEnd ?? null"),
+                                     bool))
+        print(f'first picture: {sorted(pictures)[2]:.0f} ms after opening the address, median of five')
+        print(f'with a browser: {share_of_a_core(shown):.1f} % of a core')
+
+
 def run_tests():
     """With CI set what failed is tried a second time, alone: a browser's waiting times are real seconds."""
     result = unittest.main(verbosity=2, exit=False).result
@@ -321,5 +340,7 @@ def run_tests():
 if __name__ == '__main__':
     if sys.argv[1:2] == ['--pictures']:
         make_pictures(sys.argv[2])
+    elif sys.argv[1:2] == ['--cost']:
+        measure_cost()
     else:
         sys.exit(run_tests())
