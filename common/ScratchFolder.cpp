@@ -69,19 +69,19 @@ ScratchFolder::ScratchFolder(const std::string& file) {
     RemoveAbandoned(parent, prefix);
     // Another process that comes between making and locking takes the folder for abandoned.
     for (int tries = 0; tries < MAX_TRIES; ++tries) {
-        m_path = parent + prefix + "XXXXXX";
-        if (::mkdtemp(&m_path[0]) == nullptr)
+        m_strPath = parent + prefix + "XXXXXX";
+        if (::mkdtemp(&m_strPath[0]) == nullptr)
             return;
-        if (OpenLocked(m_path, m_folder) && StillThere(m_path, m_folder))
+        if (OpenLocked(m_strPath, m_folder) && StillThere(m_strPath, m_folder))
             return;
-        ::rmdir(m_path.c_str());
+        ::rmdir(m_strPath.c_str());
     }
 }
 
 ScratchFolder::~ScratchFolder() {
     try {
         if (m_folder.IsOpen())
-            Remove(m_path, m_folder);
+            Remove(m_strPath, m_folder);
     } catch (...) {
         // Out of memory: the next change to the file removes it.
     }

@@ -20,10 +20,10 @@ public:
     ~ScratchFolder();
 
     // Without a slash at its end; does not exist if the folder could not be made.
-    const std::string& Path() const { return m_path; }
+    const std::string& Path() const { return m_strPath; }
 
 private:
-    std::string m_path;
+    std::string m_strPath;
     HXDCTRL::File m_folder;
 };
 

@@ -36,7 +36,7 @@ void Put(const char* path, const std::string& text) {
 // What a write leaves, once it may have been refused something: what was written, or else all that
 // was there before.
 struct Written {
-    explicit Written(int refusal) : refused(refusal >= 0) { machine::Refuse(refusal); }
+    explicit Written(int refusal) : refused(machine::Refuse(refusal)) {}
     template <class VALUE>
     void Expect(const VALUE& found, const VALUE& wanted, const VALUE& before) const {
         FUZZ_EXPECT(found == wanted || (refused && found == before));

@@ -119,12 +119,13 @@ CALL* Next(CALL* /*declared*/, const char* name) {
 
 }  // namespace
 
-void machine::Refuse(int number) {
+bool machine::Refuse(int number) {
     const bool known = number >= 0 && number < REFUSAL_COUNT;
     if (!known && g_refusal == nullptr)
-        return;
+        return false;
     g_calls = 0;
     g_refusal = known ? &REFUSALS[number] : nullptr;
+    return known;
 }
 
 #define HXD_REFUSABLE(kind, result, name, parameters, arguments, exceptions) \

@@ -5,8 +5,9 @@
 
 namespace machine {
 
-// number: of a row in Refusals.cpp; any other refuses nothing any more.
-void Refuse(int number);
+// number: of a row in Refusals.cpp; any other refuses nothing any more. True when something is
+// refused from now on.
+bool Refuse(int number);
 constexpr int NOTHING = -1;
 
 }  // namespace machine

@@ -63,7 +63,7 @@ void Report::Begin(const std::string& name, int /*limitSeconds*/, const std::str
 void Report::End(const Finding& finding) {
     ++m_counts[finding.status];
     m_entries.push_back({m_strGroup, m_strName, finding});
-    if (m_form == JSON || (m_form == TEXT_FAULTS_ONLY && finding.status == Finding::OK))
+    if (m_eForm == JSON || (m_eForm == TEXT_FAULTS_ONLY && finding.status == Finding::OK))
         return;
     PrintTitle();
     std::string text = Visible(finding.text);
@@ -79,7 +79,7 @@ void Report::End(const Finding& finding) {
 
 void Report::Channel(const ChannelLine& line) {
     m_channels.push_back(line);
-    if (m_form == JSON)
+    if (m_eForm == JSON)
         return;
     m_bTitlePrinted = m_bTitlePrinted && m_channels.size() > 1;
     PrintTitle();
@@ -92,7 +92,7 @@ void Report::Channel(const ChannelLine& line) {
 
 void Report::Output(const std::string& line) {
     m_output.push_back(line);
-    if (m_form == TEXT)
+    if (m_eForm == TEXT)
         std::printf("                | %s\n", Visible(line).c_str());
 }
 
@@ -129,9 +129,9 @@ std::string Report::Json(const std::string& driver) const {
 }
 
 bool Report::Finish(const std::string& driver) {
-    if (m_form == JSON)
+    if (m_eForm == JSON)
         std::fputs(Json(driver).c_str(), stdout);
-    if (m_form == TEXT)
+    if (m_eForm == TEXT)
         std::printf("\n%d ok, %d to look at, %d wrong.%s\n", m_counts[Finding::OK],
                     m_counts[Finding::LOOK], m_counts[Finding::WRONG],
                     m_counts[Finding::WRONG] > 0 ? " Begin with the first that is wrong;\n"

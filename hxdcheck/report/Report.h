@@ -12,7 +12,7 @@ class Report : public Findings {
 public:
     enum Form { TEXT, TEXT_FAULTS_ONLY, JSON };  // the second: findings that are ok are left out
 
-    explicit Report(Form form) : m_form(form) {}
+    explicit Report(Form form) : m_eForm(form) {}
 
     void Group(const std::string& title) override;
     void Begin(const std::string& name, int limitSeconds, const std::string& ifItDies) override;
@@ -36,7 +36,7 @@ private:
     void PrintTitle();
     std::string Json(const std::string& driver) const;
 
-    Form m_form;
+    Form m_eForm;
     std::string m_strGroup;
     bool m_bTitlePrinted = false;
     std::string m_strName;

@@ -54,7 +54,7 @@ std::string Escaped(const std::string& text) {
 
 class Writer {
 public:
-    explicit Writer(bool open) : m_open(open) {}
+    explicit Writer(bool open) : m_bOpen(open) {}
 
     // unit: null for none; name ends with it.
     void Gauge(const std::string& name, const char* unit, const std::string& help,
@@ -63,33 +63,33 @@ public:
         Sample(PREFIX + name, "", value);
     }
     void Counter(const std::string& name, const std::string& help) {
-        Begin(m_open ? PREFIX + name : PREFIX + name + "_total", "counter", nullptr, help);
+        Begin(m_bOpen ? PREFIX + name : PREFIX + name + "_total", "counter", nullptr, help);
     }
     void Count(const std::string& name, const std::string& labels, const std::string& value) {
         Sample(PREFIX + name + "_total", labels, value);
     }
     // Always 1: what it tells stands in the labels.
     void Info(const std::string& name, const std::string& help, const std::string& labels) {
-        Begin(m_open ? PREFIX + name : PREFIX + name + "_info", m_open ? "info" : "gauge", nullptr,
-              help);
+        Begin(m_bOpen ? PREFIX + name : PREFIX + name + "_info", m_bOpen ? "info" : "gauge",
+              nullptr, help);
         Sample(PREFIX + name + "_info", labels, "1");
     }
-    std::string Text() const { return m_text + (m_open ? "# EOF\n" : ""); }
+    std::string Text() const { return m_strText + (m_bOpen ? "# EOF\n" : ""); }
 
 private:
     void Begin(const std::string& family, const char* type, const char* unit,
                const std::string& help) {
-        m_text += "# TYPE " + family + " " + type + "\n";
-        if (m_open && unit != nullptr)
-            m_text += "# UNIT " + family + " " + unit + "\n";
-        m_text += "# HELP " + family + " " + help + "\n";
+        m_strText += "# TYPE " + family + " " + type + "\n";
+        if (m_bOpen && unit != nullptr)
+            m_strText += "# UNIT " + family + " " + unit + "\n";
+        m_strText += "# HELP " + family + " " + help + "\n";
     }
     void Sample(const std::string& name, const std::string& labels, const std::string& value) {
-        m_text += name + (labels.empty() ? "" : "{" + labels + "}") + " " + value + "\n";
+        m_strText += name + (labels.empty() ? "" : "{" + labels + "}") + " " + value + "\n";
     }
 
-    const bool m_open;
-    std::string m_text;
+    const bool m_bOpen;
+    std::string m_strText;
 };
 
 // A special value such as "not measured" is no number of its unit and is left out.

@@ -150,10 +150,10 @@ void Readings::TellChannels(const Json& channels, int status) {
 // What the driver ran before anybody listened is not told as if it were new.
 void Readings::TellCommands(const std::vector<std::string>& commands) {
     const std::size_t known =
-        m_bFirst || commands.size() < m_commands ? commands.size() : m_commands;
+        m_bFirst || commands.size() < m_nCommands ? commands.size() : m_nCommands;
     for (std::size_t i = known; i < commands.size(); ++i)
         m_witness.Did("command", commands[i]);
-    m_commands = commands.size();
+    m_nCommands = commands.size();
 }
 
 void Readings::TellPanel(const Json& panel) {

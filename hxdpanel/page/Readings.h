@@ -52,7 +52,7 @@ private:
     Json m_channels = Json::array();
     Json m_watched;  // the event with all channels
     Json m_panel;
-    std::size_t m_commands = 0;
+    std::size_t m_nCommands = 0;
     std::string m_strLight;
     std::string m_strScreen;
     Clock::time_point m_lastScreen;

@@ -26,6 +26,8 @@ says 0 HX2024060101 channels --panel "$share/doc/hxdpanel/examples/panels/emmc"
 says 0 '' script "$share/doc/hxdpanel/examples/scripts/night-mode.script"
 
 "$program" --fresh --page <<<page >"$HOME/address" &
+shown=$!
+trap 'kill "$shown" 2>/dev/null || true; rm -rf "$HOME"' EXIT
 for ((i = 0; i < 100; ++i)); do
     grep -q '^http://' "$HOME/address" && break
     sleep 0.1
@@ -33,8 +35,8 @@ done
 exec 3<>"/dev/tcp/127.0.0.1/$(sed -n 's|^http://127.0.0.1:\([0-9]*\)/$|\1|p' "$HOME/address")"
 printf 'GET / HTTP/1.1\r\nHost: localhost\r\nConnection: close\r\n\r\n' >&3
 answer=$(cat <&3)
-kill $!
-wait $!
+kill "$shown"
+wait "$shown"
 [[ $answer == *'<title>'* ]] || { printf 'package: the page is\n%s\n' "$answer" >&2; exit 1; }
 
 for page in man1/hxdpanel.1 man1/hxdcheck.1 man5/panel.ini.5; do
@@ -56,6 +58,6 @@ completes() {  # WANTED WORD...: the last word is the one to be completed
 completes channels ch
 completes --panel --p
 completes --interval watch --
-completes brightness read br
+completes brightness read Br
 (cd "$HOME" && touch a.script && completes a.script script a && completes a.script script --junit a)
 echo "package: the simulated panel works as installed"

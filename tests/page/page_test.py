@@ -39,7 +39,7 @@ DRAWN = """
 def open_page(page, address):
     page.open(address)
     page.wait_for_text('#connection', 'live')
-    wait_for('32 channels', lambda: page.script(
+    wait_for('the values of all channels', lambda: page.script(
         "return [...document.querySelectorAll('#channels .value')].filter(one => one.textContent).length"),
              lambda count: count == 32)
 
@@ -180,7 +180,7 @@ class PageTest(unittest.TestCase):
             command(page, 'mend all')
             page.click('#time-now')
             page.wait_for_text('#time-attempts', 'clock is set to')
-            page.wait_for_text('#battery-clock', ':\d\d$')
+            page.wait_for_text('#battery-clock', r':\d\d$')
             begun = page.text('#battery-clock')
             wait_for('the clock to run on', lambda: page.text('#battery-clock'), lambda text: text != begun)
             page.fill('#amounts [aria-label="Bad blocks"]', '7')

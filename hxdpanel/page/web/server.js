@@ -22,8 +22,16 @@ async function request(method, path, body) {
   return answer;
 }
 
+// What acts waits for what was asked for before it: on connections of their own it might be overtaken.
+let last = Promise.resolve();
+function act(...asked) {
+  const answer = last.then(() => request(...asked));
+  last = answer.catch(() => {});
+  return answer;
+}
+
 export const ask = path => request('GET', path);
-export const run = line => request('POST', '/api/run', { line });
-export const writeChannel = (number, value) => request('PUT', `/api/channels/${number}`, { value });
+export const run = line => act('POST', '/api/run', { line });
+export const writeChannel = (number, value) => act('PUT', `/api/channels/${number}`, { value });
 export const setVariable = (name, type, value) =>
-  request('PUT', `/api/variables/${encodeURIComponent(name)}`, { type, value });
+  act('PUT', `/api/variables/${encodeURIComponent(name)}`, { type, value });

@@ -52,7 +52,9 @@ function showSettings() {
     list.replaceChildren(...servers().map(server => element('li', {}, server || element('small', {}, 'none'))));
 }
 
-function showFacts(ntp) {
+function showFacts() {
+  const ntp = state('time');
+  if (!ntp) return;
   const facts = [['Last', ntp.lastSynchronisation ?? 'none in this run'], ['System clock', ntp.systemClock ?? 'not set in this run'],
     ['Battery’s clock', ntp.realTimeClock ? `set to ${ntp.realTimeClock}` : 'not set in this run'], ['Note', settingsHint()]];
   byId('time-facts').replaceChildren(...facts.flatMap(([term, text]) => [element('dt', {}, term), element('dd', {}, text)]));
@@ -76,7 +78,7 @@ function closeAttempt(time, isDone) {
   const { told, isAnswered, isClockSet } = attempt;
   if (isAnswered && !isClockSet) tell(time, NOT_SET);
   else if (told.size === 1 && told.has(BEGUN)) retell((isDone ?? !isOn()) ? NOTHING_DONE : NOBODY_ASKED);
-  else if (told.size > 1 && !isAnswered && !isDone)
+  else if (told.size > 1 && told.has(BEGUN) && !isAnswered && !isDone)
     for (const server of untoldServers(attempt)) tell(time, `${server}: ${UNTOLD}`);
   attempt = newAttempt();
 }
@@ -118,8 +120,10 @@ async function synchronise(event) {
 export function start() {
   byId('time-switch').addEventListener('click', event => act(event.target, `EnableNTP(${isOn() ? 0 : 1})`));
   byId('time-now').addEventListener('click', synchronise);
-  for (const topic of ['readings', 'time']) listen(topic, showSettings);
-  listen('time', showFacts);
+  for (const topic of ['readings', 'time']) {
+    listen(topic, showSettings);
+    listen(topic, showFacts);
+  }
   listen('time', explainResult);
   listen('acted', ({ time, line }) => { if (/^ExecNTP/i.test(line)) askedAt = time; });
   listen('log', explain);
