@@ -61,6 +61,7 @@ bool IsKnown(const std::string& name, const CommandInfo* info) {
 // Which channels a change of the hardware concerns; all of them go without saying.
 std::string ConcernText(const std::vector<int>& channels) {
     std::vector<std::string> names;
+    names.reserve(channels.size());
     for (const int number : channels)
         names.push_back(std::to_string(number) + " " + FindChannel(number)->name);
     return names.empty() || names.size() == CHANNEL_COUNT ? "" : "concerns " + Joined(names);

@@ -176,30 +176,23 @@ bool Interface::KnowsChannel(const std::string& word, Response& error) const {
     return false;
 }
 
-Response Interface::Acting(const std::function<void()>& work) {
-    const Session::Turn turn(m_session);
-    Results results(m_session, m_witness);
-    work();
-    return results.Answer();
-}
-
-Response Interface::Reading(const std::function<void()>& work) {
-    return Acting([&] {
-        const MutedLog muted(m_witness);
-        work();
-    });
-}
-
 Response Interface::Channels(const Call& call) {
-    return Reading(
-        [&] { m_session.ShowChannels(SplitAt(',', Argument(call.request, "channels"))); });
+    const Session::Turn turn(m_session);
+    const MutedLog muted(m_witness);
+    Results results(m_session, m_witness);
+    m_session.ShowChannels(SplitAt(',', Argument(call.request, "channels")));
+    return results.Answer();
 }
 
 Response Interface::ReadChannel(const Call& call) {
     Response error;
     if (!KnowsChannel(call.name, error))
         return error;
-    return Reading([&] { m_session.Read(call.name); });
+    const Session::Turn turn(m_session);
+    const MutedLog muted(m_witness);
+    Results results(m_session, m_witness);
+    m_session.Read(call.name);
+    return results.Answer();
 }
 
 Response Interface::WriteChannel(const Call& call) {
@@ -209,7 +202,10 @@ Response Interface::WriteChannel(const Call& call) {
         return error;
     if (!ValueAsTyped(call.body, text))
         return ErrorResponse(400, "the body needs a value, a number or a text");
-    return Acting([&] { m_session.Write(call.name, text); });
+    const Session::Turn turn(m_session);
+    Results results(m_session, m_witness);
+    m_session.Write(call.name, text);
+    return results.Answer();
 }
 
 Response Interface::RunLine(const Call& call) {
@@ -227,7 +223,10 @@ Response Interface::RunLine(const Call& call) {
 }
 
 Response Interface::Variables(const Call&) {
-    return Acting([this] { m_session.RunInTurn("vars"); });
+    const Session::Turn turn(m_session);
+    Results results(m_session, m_witness);
+    m_session.RunInTurn("vars");
+    return results.Answer();
 }
 
 Response Interface::SetVariable(const Call& call) {
@@ -242,11 +241,17 @@ Response Interface::SetVariable(const Call& call) {
     std::string error;
     if (!ParseDefinition(call.name + (type.empty() ? "" : ":" + type), text, definition, error))
         return ErrorResponse(400, error);
-    return Acting([&] { m_session.SetVariable(definition); });
+    const Session::Turn turn(m_session);
+    Results results(m_session, m_witness);
+    m_session.SetVariable(definition);
+    return results.Answer();
 }
 
 Response Interface::Help(const Call&) {
-    return Acting([this] { m_session.RunInTurn("help"); });
+    const Session::Turn turn(m_session);
+    Results results(m_session, m_witness);
+    m_session.RunInTurn("help");
+    return results.Answer();
 }
 
 Response Interface::Complete(const Call& call) {
@@ -255,7 +260,10 @@ Response Interface::Complete(const Call& call) {
 }
 
 Response Interface::Panel(const Call&) {
-    return Acting([this] { m_session.ShowPanel(); });
+    const Session::Turn turn(m_session);
+    Results results(m_session, m_witness);
+    m_session.ShowPanel();
+    return results.Answer();
 }
 
 Response Interface::Faults(const Call&) {
@@ -271,7 +279,11 @@ Response Interface::Faults(const Call&) {
 }
 
 Response Interface::Time(const Call&) {
-    return Reading([this] { m_session.ShowTime(); });
+    const Session::Turn turn(m_session);
+    const MutedLog muted(m_witness);
+    Results results(m_session, m_witness);
+    m_session.ShowTime();
+    return results.Answer();
 }
 
 Response Interface::Screen(const Call&) {

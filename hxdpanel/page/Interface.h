@@ -10,7 +10,6 @@
 #include "hxdpanel/page/Readings.h"
 #include "hxdpanel/page/Witness.h"
 
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -65,10 +64,6 @@ private:
     Response File(const Call& call);
     Response Library(const Call& call);
 
-    // What the session answers to this work, in its turn. Reading logs the same every time, and
-    // nothing of it is told.
-    Response Acting(const std::function<void()>& work);
-    Response Reading(const std::function<void()>& work);
     bool KnowsChannel(const std::string& word, Response& error) const;
 
     Session& m_session;

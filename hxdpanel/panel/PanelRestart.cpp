@@ -101,7 +101,7 @@ HardwareResult PanelRestart::Reset() {
     if (!LoadDescription(m_files, error))
         return HardwareResult::Refused(error);
     m_memory.Forget();
-    const HardwareResult result = Restart();
+    HardwareResult result = Restart();
     if (!result.ok)
         return result;
     return HardwareResult::Done(m_files.IsPrivate()

@@ -84,6 +84,7 @@ bool ChooseChannel(const std::string& word, int highest, int& number, std::strin
                                 ", or a name, for example Brightness"
                           : " may be ";
     std::vector<std::string> names;
+    names.reserve(rows.size());
     for (const ChannelRow* row : rows)
         names.push_back(std::to_string(row->number) + " " + row->name);
     error += Joined(names);
