@@ -44,6 +44,10 @@ std::vector<Lines> Rows(const char* document, const std::string& start) {
     return rows;
 }
 
+std::string TableRow(const std::string& first, const std::string& second) {
+    return "| " + first + " | " + second + " |";
+}
+
 // The statuses of writes, which docs/channels.md explains in its own words.
 std::string WriteStatuses() {
     std::string numbers;
@@ -129,7 +133,7 @@ TEST(CommandReference, HasTheStatusesOfTheCatalogue) {
             const std::string number = std::to_string(status.status);
             const std::string meaning = StatusMeaning(status.status);
             numbers += (numbers.empty() ? "" : ", ") + number;
-            expected.insert("| " + number + " | " + meaning + " |");
+            expected.insert(TableRow(number, meaning));
             EXPECT_EQ(status.meaning.compare(0, meaning.size(), meaning), 0) << command.name;
         }
         if (i == COMMAND_OLMA_WRITE) {
