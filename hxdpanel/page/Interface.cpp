@@ -222,11 +222,15 @@ Response Interface::RunLine(const Call& call) {
     return results.AnswerToLine(line);
 }
 
-Response Interface::Variables(const Call&) {
+Response Interface::AnswerTo(const char* line) {
     const Session::Turn turn(m_session);
     Results results(m_session, m_witness);
-    m_session.RunInTurn("vars");
+    m_session.RunInTurn(line);
     return results.Answer();
+}
+
+Response Interface::Variables(const Call&) {
+    return AnswerTo("vars");
 }
 
 Response Interface::SetVariable(const Call& call) {
@@ -248,10 +252,7 @@ Response Interface::SetVariable(const Call& call) {
 }
 
 Response Interface::Help(const Call&) {
-    const Session::Turn turn(m_session);
-    Results results(m_session, m_witness);
-    m_session.RunInTurn("help");
-    return results.Answer();
+    return AnswerTo("help");
 }
 
 Response Interface::Complete(const Call& call) {

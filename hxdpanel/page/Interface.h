@@ -64,6 +64,7 @@ private:
     Response File(const Call& call);
     Response Library(const Call& call);
 
+    Response AnswerTo(const char* line);
     bool KnowsChannel(const std::string& word, Response& error) const;
 
     Session& m_session;
