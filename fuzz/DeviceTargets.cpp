@@ -19,7 +19,7 @@ void Put(const std::string& path, const std::string& text) {
 }
 
 // What is refused before it is a command leaves the last status as it was.
-void WriteChannel(FuzzDevice& fuzz, Input& input, int& status) {
+void WriteChannel(FuzzDevice& fuzz, Input& input) {
     int channel = input.ConsumeIntegralInRange(-1, 33);
     if (channel == 33)
         channel = input.ConsumeIntegral<int>();
@@ -30,7 +30,7 @@ void WriteChannel(FuzzDevice& fuzz, Input& input, int& status) {
     void* const values[] = {&integer, &integer, &number, &text[0], nullptr};
     const int result = fuzz.device.WriteChannel(channel, static_cast<DATATYPE>(type), values[type]);
     if (channel >= 0 && values[type] != nullptr)
-        status = result;
+        fuzz.status = result;
 }
 
 // What may lie where a log is expected.
@@ -102,19 +102,17 @@ void fuzz::Commands(Input& input) {
     FuzzDevice::Fresh(input).RunCommands(input);
 }
 
-// One collection for all of them: each makes it read everything anew.
 void fuzz::Writes(Input& input) {
     FuzzDevice& fuzz = FuzzDevice::Fresh(input);
-    int status = 0;
     for (int step = 0; step < FuzzDevice::MOST_STEPS && input.remaining_bytes() > 0; ++step) {
         const bool asText = !input.ConsumeBool();
         if (asText)
-            status = fuzz.device.DevIOCtrl(
+            fuzz.status = fuzz.device.DevIOCtrl(
                 ("OLMA_WRITE(" + input.ConsumeRandomLengthString(300) + ")").c_str());
         else
-            WriteChannel(fuzz, input, status);
+            WriteChannel(fuzz, input);
     }
-    FUZZ_EXPECT(fuzz.Collect() == status);
+    FUZZ_EXPECT(fuzz.Collect() == fuzz.status);
 }
 
 void fuzz::Logs(Input& input) {
@@ -136,7 +134,8 @@ void fuzz::SystemFiles(Input& input) {
         Put(SYSTEM_FILES[file % (sizeof SYSTEM_FILES / sizeof *SYSTEM_FILES)],
             input.ConsumeRandomLengthString());
     }
-    fuzz.Run("REFLESH()");
+    fuzz.device.DevIOCtrl("REFLESH()");
+    fuzz.Collect();
     Measure<EmmcDiskMgr>(forHours);
     Measure<NandDiskMgr>(forHours);
 }

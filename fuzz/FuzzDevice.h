@@ -13,16 +13,17 @@ class FuzzDevice {
 public:
     static FuzzDevice& Fresh(Input& input);
 
-    static constexpr int MOST_STEPS = 4;  // of one input
+    static constexpr int MOST_STEPS = 2;  // of one input
 
+    // Reads every source anew when something has been done since the last one.
     int Collect();
-    // A command, and a collection that has to answer the same.
-    void Run(const std::string& command);
+    // Some commands, and a collection that has to answer as the last of them.
     void RunCommands(Input& input);
 
     FakeHost host;
     FakeLink link;
     CDevCtrl device{"fuzz", &host};
+    int status = 0;  // of the last call
 
 private:
     FuzzDevice();

@@ -5,6 +5,7 @@
 #include "SimPanel.h"
 #include "common/Mutex.h"
 #include "fuzz/Fuzz.h"
+#include "gui/ScreenPicture.h"
 #include "hxdpanel/sandbox/GuardedCalls.h"
 #include "olma_host.h"
 
@@ -17,6 +18,7 @@
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
+#include <QImage>
 #include <QProcess>
 
 #include <cctype>
@@ -37,17 +39,34 @@ std::atomic<int> machine::clockStepSeconds{0};
 
 namespace {
 
-constexpr long SPEED = 250;
+constexpr long SPEED = 2000;
+constexpr long TICK_SPEED = 250;  // of workers that wait for events
 std::atomic<bool> g_rebooted{false};
 
-timespec Shortened(long long nanoseconds) {
-    const long long left = nanoseconds / SPEED;
+const std::thread::id g_driving = std::this_thread::get_id();
+
+bool IsDriving() {
+    return std::this_thread::get_id() == g_driving;
+}
+
+timespec Shortened(long long nanoseconds, long speed = SPEED) {
+    const long long left = nanoseconds / speed;
     return {static_cast<time_t>(left / 1000000000), static_cast<long>(left % 1000000000)};
 }
 
-const std::thread::id g_driving = std::this_thread::get_id();
-hxd::Mutex g_tickLock;  // guards nothing: the tick is only waited for
+// Workers rest until the thread that drives the device waits for them, and it until they rest
+// again.
+hxd::Mutex g_restLock;
+int g_ticks HXD_GUARDED_BY(g_restLock) = 0;
 std::condition_variable g_tick;
+std::condition_variable g_atRest;
+constexpr std::chrono::microseconds UNTIL_REST(200);  // a worker may have ended
+constexpr std::chrono::milliseconds LONGEST_REST(100);
+
+void Tick() HXD_REQUIRES(g_restLock) {
+    ++g_ticks;
+    g_tick.notify_all();
+}
 
 // What a shell would make of the word; one that it would not take as it stands ends the program.
 std::string Unquoted(const std::string& word) {
@@ -143,7 +162,7 @@ HXD_EXPORT int fsync(int) {
 }
 
 HXD_EXPORT int poll(pollfd* watched, nfds_t count, int timeoutMs) {
-    const timespec timeout = Shortened(timeoutMs * 1000000LL);
+    const timespec timeout = Shortened(timeoutMs * 1000000LL, IsDriving() ? SPEED : TICK_SPEED);
     return ::ppoll(watched, count, timeoutMs < 0 ? nullptr : &timeout, nullptr);
 }
 HXD_EXPORT int nanosleep(const timespec* time, timespec*) {
@@ -156,19 +175,28 @@ HXD_EXPORT int usleep(useconds_t microseconds) {
     return ::nanosleep(&time, nullptr);
 }
 
-// Workers rest until the thread that drives the device sleeps, which is to wait for them.
 HXD_EXPORT void Olma_Sleep(unsigned int) {
-    if (std::this_thread::get_id() == g_driving) {
-        g_tick.notify_all();
-        return std::this_thread::yield();
-    }
-    hxd::MutexLock locker(g_tickLock);
-    locker.WaitUntil(g_tick, std::chrono::steady_clock::now() + std::chrono::microseconds(200));
+    static thread_local int seen = -1;
+    const bool isDriving = IsDriving();
+    hxd::MutexLock locker(g_restLock);
+    if (isDriving)
+        Tick();
+    else
+        g_atRest.notify_one();
+    const auto now = std::chrono::steady_clock::now();
+    if (isDriving)
+        locker.WaitUntil(g_atRest, now + UNTIL_REST);
+    else if (seen == g_ticks)
+        locker.WaitUntil(g_tick, now + LONGEST_REST);
+    seen = g_ticks;
 }
 HXD_EXPORT int pthread_join(pthread_t thread, void** result) {
     static const auto next =
         reinterpret_cast<decltype(&::pthread_join)>(::dlsym(RTLD_NEXT, "pthread_join"));
-    g_tick.notify_all();  // it need not rest any longer
+    {
+        const hxd::MutexLock locker(g_restLock);
+        Tick();  // it need not rest any longer
+    }
     return next(thread, result);
 }
 
@@ -194,6 +222,12 @@ HXD_EXPORT QProcess::ExitStatus QProcess::exitStatus() const {
 }
 HXD_EXPORT int QProcess::exitCode() const {
     return machine::pingAnswers ? 0 : 1;
+}
+
+// Drawing the real one takes longer than all else.
+HXD_EXPORT QImage sim::DrawScreen(const sim::ScreenContent&) {
+    static const QImage small(40, 24, QImage::Format_RGB32);
+    return small;
 }
 
 // Does not wait for what happens every so often, as scripts do that let days pass.

@@ -53,6 +53,10 @@ Character CharacterAt(const std::string& text, std::size_t position) {
     return {code, length, true};
 }
 
+std::size_t Width(const Character& character) {
+    return static_cast<std::size_t>(std::max(::wcwidth(character.code), 1));
+}
+
 std::size_t Distance(const std::string& left, const std::string& right) {
     std::vector<std::size_t> row(right.size() + 1);
     for (std::size_t j = 0; j <= right.size(); ++j)
@@ -132,7 +136,7 @@ std::size_t Columns(const std::string& visible) {
     std::size_t columns = 0;
     for (std::size_t i = 0; i < visible.size();) {
         const Character character = CharacterAt(visible, i);
-        columns += static_cast<std::size_t>(std::max(::wcwidth(character.code), 1));
+        columns += Width(character);
         i += character.length;
     }
     return columns;
@@ -146,15 +150,16 @@ std::string PadRight(const std::string& visible, std::size_t columns) {
 std::string Shortened(const std::string& visible, std::size_t columns) {
     if (Columns(visible) <= columns)
         return visible;
-    std::string shorter;
-    for (std::size_t i = 0; i < visible.size();) {
-        const std::string next = visible.substr(i, CharacterAt(visible, i).length);
-        if (Columns(shorter + next) + 1 > columns)
-            break;
-        shorter += next;
-        i += next.size();
+    if (columns == 0)
+        return "";
+    std::size_t end = 0;
+    for (std::size_t used = 1;;) {  // the mark's
+        const Character character = CharacterAt(visible, end);
+        used += Width(character);
+        if (used > columns)
+            return visible.substr(0, end) + (MB_CUR_MAX > 1 ? "…" : "~");
+        end += character.length;
     }
-    return columns > 0 ? shorter + (MB_CUR_MAX > 1 ? "…" : "~") : shorter;
 }
 
 std::string TakeWord(std::string& rest) {
@@ -227,6 +232,9 @@ std::string Closest(const std::string& word, const std::vector<std::string>& can
     std::size_t best = std::min<std::size_t>(3, word.size() / 2) + 1;
     std::string closest;
     for (const std::string& candidate : candidates) {
+        if (std::max(word.size(), candidate.size()) - std::min(word.size(), candidate.size()) >=
+            best)
+            continue;  // so far apart are they at least
         const std::size_t distance = Distance(word, candidate);
         if (distance < best) {
             best = distance;
