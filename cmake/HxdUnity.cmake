@@ -1,5 +1,5 @@
 # HXD_UNITY: the files of a folder are compiled as one, at about half the cost: for builds from scratch.
-# The build that is edited and linted keeps a file by itself, so that each includes what it uses. Names
+# The build that is edited keeps a file by itself, so that each includes what it uses. Names
 # in anonymous namespaces differ within a folder, and within all of hxdpanel (HXD_QUICK).
 option(HXD_UNITY "Compile the files of a folder together" OFF)
 

@@ -283,15 +283,16 @@ TEST_F(ChannelWrites, SetAddressesOfTheInterfaceTheyMean) {
         const char* value;
         double status;
     } cases[] = {
-        {1, "192.168.7.8", 0}, {2, "255.255.0.0", 0}, {8, "10.1.2.3", 0}, {9, "255.0.0.0", 0},
-        {1, "224.0.0.1", 4},   {2, "128.0.0.0", 4},   {8, "10.0.0", 4},   {1, "", 4},
+        {1, "192.168.7.8", 0}, {2, "255.255.0.0", 0}, {8, "1.2.3.4", 0}, {9, "255.0.0.0", 0},
+        {1, "224.0.0.1", 4},   {2, "128.0.0.0", 4},   {8, "10.0.0", 4},  {1, "", 4},
     };
     for (const auto& c : cases)
         EXPECT_EQ(Write(c.channel, c.value), c.status) << c.channel << "=" << c.value;
     const auto applied = Panel().appliedRecords;
     ASSERT_EQ(applied.size(), 4u);
-    EXPECT_STREQ(applied[3].name, "eth1");
-    EXPECT_EQ(applied[3].address, 0x0302010Au);
+    for (std::size_t i = 0; i < applied.size(); ++i)
+        EXPECT_STREQ(applied[i].name, i < 2 ? "eth0" : "eth1");
+    EXPECT_EQ(applied[3].address, 0x04030201u);
     EXPECT_EQ(applied[1].netmask, 0x0000FFFFu);
     ChangePanel([](sim::PanelState& state) { state.interfaces.resize(1); });
     EXPECT_EQ(Write(8, "10.1.2.3"), 8.0);

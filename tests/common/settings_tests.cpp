@@ -264,8 +264,9 @@ TEST_F(Settings, KeepModeTimeLinksAndForeignKeys) {
     ASSERT_EQ(::utimensat(AT_FDCWD, FILE_NAME, future, 0), 0);
     Write(OWN_KEY[0], QLatin1String("1"));
     EXPECT_EQ(StatusOf(FILE_NAME).st_mode & 07777, 0640u);
-    EXPECT_TRUE(StatusOf(FILE_NAME).st_mtim.tv_sec > future[1].tv_sec ||
-                StatusOf(FILE_NAME).st_mtim.tv_nsec > 0);
+    const struct timespec written = StatusOf(FILE_NAME).st_mtim;
+    EXPECT_GT(std::make_pair(written.tv_sec, written.tv_nsec),
+              std::make_pair(future[1].tv_sec, future[1].tv_nsec));
     EXPECT_EQ(readFile(FILE_NAME), "[DEVICE]\nbacklight_duration=1\n\n" + foreign);
     // Not even by keys that Qt does not find again.
     for (const char* odd :

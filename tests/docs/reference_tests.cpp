@@ -94,6 +94,18 @@ TEST(ChannelReference, FollowsTheTable) {
         EXPECT_NE(rows[0][6], "") << number;
         const bool hasRange = channel.IsWritable() && channel.input != ChannelRow::ANY_TEXT;
         EXPECT_TRUE(hasRange || (channel.minimum == 0 && channel.maximum == 0)) << number;
+        const bool isText = channel.kind == ChannelRow::TEXT;
+        for (const ChannelRow::Sentinel& special : channel.sentinels) {
+            const char* const said = isText && special.text != nullptr
+                                         ? channel.SentinelMeaning(special.text)
+                                         : channel.SentinelMeaning(special.number);
+            EXPECT_TRUE(special.meaning == nullptr || said == special.meaning) << number;
+        }
+    }
+    for (const int part : {CHANNEL_IP_ADDRESS_1, CHANNEL_NETMASK_1}) {  // its row is asked for both
+        const int second = part + CHANNEL_IP_ADDRESS_2 - CHANNEL_IP_ADDRESS_1;
+        EXPECT_EQ(FindChannel(second)->minimum, FindChannel(part)->minimum);
+        EXPECT_EQ(FindChannel(second)->maximum, FindChannel(part)->maximum);
     }
 }
 

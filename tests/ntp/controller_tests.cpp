@@ -154,6 +154,7 @@ TEST_F(TimeControl, TakesTheOneServerThatAnswers) {
     EXPECT_EQ(Exec(), 10);
     const std::string out = testing::internal::GetCapturedStdout();
     const std::string error = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(Count(error, "execNtp-----------\n"), 1);
     EXPECT_EQ(Count(error, "server:none.test,getaddrinfo error: Name or service not known\n"), 2);
     EXPECT_EQ(Count(out, "[tryToSend:214]等待服务器响应超时，终止 !:127.0.0.11\n\n"), 2);
 

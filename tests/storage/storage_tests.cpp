@@ -292,6 +292,8 @@ TEST_F(NandHealth, MountsDebugfsForEachCountOnly) {
     EXPECT_EQ(CommandLog(), Counts(4));
     EXPECT_EQ(disk->getDiskIO(), 1);  // nothing is known to be erased
     EXPECT_EQ(CommandLog(), Counts(4));
+    Advance(HOUR_MS + TICK_MS);  // the one that it has mounted has no table
+    EXPECT_EQ(CommandLog(), Counts(5));
 }
 
 TEST_F(NandHealth, StartsAtTheThirdAttemptAndEndsInEveryState) {

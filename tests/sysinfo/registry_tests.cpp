@@ -8,6 +8,7 @@
 #include "sysinfo/FileText.h"
 #include "sysinfo/MemInfo.h"
 
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <QDir>
@@ -172,10 +173,10 @@ TEST_F(CpuUseOnAPanel, KeepsTheLastGoodValueAndMeasuresOnFromABadSample) {
 
 // Between the lines that every command begins and ends with.
 TEST_F(CpuUseOnAPanel, TellsEveryStep) {
-    writeFile("/proc/stat", "cpu  1 2 3 4 5 6 7 8\n");
+    writeFile("/proc/stat", "cpu  1 2 3 4 5 6 7\n");
     writeFile("/proc/meminfo", "MemAvailable: 2048 kB\n");
     writeFile("/storage/log/restart.log", "x");
-    const char* const counters =
+    const std::string counters =
         "4 DevCalcCpuUse DevCalcCpuUse begin m_cpuname = cpu,m_user = 1,m_nice=2,m_system = 3,"
         "m_idle=4,m_iowait=5,m_irq=6,m_softirq=7";
     const struct {
@@ -184,10 +185,11 @@ TEST_F(CpuUseOnAPanel, TellsEveryStep) {
     } cases[] = {
         {"GetCpuUse(10)",
          {"4 DevReadFile DevReadFile begin strFileName = /proc/stat",
-          "4 DevReadFile DevReadFile end Read strFileContext = cpu  1 2 3 4 5 6 7 8\n ",
-          "4 DevCalcCpuUse DevCalcCpuUse begin strFileContext = cpu  1 2 3 4 5 6 7 8\n",
+          "4 DevReadFile DevReadFile end Read strFileContext = cpu  1 2 3 4 5 6 7\n ",
+          "4 DevCalcCpuUse DevCalcCpuUse begin strFileContext = cpu  1 2 3 4 5 6 7\n",
           // As texts, then as numbers.
-          counters, counters, "4 DevCalcCpuUse_1 CPUUSE DevOpear begin od = 28,_cpu_jiff_all=0",
+          counters + "\n", counters,
+          "4 DevCalcCpuUse_1 CPUUSE DevOpear begin od = 28,_cpu_jiff_all=0",
           "4 DevCalcCpuUse_1 CPUUSE DevOpear begin sd = 4,_cpu_jiff_idle=0",
           "4 DevCalcCpuUse_1 CPUUSE DevOpear calc end cpu_use = 0.857143",
           "4 DevCalcCpuUse_1 CPUUSE DevOpear end cpu_use = 0.860000",
@@ -423,4 +425,13 @@ TEST(ShellRunner, CollectsWhatACommandSays) {
     EXPECT_EQ(output, "123");
     EXPECT_TRUE(DoCmd::doCmdOnly("echo x > /tmp/said"));
     EXPECT_EQ(::access("/tmp/said", F_OK), 0);
+
+    struct rlimit limit = {};
+    ::getrlimit(RLIMIT_NOFILE, &limit);
+    const struct rlimit none = {0, limit.rlim_max};
+    ::setrlimit(RLIMIT_NOFILE, &none);
+    const bool ran = DoCmd::doCmdSync("true", output) || DoCmd::doCmdOnly("true");
+    ::setrlimit(RLIMIT_NOFILE, &limit);
+    EXPECT_FALSE(ran);
+    EXPECT_EQ(output, "123");
 }
