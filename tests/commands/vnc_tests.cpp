@@ -8,6 +8,7 @@
 #include <QCoreApplication>
 
 #include <functional>
+#include <stdexcept>
 
 namespace {
 
@@ -94,7 +95,8 @@ constexpr const char* VncPassword::SECOND;
 }  // namespace
 
 TEST_F(VncLock, IsReleasedAtTheStartAndAtTheEnd) {
-    Install(new FakePlugin(calls));
+    FakePlugin* const plugin = new FakePlugin(calls);
+    Install(plugin);
     auto proxy = Make("");
     EXPECT_EQ(calls, UNLOCKING);
 
@@ -124,6 +126,9 @@ TEST_F(VncLock, IsReleasedAtTheStartAndAtTheEnd) {
     calls.clear();
     proxy.reset();
     EXPECT_EQ(calls, UNLOCKING);
+    proxy = Make("");
+    plugin->onSet = [] { throw std::runtime_error("plug-in"); };
+    proxy.reset();  // goes no further
 }
 
 TEST_F(VncLock, FollowsTheChannelsMouseBeforeKeyboard) {

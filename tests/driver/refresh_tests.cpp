@@ -3,6 +3,7 @@
 #include "TestFiles.h"
 #include "common/AppSettings.h"
 #include "driver/RefreshCycle.h"
+#include "driver/record/ChannelTable.h"
 #include "ntp/NtpCtrl.h"
 #include "storage/DiskInterface.h"
 
@@ -170,10 +171,10 @@ TEST_F(Refresh, ShowsSentinelsForWhatIsMissing) {
 }
 
 TEST_F(Refresh, StaysInsideTheArrays) {
-    record.m_arrValue.SetSize(10);
-    record.m_arrStrValue.SetSize(3);
+    record.m_arrValue.SetSize(CHANNEL_BRIGHTNESS);  // of each, the next would be written
+    record.m_arrStrValue.SetSize(CHANNEL_NETMASK_1);
     Run();
-    EXPECT_EQ(record.m_arrValue.GetSize(), 10);
+    EXPECT_EQ(record.m_arrValue.GetSize(), CHANNEL_BRIGHTNESS);
     EXPECT_EQ(Text(1), "192.168.1.20");
 }
 

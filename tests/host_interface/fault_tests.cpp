@@ -1,6 +1,6 @@
-// Every operation of a device while the system refuses something: whatever it answers, it returns,
-// the settings stay whole, and the device works again when the fault is gone. Each case runs in a
-// process of its own, which a fault may keep.
+// Operations of a device, of every kind, while the system refuses something: whatever it answers,
+// it returns, the settings stay whole, and the device works again when the fault is gone. Each case
+// runs in a process of its own, which a fault may keep.
 #include "Adversity.h"
 #include "FakeHost.h"
 #include "FaultyMemory.h"
@@ -43,7 +43,7 @@ struct Panel {
             reinterpret_cast<decltype(&CreateDeviceCtrl)>(::dlsym(library, "CreateDeviceCtrl"));
         device = create("faults", &host);
         host.ints = {{"i", 0}, {"one", 1}, {"r", 0}};
-        host.texts = {{"t", "text"}, {"server", "127.0.0.11"}};
+        host.texts = {{"t", "text"}, {"server", "127.0.0.11"}, {"none", "none.test"}};
     }
     int Init() { return device->InitDevice(PARAMETERS, sizeof PARAMETERS); }
     int Collect() {
@@ -68,13 +68,19 @@ struct Panel {
     IDeviceCtrl* device = nullptr;
 };
 
+// How many refused allocations may end in Qt: none, but a slow machine looks like it; of those in
+// which a setting is written, a third.
+constexpr int SLOW_ONES = 2;
+constexpr int NOT_TRIED = -1;
+
 struct Operation {
     const char* name;
     std::function<void(Panel&)> run;
+    int mostEndsOfQt;
 };
 
 Operation Command(const char* text) {
-    return {text, [text](Panel& panel) { panel.device->DevIOCtrl(text); }};
+    return {text, [text](Panel& panel) { panel.device->DevIOCtrl(text); }, SLOW_ONES};
 }
 
 const std::vector<Operation>& Operations() {
@@ -83,18 +89,27 @@ const std::vector<Operation>& Operations() {
          [](Panel& panel) {
              panel.device->CleanupDevice();
              panel.Init();
-         }},
-        {"CleanupDevice", [](Panel& panel) { panel.device->CleanupDevice(); }},
-        {"CollectDevData", [](Panel& panel) { panel.Collect(); }},
+         },
+         SLOW_ONES},
+        {"CleanupDevice", [](Panel& panel) { panel.device->CleanupDevice(); }, SLOW_ONES},
+        {"CollectDevData", [](Panel& panel) { panel.Collect(); }, SLOW_ONES},
         {"ChannelRefChange",
          [](Panel& panel) {
              const int channel = 1;
              panel.device->ChannelRefChange(&channel, 1000);
-         }},
-        {"a setting", [](Panel& panel) { panel.Write(4, std::to_string(NEW_VALUE).c_str()); }},
-        {"an address", [](Panel& panel) { panel.Write(1, "10.0.0.9"); }},
-        {"a password", [](Panel& panel) { panel.Write(19, "secret"); }},
-        {"a time server", [](Panel& panel) { panel.Write(15, "time.example.org"); }},
+         },
+         SLOW_ONES},
+        {"a setting", [](Panel& panel) { panel.Write(4, std::to_string(NEW_VALUE).c_str()); }, 110},
+        {"an address", [](Panel& panel) { panel.Write(1, "10.0.0.9"); }, SLOW_ONES},
+        {"a password", [](Panel& panel) { panel.Write(19, "secret"); }, SLOW_ONES},
+        {"a time server", [](Panel& panel) { panel.Write(15, "time.example.org"); }, SLOW_ONES},
+        {"a synchronisation",
+         [](Panel& panel) {
+             for (const char* command :
+                  {"SetNTPServer(none,,,)", "EnableNTP(one)", "ExecNTP(r)", "EnableNTP(i)"})
+                 panel.device->DevIOCtrl(command);
+         },
+         NOT_TRIED},
         Command("GetCpuUse(10)"),
         Command("GetMemUse(11)"),
         Command("ReadAppLog(i,one,t,r)"),
@@ -211,6 +226,7 @@ protected:
         ::mkdir("/run/shims", 0755);
         writeFile("/run/shims/dmesg", "echo line\n");
         writeFile("/storage/log/restart.log", "log\n");
+        writeFile("/etc/resolv.conf", "nameserver 127.0.0.53\n");
         writeFile("/etc/iot_cfg/vncConfig.ini", "[VNCCONFIG]\npasswd=panel\n");
         Restore();
     }
@@ -286,6 +302,8 @@ TEST_F(Faults, EveryAllocationMayFail) {
     ASSERT_NE(shared, MAP_FAILED);
     int& number = *static_cast<int*>(shared);
     for (const Operation& operation : Operations()) {
+        if (operation.mostEndsOfQt == NOT_TRIED)
+            continue;
         int endsOfQt = 0;
         number = 0;
         for (bool reachedAll = false; !reachedAll;) {
@@ -316,6 +334,7 @@ TEST_F(Faults, EveryAllocationMayFail) {
             }
         }
         std::printf("%s: %d allocations, %d ends of Qt\n", operation.name, number - 1, endsOfQt);
+        EXPECT_LE(endsOfQt, operation.mostEndsOfQt) << operation.name;
     }
     ::munmap(shared, sizeof(int));
 }

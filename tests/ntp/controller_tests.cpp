@@ -236,14 +236,18 @@ TEST_F(TimeControl, SynchronisesByItselfWhenDue) {
     ASSERT_TRUE(synchronised(1));
     // Two ticks, in which the end of the synchronisation is noted.
     std::this_thread::sleep_for(std::chrono::milliseconds(450));
+    const int pings = Runs("ping");  // what each synchronisation begins with
     sim::SimPanel::Instance().AdvanceClock(2 * 3600000 - 1);
     control.setNtpServer(QLatin1String("127.0.0.11"), 1);
     std::this_thread::sleep_for(std::chrono::milliseconds(450));
-    EXPECT_EQ(Panel().rtcSettings.size(), 1u) << "neither the period is over nor do servers count";
+    EXPECT_EQ(Runs("ping"), pings) << "neither the period is over nor do servers count";
+    g_systemCalls.throwingTicks = 2;
     sim::SimPanel::Instance().AdvanceClock(1);
     ASSERT_TRUE(synchronised(2));
+    EXPECT_EQ(g_systemCalls.throwingTicks, 0) << "a tick may throw";
+    const int pingsOfTwo = Runs("ping");
     std::this_thread::sleep_for(std::chrono::milliseconds(450));
-    EXPECT_EQ(Panel().rtcSettings.size(), 2u) << "the period begins anew";
+    EXPECT_EQ(Runs("ping"), pingsOfTwo) << "the period begins anew";
     control.setNtpFreq(3);
     ASSERT_TRUE(synchronised(3));
     control.setNtpMode(0);

@@ -2,6 +2,8 @@
 #undef _FORTIFY_SOURCE
 #include "SystemCalls.h"
 
+#include "olma_host.h"
+
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <linux/magic.h>
@@ -12,10 +14,14 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <new>
+#include <thread>
 
 SystemCalls g_systemCalls;
 
 namespace {
+
+const std::thread::id MAIN_THREAD = std::this_thread::get_id();
 
 template <class CALL>
 CALL Next(const char* name) {
@@ -94,6 +100,15 @@ int pthread_create(pthread_t* __restrict newthread, const pthread_attr_t* __rest
     if (g_systemCalls.threads > 0)
         --g_systemCalls.threads;
     return Next<decltype(&pthread_create)>("pthread_create")(newthread, attr, start_routine, arg);
+}
+
+long long Olma_GetTickCount() {
+    const bool isOther = std::this_thread::get_id() != MAIN_THREAD;
+    if (isOther && g_systemCalls.throwingTicks > 0) {
+        --g_systemCalls.throwingTicks;
+        throw std::bad_alloc();
+    }
+    return Next<decltype(&Olma_GetTickCount)>("Olma_GetTickCount")();
 }
 
 int statfs(const char* file, struct statfs* buf) noexcept {

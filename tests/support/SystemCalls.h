@@ -16,9 +16,10 @@ struct SystemCalls {
     std::atomic<long long> written{0};  // bytes, by every write()
     std::atomic<bool> flushes{true};    // false: "fsync" and "sync" do nothing
     std::atomic<bool> pollFails{false};
-    std::atomic<int> chownError{0};    // of every fchown(); 0: none
-    std::atomic<int> threads{-1};      // how many more can be started; below 0: any number
-    std::atomic<int> debugfsLooks{0};  // how many more find a debugfs anywhere; below 0: all
+    std::atomic<int> chownError{0};     // of every fchown(); 0: none
+    std::atomic<int> threads{-1};       // how many more can be started; below 0: any number
+    std::atomic<int> throwingTicks{0};  // how many more Olma_GetTickCount() of other threads throw
+    std::atomic<int> debugfsLooks{0};   // how many more find a debugfs anywhere; below 0: all
 };
 extern SystemCalls g_systemCalls;
 
