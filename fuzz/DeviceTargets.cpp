@@ -1,5 +1,6 @@
 // What goes through a living device: commands, channel writes, and the files that it reads.
 #include "SimPanel.h"
+#include "driver/record/ChannelTable.h"
 #include "fuzz/FuzzDevice.h"
 #include "fuzz/Machine.h"
 #include "olma_host.h"
@@ -28,6 +29,7 @@ void WriteChannel(FuzzDevice& fuzz, Input& input) {
     double number = integer / 4.0;
     std::string text = input.ConsumeRandomLengthString(300);
     void* const values[] = {&integer, &integer, &number, &text[0], nullptr};
+    fuzz.mayBeOn |= channel == CHANNEL_NTP_SWITCH - 1;
     const int result = fuzz.device.WriteChannel(channel, static_cast<DATATYPE>(type), values[type]);
     if (channel >= 0 && values[type] != nullptr)
         fuzz.status = result;
@@ -107,8 +109,7 @@ void fuzz::Writes(Input& input) {
     for (int step = 0; step < FuzzDevice::MOST_STEPS && input.remaining_bytes() > 0; ++step) {
         const bool asText = !input.ConsumeBool();
         if (asText)
-            fuzz.status = fuzz.device.DevIOCtrl(
-                ("OLMA_WRITE(" + input.ConsumeRandomLengthString(300) + ")").c_str());
+            fuzz.Run("OLMA_WRITE(" + input.ConsumeRandomLengthString(300) + ")");
         else
             WriteChannel(fuzz, input);
     }
@@ -134,7 +135,7 @@ void fuzz::SystemFiles(Input& input) {
         Put(SYSTEM_FILES[file % (sizeof SYSTEM_FILES / sizeof *SYSTEM_FILES)],
             input.ConsumeRandomLengthString());
     }
-    fuzz.device.DevIOCtrl("REFLESH()");
+    fuzz.Run("REFLESH()");
     fuzz.Collect();
     Measure<EmmcDiskMgr>(forHours);
     Measure<NandDiskMgr>(forHours);

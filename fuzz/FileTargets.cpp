@@ -224,5 +224,6 @@ void fuzz::Time(Input& input) {
     Put(renamed ? "/etc/resolv.conf.tmp" : "/etc/resolv.conf",
         input.ConsumeRandomLengthString(200));
     server.Answer(input.ConsumeRandomLengthString(100));
-    fuzz.RunCommands(input);
+    constexpr int SYNCHRONISATION = 6;  // servers, modes, the switch, and then it is asked for
+    fuzz.RunCommands(input, SYNCHRONISATION);
 }

@@ -20,7 +20,7 @@ using Input = FuzzedDataProvider;
 
 namespace fuzz {
 
-// Text alone: 10,000 executions a second and more.
+// Text alone.
 void Archive(Input& input);
 void Text(Input& input);
 void ProcFiles(Input& input);

@@ -1,7 +1,6 @@
 #include "fuzz/FuzzDevice.h"
 
 #include "SimPanel.h"
-#include "driver/record/ChannelTable.h"
 #include "fuzz/Machine.h"
 #include "fuzz/Refusals.h"
 
@@ -96,8 +95,8 @@ FuzzDevice& FuzzDevice::Fresh(Input& input) {
     });
     if (broken == A_DAY_LATER)
         sim::SimPanel::Instance().AdvanceClock(DAY_MS);
-    const bool isOn = made.host.numberChannels[CHANNEL_NTP_SWITCH] != 0.0;
-    made.status = made.device.DevIOCtrl(isOn ? "EnableNTP(0)" : "REFLESH()");
+    made.status = made.device.DevIOCtrl(made.mayBeOn ? "EnableNTP(0)" : "Nothing()");
+    made.mayBeOn = false;
     Plant(input);
     const int fault = input.ConsumeIntegral<std::uint8_t>();
     machine::commandsFail = fault == NO_COMMANDS;
@@ -110,8 +109,14 @@ int FuzzDevice::Collect() {
     return device.CollectDevData(channels.data(), 32);
 }
 
-void FuzzDevice::RunCommands(Input& input) {
-    for (int step = 0; step < MOST_STEPS && input.remaining_bytes() > 0; ++step)
-        status = device.DevIOCtrl(input.ConsumeRandomLengthString().c_str());
+void FuzzDevice::Run(const std::string& command) {
+    mayBeOn |= command.find("EnableNTP") != std::string::npos ||
+               command.find("OLMA_WRITE") != std::string::npos;
+    status = device.DevIOCtrl(command.c_str());
+}
+
+void FuzzDevice::RunCommands(Input& input, int most) {
+    for (int step = 0; step < most && input.remaining_bytes() > 0; ++step)
+        Run(input.ConsumeRandomLengthString());
     FUZZ_EXPECT(Collect() == status);
 }

@@ -15,15 +15,16 @@ public:
 
     static constexpr int MOST_STEPS = 2;  // of one input
 
-    // Reads every source anew when something has been done since the last one.
     int Collect();
+    void Run(const std::string& command);
     // Some commands, and a collection that has to answer as the last of them.
-    void RunCommands(Input& input);
+    void RunCommands(Input& input, int most = MOST_STEPS);
 
     FakeHost host;
     FakeLink link;
     CDevCtrl device{"fuzz", &host};
-    int status = 0;  // of the last call
+    int status = 0;        // of the last call
+    bool mayBeOn = false;  // the time synchronisation
 
 private:
     FuzzDevice();

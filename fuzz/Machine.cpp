@@ -23,6 +23,7 @@
 
 #include <cctype>
 #include <chrono>
+#include <climits>
 #include <cstdio>
 #include <cstring>
 #include <ctime>
@@ -31,7 +32,7 @@
 
 #define HXD_EXPORT __attribute__((visibility("default")))
 
-bool machine::driven = false;
+std::atomic<bool> machine::driven{false};
 std::string machine::kernelLog;
 std::atomic<bool> machine::commandsFail{false};
 std::atomic<bool> machine::pingAnswers{true};
@@ -54,10 +55,10 @@ timespec Shortened(long long nanoseconds, long speed = SPEED) {
     return {static_cast<time_t>(left / 1000000000), static_cast<long>(left % 1000000000)};
 }
 
-// Workers rest until the thread that drives the device waits for them, and it until they rest
-// again.
+// Workers rest until the thread that drives the device waits for them, and it until one of them
+// rests again.
 hxd::Mutex g_restLock;
-int g_ticks HXD_GUARDED_BY(g_restLock) = 0;
+unsigned g_ticks HXD_GUARDED_BY(g_restLock) = 0;
 std::condition_variable g_tick;
 std::condition_variable g_atRest;
 constexpr std::chrono::microseconds UNTIL_REST(200);  // a worker may have ended
@@ -100,6 +101,13 @@ bool Begins(const std::string& text, const std::string& beginning) {
     return text.compare(0, beginning.size(), beginning) == 0;
 }
 
+bool SetsTheClock(const std::string& command) {
+    const std::string beginning = "date -s \"";
+    return Begins(command, beginning) &&
+           command.find_first_not_of("0123456789-: ", beginning.size()) == command.size() - 1 &&
+           command.back() == '"';
+}
+
 }  // namespace
 
 extern "C" {
@@ -109,18 +117,18 @@ HXD_EXPORT int system(const char* command) {
         return reinterpret_cast<decltype(&::system)>(::dlsym(RTLD_NEXT, "system"))(command);
     const std::string text = command;
     const std::string makeFolders = "mkdir -p ";
-    const bool known = Begins(text, makeFolders) || text == "dmesg > /tmp/dmesg.log" ||
-                       text == "rm /tmp/dmesg.log" || Begins(text, "date -s \"");
-    FUZZ_EXPECT(known);
+    const bool fillsLog = text == "dmesg > /tmp/dmesg.log";
+    const bool removesLog = text == "rm /tmp/dmesg.log";
+    FUZZ_EXPECT(Begins(text, makeFolders) || fillsLog || removesLog || SetsTheClock(text));
     const std::string folder =
         Begins(text, makeFolders) ? Unquoted(text.substr(makeFolders.size())) : "";
     if (machine::commandsFail)
         return 256;
     if (!folder.empty())
         MakeFolders(folder);
-    else if (text[1] == 'm')
+    else if (fillsLog)
         std::ofstream("/tmp/dmesg.log", std::ios::binary) << machine::kernelLog;
-    else if (text[0] == 'r')
+    else if (removesLog)
         ::unlink("/tmp/dmesg.log");
     return 0;
 }
@@ -129,15 +137,16 @@ HXD_EXPORT int system(const char* command) {
 HXD_EXPORT FILE* popen(const char* command, const char*) {
     const std::string text = command;
     const std::string find = "find /sys/devices/platform -name ";
-    FUZZ_EXPECT(Begins(text, find) || Begins(text, "mount -t debugfs ") ||
-                Begins(text, "umount -l "));
+    FUZZ_EXPECT(Begins(text, find) || text == "mount -t debugfs none /sys/kernel/debug" ||
+                text == "umount -l /sys/kernel/debug");
     if (machine::commandsFail)
         return nullptr;
     const int output = ::memfd_create("output", MFD_CLOEXEC);
     if (output < 0)
         return nullptr;
     const std::string path =
-        "/sys/devices/platform/" + text.substr(std::min(text.size(), find.size()));
+        "/sys/devices/platform/" +
+        (Begins(text, find) ? Unquoted(text.substr(find.size())) : std::string());
     if (Begins(text, find) && ::access(path.c_str(), F_OK) == 0)
         ::syscall(SYS_write, output, (path + "\n").c_str(), path.size() + 1);
     ::lseek(output, 0, SEEK_SET);
@@ -176,7 +185,7 @@ HXD_EXPORT int usleep(useconds_t microseconds) {
 }
 
 HXD_EXPORT void Olma_Sleep(unsigned int) {
-    static thread_local int seen = -1;
+    static thread_local unsigned seen = UINT_MAX;
     const bool isDriving = IsDriving();
     hxd::MutexLock locker(g_restLock);
     if (isDriving)
@@ -226,7 +235,8 @@ HXD_EXPORT int QProcess::exitCode() const {
 
 // Drawing the real one takes longer than all else.
 HXD_EXPORT QImage sim::DrawScreen(const sim::ScreenContent&) {
-    static const QImage small(40, 24, QImage::Format_RGB32);
+    QImage small(40, 24, QImage::Format_RGB32);
+    small.fill(0);
     return small;
 }
 

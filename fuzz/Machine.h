@@ -8,7 +8,7 @@
 
 namespace machine {
 
-extern bool driven;                     // from the first input on
+extern std::atomic<bool> driven;        // from the first input on
 extern std::string kernelLog;           // what dmesg prints
 extern std::atomic<bool> commandsFail;  // every shell command; what is piped finds no process
 extern std::atomic<bool> pingAnswers;

@@ -72,5 +72,5 @@ fuzz_coverage() {  # TARGET...
     llvm-profdata merge -o "$build/all.profdata" "$build"/*.profraw
     llvm-cov report "$build/bin/hxdcontrol_fuzz" -instr-profile="$build/all.profdata" \
         -show-branch-summary -show-region-summary=0 \
-        -ignore-filename-regex='(^|/)(hxdpanel|platform|fuzz|tests|generated|usr)/|_autogen/'
+        -ignore-filename-regex="^$PWD/(hxdpanel|platform|fuzz|tests|build)/|^/usr/"
 }
