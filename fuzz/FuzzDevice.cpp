@@ -9,6 +9,7 @@
 
 #include <climits>
 #include <cstdio>
+#include <cstring>
 #include <vector>
 
 namespace {
@@ -110,8 +111,8 @@ int FuzzDevice::Collect() {
 }
 
 void FuzzDevice::Run(const std::string& command) {
-    mayBeOn |= command.find("EnableNTP") != std::string::npos ||
-               command.find("OLMA_WRITE") != std::string::npos;
+    mayBeOn |= ::strcasestr(command.c_str(), "EnableNTP") != nullptr ||
+               ::strcasestr(command.c_str(), "OLMA_WRITE") != nullptr;
     status = device.DevIOCtrl(command.c_str());
 }
 
