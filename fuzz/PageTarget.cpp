@@ -93,6 +93,7 @@ bool HasToken(const page::Request& request) {
         return named.second.find(TOKEN) != std::string::npos;
     };
     return std::any_of(request.headers.begin(), request.headers.end(), holds) ||
+           std::any_of(request.cookies.begin(), request.cookies.end(), holds) ||
            std::any_of(request.arguments.begin(), request.arguments.end(), holds);
 }
 
