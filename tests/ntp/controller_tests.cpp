@@ -1,10 +1,13 @@
 // Commands, workers and the control thread, against servers on the panel's own network.
+#include "FaultyMemory.h"
 #include "SystemCalls.h"
 #include "common/QtText.h"
 #include "network/NerworkCheck.h"
+#include "ntp/NameLookup.h"
 #include "tests/ntp/TimeControl.h"
 #include "tests/ntp/TimeServer.h"
 
+#include <netdb.h>
 #include <sys/resource.h>
 
 namespace {
@@ -383,3 +386,22 @@ TEST_F(TimeControl, FailsWithoutThreadsAndGoesOnLater) {
     g_systemCalls.interrupts = false;
     EXPECT_EQ(server.Requests(), 2);
 }
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+TEST_F(TimeControl, FailsWithoutMemory) {
+    NtpCtrl& control = StartOnDemand({"127.0.0.11"});
+    faulty_memory::Refuse(1);
+    EXPECT_EQ(control.execNtp(), RESULT_TIME_SYNC_FAILED);
+    EXPECT_TRUE(faulty_memory::Stop());
+    Stop();
+    int result = EAI_MEMORY, refusals = 0;
+    while (refusals == 0 || faulty_memory::Stop()) {  // of the look-up's own thread
+        std::vector<sockaddr_in> addresses;
+        faulty_memory::RefuseOthers(++refusals);
+        result = LookUpName("localhost", -1, addresses);
+        EXPECT_TRUE(result != 0 || !addresses.empty()) << refusals;
+    }
+    EXPECT_EQ(result, 0);
+    EXPECT_GT(refusals, 1);
+}
+#endif

@@ -4,9 +4,11 @@
 
 #include <dlfcn.h>
 #include <execinfo.h>
+#include <netdb.h>
 #include <sys/time.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstddef>
@@ -15,11 +17,16 @@
 
 namespace {
 
-thread_local int g_left = 0;  // allocations until the one that is refused; 0: none is
-thread_local bool g_refused = false;
+// Allocations until the one that is refused; 0 and less: none is.
+thread_local int g_left = 0;
+std::atomic<int> g_othersLeft{0};
+thread_local bool g_isTester = false;
+std::atomic<bool> g_refused{false};
 
 bool IsRefused() {
-    if (g_left == 0 || --g_left > 0)
+    const bool isLast =
+        g_isTester ? g_left > 0 && --g_left == 0 : g_othersLeft > 0 && --g_othersLeft == 0;
+    if (!isLast)
         return false;
     g_refused = true;
     errno = ENOMEM;
@@ -47,8 +54,11 @@ Dl_info InnermostFunction() {
 constexpr int TICK_MICROSECONDS = 250000;
 constexpr int MOST_TICKS = 40;  // for anybody but Qt
 volatile std::sig_atomic_t g_ticks = 0;
+bool g_judges = false;
 
 void BeginTicks() {
+    if (!g_judges)
+        return;
     const itimerval interval = {{0, TICK_MICROSECONDS}, {0, TICK_MICROSECONDS}};
     g_ticks = 0;
     ::setitimer(ITIMER_REAL, &interval, nullptr);
@@ -75,13 +85,23 @@ void JudgeEnd(int signal) {
 
 void faulty_memory::Refuse(int number) {
     BeginTicks();
+    g_isTester = true;
     g_refused = false;
     g_left = number;
+}
+
+void faulty_memory::RefuseOthers(int number) {
+    addrinfo* found = nullptr;  // the first look-up without memory would keep a lock for ever
+    if (::getaddrinfo("localhost", nullptr, nullptr, &found) == 0)
+        ::freeaddrinfo(found);
+    Refuse(0);
+    g_othersLeft = number;
 }
 
 bool faulty_memory::Stop() {
     BeginTicks();
     g_left = 0;
+    g_othersLeft = 0;
     return g_refused;
 }
 
@@ -90,6 +110,7 @@ void faulty_memory::TellQtsEnds() {
     ::backtrace(&frame, 1);  // loads what it needs
     for (const int end : {SIGSEGV, SIGABRT, SIGALRM})
         std::signal(end, JudgeEnd);
+    g_judges = true;
 }
 
 // NOLINTBEGIN(readability-identifier-naming): the C library's
