@@ -127,8 +127,6 @@ long long wear::EraseSum(const QVector<QString>& table) {
 
 int wear::NandLife(long long eraseSum, long long totalBlocks, int badBlocks, int reservedBlocks) {
     const long long spare = static_cast<long long>(badBlocks) + reservedBlocks;
-    if (spare == 0 && totalBlocks == 0)
-        return 100;
     const long long badPercent = spare == 0 ? 0 : 100LL * badBlocks / spare;
     // A cell lasts 100,000 erasures, so a thousandth of their number per block is per cent.
     const long long wearPercent = totalBlocks == 0 ? 0 : eraseSum / 1000 / totalBlocks;

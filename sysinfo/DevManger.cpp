@@ -58,12 +58,7 @@ constexpr int NO_OPERATION = -1;
 
 DevManger::DevManger() : m_pTools(new ToolsBase), m_pOpearDb(new DevLinuxOpearDb) {}
 
-DevManger::~DevManger() {
-    while (!m_providers.empty())
-        m_providers.erase(m_providers.begin());
-    m_pTools.reset();
-    m_pOpearDb.reset();
-}
+DevManger::~DevManger() = default;
 
 void DevManger::DevRegiter(DEVSYSOPEAR operation) {
     if (m_providers.count(operation) == 0)

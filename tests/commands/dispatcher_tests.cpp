@@ -73,6 +73,7 @@ TEST(CommandText, IsSplitAtTheFirstOfEachParenthesis) {
         {"F(a(b)c)", true, "F", "a(b"},
         {"F)x(a)", true, "F)X", ""},  // the first ")" precedes the "("
         {")(", true, ")", ""},
+        {"(a)", true, "", "a"},
         {"F(a", false, "", ""},
         {"F a)", false, "", ""},
         {"", false, "", ""},
@@ -367,6 +368,9 @@ TEST_F(Screenshots, AreSavedWhereAndAsThePathSays) {
     EXPECT_EQ(capture.dirMacro, "$OLMA_DIR_USER");
     EXPECT_EQ((std::vector<int>{capture.flag, capture.x, capture.y, capture.width, capture.height}),
               (std::vector<int>{1, 10, 20, 100, 200}));
+    const sim::Capture whole = Panel().captures[0];
+    EXPECT_EQ((std::vector<int>{whole.x, whole.y, whole.width, whole.height}),
+              (std::vector<int>(4)));
 }
 
 TEST_F(Screenshots, TakeARectangleOnlyFromAllFourCorners) {
@@ -390,6 +394,7 @@ TEST_F(Screenshots, AreSavedUpToALimit) {
         {",3,4,3,4", QSize(800, 480)},
         {",3,4,3,9", QSize()},
         {",0,0,32767,1", QSize(32767, 1)},
+        {",0,0,1,32767", QSize(1, 32767)},
         {",0,0,32768,1", QSize()},
         {",0,0,4096,4096", QSize(4096, 4096)},
         {",0,0,4096,4097", QSize()},

@@ -170,9 +170,12 @@ TEST_F(Settings, OfOthersAreSeenAndKeptHoweverTheyCame) {
     Write(OWN_KEY[0], QLatin1String("fff"));
     EXPECT_EQ(readFile(FILE_NAME), "[DEVICE]\nbacklight_duration=fff\nbuzz_duration=eee\n");
 
-    EXPECT_EQ(Plainly(OWN_KEY[0]).toString(), QLatin1String("fff"));
-    Write(OWN_KEY[0], QLatin1String("ggg"));  // at once: others see it by the file's time alone
-    EXPECT_EQ(Plainly(OWN_KEY[0]).toString(), QLatin1String("ggg"));
+    g_systemCalls.flushes = false;  // many within a tick: others see them by the file's time alone
+    for (int number = 0; number < 50; ++number) {
+        Write(OWN_KEY[0], Number(number));
+        EXPECT_EQ(Plainly(OWN_KEY[0]).toString(), Number(number));
+    }
+    g_systemCalls.flushes = true;
 }
 
 TEST_F(Settings, SurviveTheEndOfProcessesInAWrite) {
@@ -268,6 +271,10 @@ TEST_F(Settings, KeepModeTimeLinksAndForeignKeys) {
     EXPECT_GT(std::make_pair(written.tv_sec, written.tv_nsec),
               std::make_pair(future[1].tv_sec, future[1].tv_nsec));
     EXPECT_EQ(readFile(FILE_NAME), "[DEVICE]\nbacklight_duration=1\n\n" + foreign);
+    const struct timespec past[] = {{1000000000, 0}, {1000000000, 0}};
+    ASSERT_EQ(::utimensat(AT_FDCWD, FILE_NAME, past, 0), 0);
+    Write(OWN_KEY[0], QLatin1String("3"));
+    EXPECT_GT(StatusOf(FILE_NAME).st_mtime, 1500000000) << "the present";
     // Not even by keys that Qt does not find again.
     for (const char* odd :
          {"[GUI]\nfoo/=1\n", "[GUI]\nQUJD/==\n", "[/]\n=1\n", "[DEVICE]\n/=1\n", "a=1\n[\na=2\n"}) {
@@ -323,6 +330,16 @@ TEST_F(Settings, AreNotLostWhereCallsAreInterruptedOrFail) {
     EXPECT_EQ(read, QString());
     settings.Read(OWN_KEY[1], read);
     EXPECT_EQ(read, QLatin1String("2"));
+    Write(OWN_KEY[1], QLatin1String("3"));
+    {
+        const int next = ::dup(0);
+        ::close(next);
+        const DescriptorLimit oneMore(next + 1);  // for the driver, and none for Qt
+        settings.Read(OWN_KEY[1], read);
+        EXPECT_EQ(read, QString());
+    }
+    settings.Read(OWN_KEY[1], read);
+    EXPECT_EQ(read, QLatin1String("3"));
 
     // A file that cannot be given to its owner is stored, one that the storage fails is not.
     for (const int error : {EPERM, EINVAL, ENOSYS, EOPNOTSUPP, EIO}) {
@@ -365,6 +382,9 @@ TEST(ScratchFolder, IsRemovedByOthersOnlyWhenItsOwnerIsDead) {
     EXPECT_EQ(StatusOf(second.Path().c_str()).st_mode, S_IFDIR | 0700u);
     EXPECT_EQ(::access("/tmp/.x.hxd-DEAD00", F_OK), -1);
     EXPECT_EQ(::access("/etc/iot_cfg", F_OK), 0);
+    const DescriptorLimit none(0);
+    EXPECT_EQ(::access(hxd::ScratchFolder("/tmp/y").Path().c_str(), F_OK), -1)
+        << "not to be locked";
 }
 
 TEST_F(Settings, AreReadWithDefaultsAndRefuseEmptyNames) {
@@ -378,6 +398,7 @@ TEST_F(Settings, AreReadWithDefaultsAndRefuseEmptyNames) {
     EXPECT_FALSE(QFile::exists(INI));
     const QString text = QString::fromUtf8("grün, 1%=\";\n");
     Write(OWN_KEY[0], text);
+    Write(OWN_KEY[0], QString(QChar(0xD83D)));  // half a character, which no codec can hold
     EXPECT_EQ(Read(OWN_KEY[0]), text);
     EXPECT_NE(readFile(FILE_NAME).find("[DEVICE]"), std::string::npos);
 }
@@ -408,15 +429,25 @@ TEST_F(Settings, LieInThePanelsFolderWhereTheHostNamesNone) {
 
 TEST(LockFile, IsExclusiveBetweenOpeners) {
     HXDCTRL::FileLock lock;
-    ASSERT_TRUE(lock.open("/tmp/x.lck"));
-    const HXDCTRL::File other(::open("/tmp/x.lck", O_RDONLY));
+    ASSERT_TRUE(lock.open(hxd::appCfgLckPath));
+    const HXDCTRL::File other(::open(hxd::appCfgLckPath, O_RDONLY));
     {
         HXDCTRL::FileLocker locker(lock);
         EXPECT_EQ(::flock(other.Descriptor(), LOCK_EX | LOCK_NB), -1);
     }
     EXPECT_EQ(::flock(other.Descriptor(), LOCK_EX | LOCK_NB), 0);
+    std::atomic<bool> read{false};
+    std::thread reader([&] {
+        QString value;
+        hxd::AppSettings().Read(OWN_KEY[0], value);
+        read = true;
+    });
+    ::usleep(50000);
+    EXPECT_FALSE(read) << "settings are read under their lock";
+    ::flock(other.Descriptor(), LOCK_UN);
+    reader.join();
     struct stat status = {};
-    ASSERT_EQ(::stat("/tmp/x.lck", &status), 0);
+    ASSERT_EQ(::stat(hxd::appCfgLckPath, &status), 0);
     EXPECT_EQ(status.st_mode & 0777, 0755u);  // 0777 less the umask
 }
 
@@ -435,6 +466,7 @@ TEST(LockFile, TakesItsPlaceBackFromWhateverWasPlantedThere) {
             const FrozenTmp frozen;
             EXPECT_FALSE(lock.open(path));
             EXPECT_EQ(lock.Descriptor(), -1);
+            EXPECT_FALSE(hxd::RemoveUnlessRegular(path));
         }
         EXPECT_TRUE(lock.open(path));
         struct stat status = {};
@@ -447,6 +479,7 @@ TEST(LockFile, TakesItsPlaceBackFromWhateverWasPlantedThere) {
         EXPECT_FALSE(hxd::RemoveUnlessRegular(path));
         EXPECT_EQ(::access(path, F_OK), 0);
         ::unlink(path);
+        EXPECT_FALSE(hxd::RemoveUnlessRegular(path)) << "nothing is there";
     }
     EXPECT_NE(::access("/tmp/victim", F_OK), 0);
     EXPECT_EQ(QDir(QLatin1String("/tmp"), QLatin1String("planted.lck*")).count(), 1u)
@@ -458,12 +491,16 @@ TEST(File, ReadsWholeFilesOfEveryKind) {
     writeFile("/tmp/content", std::string(5000, 'x'));
     HXDCTRL::File file;
     ASSERT_TRUE(file.open("/tmp/content", O_RDONLY));
-    EXPECT_TRUE(file.seek(4000));
+    EXPECT_TRUE(file.seek(0) && file.seek(4000));
     EXPECT_EQ(file.readAll(), std::string(5000, 'x'));
+    const int first = file.Descriptor();
     ASSERT_TRUE(file.open("/proc/self/status", O_RDONLY));  // reports size 0
+    EXPECT_EQ(file.Descriptor(), first) << "the one before was closed";
     EXPECT_NE(file.readAll().find("VmRSS"), std::string::npos);
     ASSERT_TRUE(file.open("/tmp", O_RDONLY));
+    EXPECT_TRUE(file.seek(1));
     EXPECT_EQ(file.readAll(), "");
+    EXPECT_EQ(::lseek(file.Descriptor(), 0, SEEK_CUR), 1) << "stays where it was";
     EXPECT_EQ(file.LastError(), EISDIR);
     EXPECT_FALSE(file.open("/tmp/none", O_RDONLY));
     EXPECT_FALSE(file.IsOpen());

@@ -75,7 +75,9 @@ TEST_F(Blobs, GiveTheDeviceParameters) {
         {{1, 0, 0, 0, 0xFE, 0xFF, 0xFF, 0xFF}, {-2}},
         {{0, 0}, {}},
         {{0x20, 0x4E, 0xFF, 0xFF, 0xFF, 0xFF}, {}},  // a count of -1
-        {{0x00, 0x00, 0x00, 0x7F}, {}},              // more than any archive holds
+        {{0x40, 0x42, 0x0F, 0}, std::vector<int>(1000000)},
+        {{0x41, 0x42, 0x0F, 0}, {}},     // more than any device has
+        {{0x00, 0x00, 0x00, 0x7F}, {}},  // more than any archive holds
     };
     for (const auto& c : cases)
         EXPECT_EQ(Parameters(c.blob), c.parameters) << testing::PrintToString(c.blob);
@@ -211,6 +213,7 @@ TEST_F(ParameterAccess, ReadsByTypeOrAsLiteral) {
         {"t", 0, 0, 0, 0.0, 1, "text"},
         {"25", 1, 25, 1, 25.0, 1, "25"},
         {"  3.25 ", 1, 3, 1, 3.25, 1, "  3.25 "},
+        {" --5", 1, 0, 1, 5.0, 1, " --5"},  // only the double is trimmed
         {"   ", 1, 0, 1, 0.0, 1, "   "},
         {"abc", 1, 0, 1, 0.0, 1, "abc"},
         {"", 1, 0, 1, 0.0, 1, ""},

@@ -28,7 +28,7 @@ protected:
     }
 };
 
-// A storage manager whose init() fails so many times, and which answers the second poll.
+// A storage manager whose init() fails so many times, and which is ready 200 ms after a request.
 class FakeDisk final : public DiskInterface {
 public:
     FakeDisk(int failures, std::string& calls) : m_nFailures(failures), m_calls(calls) {}
@@ -38,14 +38,19 @@ public:
     }
     int getDiskLifeTime() override { return 77; }
     int getDiskIO() override { return 2; }
-    void refresh() override { m_calls += "r"; }
+    void refresh() override {
+        m_tick = sim::SimPanel::Instance().Tick();
+        m_calls += "r";
+    }
     bool refreshRes() override {
-        m_calls += "?";
-        return m_calls.size() >= 2 && m_calls[m_calls.size() - 2] == '?';
+        const bool isReady = sim::SimPanel::Instance().Tick() >= m_tick + 200;
+        m_calls += isReady ? "!" : "?";
+        return isReady;
     }
 
 private:
     int m_nFailures;
+    long long m_tick = 0;
     std::string& m_calls;
 };
 
@@ -58,8 +63,8 @@ TEST_F(Refresh, InitialisesTheStorageManagerUntilThatWorksAndThenRefreshesIt) {
     const struct {
         const char* calls;
         double life, gear;
-    } rounds[] = {{"i", -1, -1}, {"ii", -1, -1}, {"iii", 77, 2}, {"iiir??", 77, 2}};
-    sim::SimPanel::Instance().RunClock(100.0);
+    } rounds[] = {{"i", -1, -1}, {"ii", -1, -1}, {"iii", 77, 2}, {"iiir?!", 77, 2}};
+    sim::SimPanel::Instance().RunClock(10.0);
     for (const auto& round : rounds) {
         Run();
         EXPECT_EQ(calls, round.calls);

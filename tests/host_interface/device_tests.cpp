@@ -97,6 +97,7 @@ TEST_F(Device, RefusesBadArgumentsInEveryState) {
         EXPECT_EQ(device->ChannelRefChange(&channel, 0), HOST_BAD_ARGUMENT) << state;
         EXPECT_EQ(device->ChannelRefChange(&channel, 65537), HOST_BAD_ARGUMENT) << state;
         EXPECT_EQ(device->ChannelRefChange(&channel, 65536), 0) << state;
+        EXPECT_EQ(device->ChannelRefChange(&channel, 1), 0) << state;
         EXPECT_EQ(device->CollectDevData(nullptr, 5), 0) << state;
         EXPECT_EQ(device->CollectDevData(&channel, -5), 0) << state;
         EXPECT_EQ(device->CollectDevData(&channel, 65537), HOST_BAD_ARGUMENT) << state;
@@ -178,6 +179,7 @@ TEST_F(Device, ReadsItsSourcesAgainOnlyAfterACommandThatExpiresThem) {
     EXPECT_EQ(Collect(), 5);  // the last result stays in element 0
     EXPECT_EQ(Init(), 0);     // changes nothing
     EXPECT_EQ(Collect(), 5);
+    EXPECT_EQ(Collect(0), 0) << "nobody asks";
 }
 
 TEST_F(Device, CrossesTheLinkKindsAndNamesItselfOnEveryCall) {
@@ -394,6 +396,8 @@ TEST_F(FromWithin, TheHostsThreadMayEnd) {
 TEST_F(Device, FinishesTheOperationOfACancelledThread) {
     int result = -1;
     bool ended = true;
+    FakeLink link;  // the host has a turn before
+    device->UpdataCommunication(&link);
     ASSERT_EQ(Init(), 0);
     RunInAThread([&] {
         ::pthread_cancel(::pthread_self());

@@ -189,6 +189,7 @@ TEST_F(Interfaces, TellTheirNameAndMacAddress) {
         state.interfaces[1].macAddress = "";
     });
     host.texts = {{"name", ""}, {" mac ", ""}, {"text", "1"}};
+    host.ints = {{",name, mac ", 1}};  // what the arguments as a whole would mean
     const struct {
         const char* args;
         int result;
@@ -202,6 +203,7 @@ TEST_F(Interfaces, TellTheirNameAndMacAddress) {
         {"0,name, mac ,more", 0, "eth0", "AA:BB:CC:DD:EE:0F"},
         {"0,name,mac", 0, "eth0", ""},  // pieces are not trimmed; the write is not looked at
         {"text,name, mac ", 0, "eth0", "AA:BB:CC:DD:EE:0F"},  // unreadable index: 0
+        {",name, mac ", 0, "eth0", "AA:BB:CC:DD:EE:0F"},      // an empty one as well
         {"1,name, mac ", -17, "nnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnn", ""},
     };
     for (const auto& c : cases) {

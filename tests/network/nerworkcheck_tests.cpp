@@ -16,7 +16,7 @@ void IgnoreEchoes(bool ignore) {
 }  // namespace
 
 TEST(IpAddress, IsFourNumbersWithDots) {
-    for (const char* text : {"1.2.3.4", "0.0.0.0", "255.249.199.99", "01.02.03.04"})
+    for (const char* text : {"1.2.3.4", "0.0.0.0", "255.249.199.99", "1.20.100.203", "01.02.03.04"})
         EXPECT_TRUE(NerworkCheck::isIp(QLatin1String(text))) << text;
     for (const char* text :
          {"", "1.2.3.256", "1.2.3", "1.2.3.", " 1.2.3.4", "1.2.3.4 ", "1.2.3.4\n", "001.2.3.4",
@@ -135,7 +135,12 @@ TEST_F(ReachCheck, WritesAndRunsOnlyItsOwnFiles) {
     g_systemCalls.diskFull = false;
     EXPECT_EQ(Runs("ping"), before);
 
-    for (const char* lock : {NerworkCheck::pingLckPath, HXDCTRL::dnsFileLockPath}) {
+    const std::string path = ::getenv("PATH");
+    ::setenv("PATH", "/nowhere", 1);
+    EXPECT_FALSE(pingNetWork(true)) << "there is no shell";
+    ::setenv("PATH", path.c_str(), 1);
+
+    for (const char* lock : {HXDCTRL::dnsFileLockPath, NerworkCheck::pingLckPath}) {
         const int pings = Runs("ping");
         ::unlink(lock);
         ASSERT_EQ(::symlink("/tmp/victim", lock), 0);
@@ -146,6 +151,12 @@ TEST_F(ReachCheck, WritesAndRunsOnlyItsOwnFiles) {
         EXPECT_EQ(Runs("ping"), pings);
         EXPECT_TRUE(pingNetWork(false)) << lock;
     }
+    const int pings = Runs("ping");
+    {
+        const FrozenTmp frozen(HXDCTRL::dnsFileLockPath);
+        EXPECT_FALSE(pingNetWork(false));
+    }
+    EXPECT_EQ(Runs("ping"), pings) << "nor the public address instead";
     EXPECT_EQ(readFile("/tmp/victim"), "precious");
 }
 

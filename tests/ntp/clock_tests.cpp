@@ -195,16 +195,21 @@ TEST_F(PanelClock, ThatIsSetMeanwhileMakesTheServerBeAskedOnceMore) {
     const struct {
         const char* name;
         std::vector<long long> ahead;  // when answering the first, second, ... request
+        int firstMs;                   // until the first is answered
         int result, requests;
     } cases[] = {
-        {"not set", {0}, 0, 1},
-        {"once, forward", {3600, 3600}, 0, 2},
-        {"once, back", {-2, -2}, 0, 2},
-        {"twice", {-5, 5, 5}, 10, 2},
+        {"not set", {0}, 0, 0, 1},
+        {"once, forward", {3600, 3600}, 0, 0, 2},
+        {"once, back", {-2, -2}, 0, 0, 2},
+        {"twice", {-5, 5, 5}, 0, 10, 2},
+        {"before the second attempt", {3600, 3600, 3600}, 2100, 0, 3},
     };
     std::atomic<int> current{0}, before{0};
     const TimeServer server("127.0.0.11", [&](const sntp::Packet& request, int number) {
-        SetAhead(cases[current].ahead.at(static_cast<std::size_t>(number - before - 1)));
+        const int turn = number - before;
+        SetAhead(cases[current].ahead.at(static_cast<std::size_t>(turn - 1)));
+        if (turn == 1)
+            std::this_thread::sleep_for(std::chrono::milliseconds(cases[current].firstMs));
         timespec now = {};
         ::clock_gettime(CLOCK_REALTIME, &now);
         return TimeServer::Showing(now.tv_sec)(request, number);

@@ -1,4 +1,5 @@
 // Commands, workers and the control thread, against servers on the panel's own network.
+#include "Adversity.h"
 #include "FaultyMemory.h"
 #include "SystemCalls.h"
 #include "common/QtText.h"
@@ -8,7 +9,6 @@
 #include "tests/ntp/TimeServer.h"
 
 #include <netdb.h>
-#include <sys/resource.h>
 
 namespace {
 
@@ -96,9 +96,9 @@ TEST_F(TimeControl, SetsBothClocksToTheServersTime) {
     EXPECT_EQ(Panel().rtcSettings.back().tm_hour, 30);
     EXPECT_EQ(Count(readFile(COMMANDS), " (refused)\n"), 1) << "but the other clock was set";
 
-    ASSERT_EQ(::symlink("/usr/share/zoneinfo/Etc/UTC", "/etc/localtime"), 0);
+    ASSERT_EQ(::symlink("/usr/share/zoneinfo/Etc/GMT-3", "/etc/localtime"), 0);  // 3 hours east
     EXPECT_EQ(Exec(), 0);
-    ExpectClocksAt(EVENING);
+    ExpectClocksAt(EVENING + 3 * 3600);
     ::unlink("/etc/localtime");
     sim::SimPanel::Instance().Fail("hal_set_rtc_time", sim::Failure());
     EXPECT_EQ(Exec(), 10);
@@ -131,6 +131,7 @@ TEST_F(TimeControl, AsksOnlyServersThatCanBeReached) {
         {{literals, literals, literals, literals}, "test $6 != 127.0.0.53", 0, 4, 0, 1},
         {{"", "", "", ""}, "exit 0", 10, 0, 0, 0},
     };
+    testing::internal::CaptureStderr();
     for (const auto& c : cases) {
         const int label = static_cast<int>(&c - cases);
         const int before[] = {literal.Requests(), named.Requests(), namedToo.Requests(),
@@ -146,6 +147,8 @@ TEST_F(TimeControl, AsksOnlyServersThatCanBeReached) {
             << label << ": every address is asked";
         EXPECT_EQ(Runs("ping"), before[3] + c.pings) << label;
     }
+    EXPECT_EQ(Count(testing::internal::GetCapturedStderr(), "getaddrinfo error"), 0)
+        << "empty names";
 }
 
 TEST_F(TimeControl, TakesTheOneServerThatAnswers) {
@@ -204,10 +207,10 @@ TEST_F(TimeControl, TakesAnyBytesForAnAnswer) {
         {"the first 48 bytes count", std::string(2000, '\xff'), true, 0, 0},
         {"the second attempt takes the answer to the first", "", true, 2100, 0},
         {"no byte", "", false, 0, 10},
-        {"what is missing counts as zero", "x", false, 0, 0},
         {"all bits", std::string(48, '\xff'), false, 0, 0},
         {"one byte short", std::string(47, '\0'), false, 0, 0},
         {"highest bits", std::string(48, '\x80'), false, 0, 0},
+        {"what is missing counts as zero", "x", false, 0, 0},
     };
     std::atomic<int> current{0};
     const TimeServer server("127.0.0.11", [&](const sntp::Packet& request, int number) {
@@ -221,6 +224,9 @@ TEST_F(TimeControl, TakesAnyBytesForAnAnswer) {
         current = static_cast<int>(&c - cases);
         EXPECT_EQ(Exec(), c.result) << c.name;
     }
+    const long long now = ::time(nullptr);
+    EXPECT_EQ(Exec(), 0);                    // the last one again
+    ExpectClocksAt((2085978496 + now) / 2);  // half way to 2036, where a timestamp of zero lies
     const std::string out = testing::internal::GetCapturedStdout();
     EXPECT_EQ(Count(out,
                     "[getServerTime:305]读取返回数据失败\n\n"
@@ -327,15 +333,13 @@ TEST_F(TimeControl, ChangesOneSettingAtATime) {
 }
 
 TEST_F(TimeControl, AWorkerWithoutDescriptorsFailsAndIsStartedLater) {
-    rlimit limit = {};
-    ::getrlimit(RLIMIT_NOFILE, &limit);
-    const rlimit none = {0, limit.rlim_max};
     std::int32_t seconds = 0;
     NtpThread worker;
     testing::internal::CaptureStdout();
-    ::setrlimit(RLIMIT_NOFILE, &none);
-    worker.Start();
-    ::setrlimit(RLIMIT_NOFILE, &limit);
+    {
+        const DescriptorLimit none(0);
+        worker.Start();
+    }
     worker.Post(QLatin1String("127.0.0.11"), REACH_BOTH);
     EXPECT_EQ(worker.Look(seconds), NtpThread::Outcome::FAILED);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "open event fd failed!Too many open files\n");
@@ -347,6 +351,11 @@ TEST_F(TimeControl, AWorkerWithoutDescriptorsFailsAndIsStartedLater) {
 TEST_F(TimeControl, AWorkerEndsInTheMiddleOfARequest) {
     const TimeServer silent("127.0.0.11", nullptr);
     std::int32_t seconds = 0;
+    NtpThread stopped;
+    stopped.notifyStop();
+    stopped.Start();
+    stopped.Post(QLatin1String("127.0.0.11"), REACH_BOTH);
+    EXPECT_EQ(stopped.Look(seconds), NtpThread::Outcome::FAILED) << "for good";
     testing::internal::CaptureStdout();
     {
         NtpThread worker;

@@ -97,6 +97,7 @@ TEST_F(Stopping, TakesLittleTimeInEveryState) {
         {"ping's lock is held", "exit 0", NerworkCheck::pingLckPath, {"127.0.0.11"}, soon, 1500},
         {"resolver's lock is held", "exit 0", HXDCTRL::dnsFileLockPath, {"time.test"}, soon, 1500},
     };
+    testing::internal::CaptureStderr();
     for (const auto& c : cases) {
         ::unlink(COMMANDS);
         OnPing(c.ping);
@@ -107,6 +108,8 @@ TEST_F(Stopping, TakesLittleTimeInEveryState) {
         EXPECT_LT(StopMs(device), c.limitMs) << c.name;
         EXPECT_EQ(Runs("ping") > 0, c.lock == nullptr && !c.servers.empty()) << c.name;
     }
+    EXPECT_EQ(testing::internal::GetCapturedStderr().find("getaddrinfo error"), std::string::npos)
+        << "what is given up has not failed";
 }
 
 TEST_F(Stopping, OfFiveDevicesThatPingInTurnIsNotInTurn) {

@@ -94,6 +94,8 @@ TEST(Wear, IsJudgedAgainstTheHoursShareOfFiveYears) {
     EXPECT_EQ(wear::HourlyAllowance(4096, 100000), 9351);
     EXPECT_EQ(wear::HourlyAllowance(HIGHEST, 100000), HIGHEST / 43800);
     EXPECT_EQ(wear::HourlyAllowance(LOWEST, 100000), LOWEST / 43800);
+    for (const long long most : {HIGHEST / 100000, LOWEST / 100000})
+        EXPECT_EQ(wear::HourlyAllowance(most, 100000), most * 100000 / 43800) << "not cut yet";
     // The highest amount written that a gear allows, per allowance.
     const struct {
         long long allowance, first, second, third;
@@ -115,6 +117,8 @@ TEST(Wear, IsJudgedAgainstTheHoursShareOfFiveYears) {
     EXPECT_EQ(wear::Gear(0, 0), 1);
     EXPECT_EQ(wear::Gear(1, 0), 4);
     EXPECT_EQ(wear::Gear(-1, 0), 1);
+    EXPECT_EQ(wear::Gear(-5, -15), 1);  // tenths below 0 are rounded down as well
+    EXPECT_EQ(wear::Gear(-4, -15), 4);
     EXPECT_EQ(wear::Increase(7, 5), -2);  // a counter that was reset
     EXPECT_EQ(wear::Increase(-1, 5), 6);
     EXPECT_EQ(wear::Increase(-1, HIGHEST), HIGHEST);
@@ -168,6 +172,7 @@ TEST(Wear, OfNandFollowsEraseCountersAndBadBlocks) {
         {11000000, 100, 0, 1, -10},
         {0, 0, 0, 0, 100},
         {99, 0, 1, 1, 50},
+        {99, 0, 0, 1, 100},
         {99, 1, 7, -7, 100},
         {HIGHEST, 1, 0, 0, -999999900},
         {LOWEST, -1, 2147483647, 2147483647, -999999900},
@@ -194,6 +199,7 @@ TEST(StorageFiles, AreReadByLines) {
 
 TEST_F(EmmcHealth, IsMeasuredOnRequestInTheFirstHourAndHourlyAfterwards) {
     SetWritten(1000);
+    writeFile("/sys/class/block/mmcblk0/size", "7634953\n");  // one more would allow 522,942
     ASSERT_TRUE(Init());
     EXPECT_TRUE(disk->init()) << "already";
     EXPECT_EQ(disk->getDiskLifeTime(), 80);

@@ -4,6 +4,7 @@
 
 #include <linux/capability.h>
 #include <signal.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/time.h>
@@ -30,11 +31,29 @@ private:
     }
 };
 
-// Nothing in /tmp can be made or removed by this thread while it lives.
+// No descriptor above a number is given out while it lives.
+class DescriptorLimit {
+public:
+    explicit DescriptorLimit(int most) {
+        ::getrlimit(RLIMIT_NOFILE, &m_usual);
+        const rlimit limit = {static_cast<rlim_t>(most), m_usual.rlim_max};
+        ::setrlimit(RLIMIT_NOFILE, &limit);
+    }
+    ~DescriptorLimit() { ::setrlimit(RLIMIT_NOFILE, &m_usual); }
+    DescriptorLimit(const DescriptorLimit&) = delete;
+    DescriptorLimit& operator=(const DescriptorLimit&) = delete;
+
+private:
+    rlimit m_usual = {};
+};
+
+// While it lives, this thread can make and remove nothing in /tmp, and not read a certain file.
 class FrozenTmp {
 public:
-    FrozenTmp() {
+    explicit FrozenTmp(const char* unreadable = nullptr) {
         ::chmod("/tmp", 0555);
+        if (unreadable != nullptr)
+            ::chmod(unreadable, 0);
         OverrideModes(false);
     }
     ~FrozenTmp() {
@@ -50,7 +69,7 @@ private:
         __user_cap_header_struct header = {_LINUX_CAPABILITY_VERSION_3, 0};
         __user_cap_data_struct sets[2] = {};
         ::syscall(SYS_capget, &header, sets);
-        const std::uint32_t right = 1u << CAP_DAC_OVERRIDE;
+        const std::uint32_t right = 1u << CAP_DAC_OVERRIDE | 1u << CAP_DAC_READ_SEARCH;
         sets[0].effective =
             on ? sets[0].effective | (sets[0].permitted & right) : sets[0].effective & ~right;
         ::syscall(SYS_capset, &header, sets);

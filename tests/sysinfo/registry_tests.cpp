@@ -146,6 +146,7 @@ TEST_F(CpuUseOnAPanel, KeepsTheLastGoodValueAndMeasuresOnFromABadSample) {
         double use;
         std::string error;  // begin of the error line
     } samples[] = {
+        {"cpu", 0.00, "CPUUSE DevOpear calc error od=0,"},
         {"cpu  750 0 0 250 0 0 0\n", 0.75, ""},  // since boot
         {"cpu  750 0 0 250 0 0 0\n", 0.75, "CPUUSE DevOpear calc error od=1000,"},
         {"cpu  850 0 0 250 0 0 0\n", 1.00, ""},
@@ -176,6 +177,7 @@ TEST_F(CpuUseOnAPanel, TellsEveryStep) {
     writeFile("/proc/stat", "cpu  1 2 3 4 5 6 7\n");
     writeFile("/proc/meminfo", "MemAvailable: 2048 kB\n");
     writeFile("/storage/log/restart.log", "x");
+    ASSERT_EQ(::mkfifo("/storage/log/signal_recieved.log", 0600), 0);
     const std::string counters =
         "4 DevCalcCpuUse DevCalcCpuUse begin m_cpuname = cpu,m_user = 1,m_nice=2,m_system = 3,"
         "m_idle=4,m_iowait=5,m_irq=6,m_softirq=7";
@@ -207,6 +209,12 @@ TEST_F(CpuUseOnAPanel, TellsEveryStep) {
          {"4 DevReadFile DevReadFile begin strFileName = /storage/log/dmesg.log",
           "4 DevReadFile DevReadFile end Read strFileName = /storage/log/dmesg.log error",
           "4 DevSetContext AppAppLog DevOpear begin getLen = 1"}},
+        {"ReadAppLog(2,1,txt,st)",
+         {"4 DevReadFile DevReadFile begin strFileName = /storage/log/signal_recieved.log",
+          "4 DevReadFile DevReadFile begin strFileName = /storage/log/signal_recieved.log,flen = "
+          "-1",
+          "4 DevReadFile DevReadFile end Read strFileName = /storage/log/signal_recieved.log error",
+          "4 DevSetContext AppAppLog DevOpear begin getLen = 1"}},
     };
     for (const auto& c : cases) {
         ChangePanel([](sim::PanelState& state) { state.log.clear(); });
@@ -237,6 +245,7 @@ TEST(MemoryInfo, TakesTheKernelsFigureFromACompleteLine) {
         {"MemAvailable: 1023 kB\nMemFree: 1 kB\n", true, 1023},
         {"MemAvailable: 512000 kB", false, 0},  // cut off
         {"MemAvailable:\n", false, 0},
+        {"MemAvailable: \n5 kB\n", true, 0},
         {"MemAvailable 5\n", false, 0},
         {"", false, 0},
     };
@@ -287,7 +296,7 @@ TEST_F(Registry, DeliversTheNewestPartOfALog) {
     for (int i = 0; i < 100 * 1024 / 8; ++i)
         log += "line " + std::to_string(10 + i % 90) + "\n";
     std::ofstream("/storage/log/restart.log") << log;
-    host.ints["mode"] = 0;
+    host.ints = {{"mode", 0}, {"one", 1}};
     host.doubles["half"] = 0.5;
     const struct {
         const char* cmd;
@@ -298,6 +307,7 @@ TEST_F(Registry, DeliversTheNewestPartOfALog) {
         {"ReadAppLog(0,64,txt,st)", 0, 0, 65536},
         {"ReadAppLog( 0,200,txt,st)", 0, 0, log.size()},
         {"ReadAppLog(mode,0,txt,st)", 0, 0, 0},
+        {"ReadAppLog(mode,one,txt,st)", 0, 0, 1024},
         {"ReadAppLog(1,64,txt,st)", 0, 0, 0},  // no such file
         {"ReadAppLog(a,,64,txt,st)", 0, 0, 65536},
         {"ReadAppLog(3,64,txt,st)", -4, 4, 6},
@@ -319,9 +329,20 @@ TEST_F(Registry, DeliversTheNewestPartOfALog) {
         EXPECT_EQ(host.texts["txt"].size(), c.length) << c.cmd;
     }
     EXPECT_EQ(host.texts["txt"], log.substr(log.size() - 65536));
+    record.m_pfnGetParamValue = nullptr;  // a host that gives no values: 0
+    EXPECT_EQ(Run("ReadAppLog(mode,1,txt,st)"), 0);
+    EXPECT_EQ(host.texts["txt"].size(), 1024u);
+    EXPECT_EQ(Run("ReadAppLog(0,mode,txt,st)"), 0);
+    EXPECT_EQ(host.texts["txt"], "");
     FileText text("abc");
-    EXPECT_STREQ(text.TakeTail(2), "bc");
+    EXPECT_STREQ(text.TakeTail(1), "c");
+    EXPECT_EQ(text.Data(), nullptr) << "given back";
     EXPECT_TRUE(text.TakeTail(2).IsEmpty()) << "taken";
+    HXDCTRL::File none;
+    FileText old("abc");
+    EXPECT_FALSE(old.Read(none, -1));
+    EXPECT_EQ(old.Size(), 0u);
+    EXPECT_TRUE(old.Read(none, 0));
 }
 
 TEST_F(Registry, ReadsOddLogFiles) {
@@ -344,10 +365,12 @@ TEST(FirstLine, HasUpTo127Bytes) {
     const std::string ends[] = {std::string(126, 'x') + "\n", std::string(127, 'x') + "\n", "\n",
                                 ""};
     for (const std::string& text : ends) {
-        writeFile("/tmp/line", text + (text.empty() ? "" : "next\n"));
+        const std::string content = text + (text.empty() ? "" : "next\n");
+        writeFile("/tmp/line", content);
         std::string path = "/tmp/line";
         EXPECT_EQ(DevLiunxCpuUse().DevReadFile(path, 0, DevLiunxBase::READ_FIRST_LINE),
                   text.substr(0, 127));
+        EXPECT_EQ(DevLiunxCpuUse().DevReadFile(path, 0, DevLiunxBase::READ_WHOLE_FILE), content);
     }
     std::string none = "/tmp/none";
     EXPECT_EQ(DevLiunxCpuUse().DevReadFile(none, 0, DevLiunxBase::READ_FIRST_LINE), "");
@@ -426,12 +449,12 @@ TEST(ShellRunner, CollectsWhatACommandSays) {
     EXPECT_TRUE(DoCmd::doCmdOnly("echo x > /tmp/said"));
     EXPECT_EQ(::access("/tmp/said", F_OK), 0);
 
-    struct rlimit limit = {};
-    ::getrlimit(RLIMIT_NOFILE, &limit);
-    const struct rlimit none = {0, limit.rlim_max};
-    ::setrlimit(RLIMIT_NOFILE, &none);
-    const bool ran = DoCmd::doCmdSync("true", output) || DoCmd::doCmdOnly("true");
-    ::setrlimit(RLIMIT_NOFILE, &limit);
-    EXPECT_FALSE(ran);
+    testing::internal::CaptureStderr();
+    {
+        const DescriptorLimit none(0);
+        EXPECT_FALSE(DoCmd::doCmdSync("true", output) || DoCmd::doCmdOnly("true"));
+    }
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "do_cmd_sync popen failed!\ndo_cmd_only popen failed!\n");
     EXPECT_EQ(output, "123");
 }
