@@ -21,6 +21,10 @@ namespace {
 constexpr int MOST_LOOK_UPS = 32;
 std::atomic<int> g_lookUps{0};
 
+// Name servers that do not answer end sooner. The C library's own lock does not: its first look-up
+// keeps it when it finds no memory, and every later one waits for it.
+constexpr int LONGEST_MS = 10 * 60 * 1000;
+
 // Of the thread that looks up and of the one that waits for it; released by the last of them.
 struct LookUp {
     explicit LookUp(const std::string& wanted)
@@ -83,9 +87,9 @@ int LookUpName(const std::string& name, int stopDescriptor, std::vector<sockaddr
     if (lookUp->rank > MOST_LOOK_UPS || !lookUp->doneEvent.IsOpen() || !Start(lookUp))
         return EAI_AGAIN;
     pollfd watched[] = {{lookUp->doneEvent.Descriptor(), POLLIN, 0}, {stopDescriptor, POLLIN, 0}};
-    const int ready = hxd::RetryInterrupted([&] { return ::poll(watched, 2, -1); });
+    const int ready = hxd::RetryInterrupted([&] { return ::poll(watched, 2, LONGEST_MS); });
     if (!lookUp->done)
-        return ready < 0 ? EAI_AGAIN : LOOK_UP_STOPPED;
+        return ready <= 0 ? EAI_AGAIN : LOOK_UP_STOPPED;
     addresses.swap(lookUp->addresses);
     return lookUp->error;
 }
