@@ -47,33 +47,37 @@ private:
     rlimit m_usual = {};
 };
 
-// While it lives, this thread can make and remove nothing in /tmp, and not read a certain file.
-class FrozenTmp {
+// While it lives, this thread does not stand above permissions; where it does not anyway, nothing
+// changes.
+class OrdinaryUser {
 public:
-    explicit FrozenTmp(const char* unreadable = nullptr) {
-        ::chmod("/tmp", 0555);
-        if (unreadable != nullptr)
-            ::chmod(unreadable, 0);
-        OverrideModes(false);
-    }
-    ~FrozenTmp() {
-        OverrideModes(true);
-        ::chmod("/tmp", 01777);
-    }
-    FrozenTmp(const FrozenTmp&) = delete;
-    FrozenTmp& operator=(const FrozenTmp&) = delete;
+    OrdinaryUser() { OverrideModes(false); }
+    ~OrdinaryUser() { OverrideModes(true); }
+    OrdinaryUser(const OrdinaryUser&) = delete;
+    OrdinaryUser& operator=(const OrdinaryUser&) = delete;
 
 private:
-    // Whether root stands above permissions; where it does not anyway, nothing changes.
     static void OverrideModes(bool on) {
         __user_cap_header_struct header = {_LINUX_CAPABILITY_VERSION_3, 0};
         __user_cap_data_struct sets[2] = {};
         ::syscall(SYS_capget, &header, sets);
-        const std::uint32_t right = 1u << CAP_DAC_OVERRIDE | 1u << CAP_DAC_READ_SEARCH;
+        const std::uint32_t rights = 1u << CAP_DAC_OVERRIDE | 1u << CAP_DAC_READ_SEARCH;
         sets[0].effective =
-            on ? sets[0].effective | (sets[0].permitted & right) : sets[0].effective & ~right;
+            on ? sets[0].effective | (sets[0].permitted & rights) : sets[0].effective & ~rights;
         ::syscall(SYS_capset, &header, sets);
     }
+};
+
+// Nothing in /tmp can be made or removed by this thread while it lives.
+class FrozenTmp {
+public:
+    FrozenTmp() { ::chmod("/tmp", 0555); }
+    ~FrozenTmp() { ::chmod("/tmp", 01777); }
+    FrozenTmp(const FrozenTmp&) = delete;
+    FrozenTmp& operator=(const FrozenTmp&) = delete;
+
+private:
+    OrdinaryUser m_user;
 };
 
 #endif
