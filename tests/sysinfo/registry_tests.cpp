@@ -334,6 +334,8 @@ TEST_F(Registry, DeliversTheNewestPartOfALog) {
     EXPECT_EQ(host.texts["txt"].size(), 1024u);
     EXPECT_EQ(Run("ReadAppLog(0,mode,txt,st)"), 0);
     EXPECT_EQ(host.texts["txt"], "");
+    EXPECT_EQ(Run("ReadAppLog(3,1,txt,one)"), -4);
+    EXPECT_EQ(host.ints["one"], 4);
     FileText text("abc");
     EXPECT_STREQ(text.TakeTail(1), "c");
     EXPECT_EQ(text.Data(), nullptr) << "given back";
