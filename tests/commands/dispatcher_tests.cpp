@@ -149,6 +149,7 @@ TEST_F(Dispatch, NeedsNoContextForWhatUsesNoService) {
         {"SetNTPServer(a,b,c,d,r)", 0},
         {"SetNTPServer(a)", 5},
         {"ExecNTP(r)", 0},
+        {"ExecNTP()", 0},
         {"SetNetworkMode(0,7,r)", 0},
         {"SetNetworkMode(0,1)", 5},
         {"GetCpuUse(10)x", 0},

@@ -162,7 +162,10 @@ TEST_F(VncLock, IsShownByTheChannels) {
     CDevCtrl device("panel", &host);
     const unsigned char blob[] = {0, 0};
     const int channel = 1;
-    plugin->onSet = [&] { device.CollectDevData(&channel, 1); };
+    plugin->onSet = [&] {
+        device.CollectDevData(&channel, 1);
+        EXPECT_EQ(device.InitDevice(blob, sizeof blob), HOST_OK);
+    };
     device.InitDevice(blob, sizeof blob);
     plugin->onSet = [] {};
     device.CollectDevData(&channel, 1);

@@ -133,6 +133,8 @@ TEST(Archive, StepsThroughItsModes) {
     archive.SvrRead(nullptr, 0);
     EXPECT_EQ(archive.GetMode(), ARCHIVE_LOAD);
     EXPECT_EQ(archive.GetSize(), 2);
+    archive.SvrRead(nullptr, -1);
+    EXPECT_EQ(archive.GetPosition(), 2);
     archive.SvrWrite(data, -1);
     EXPECT_EQ(archive.GetMode(), ARCHIVE_LOAD);
 }

@@ -299,6 +299,8 @@ protected:
             {&host.onParameter, command("SetNetworkMode(n,n,r)")},
             {&host.onParameter, command("EnableNTP(n,r)")},
             {&host.onParameter, command("ReadAppLog(n,n,t,s)")},
+            {&host.onValue, command("EnableNTP(n,r)")},  // is read
+            {&host.onValue, command("EnableNTP(1,r)")},  // is written
             {&host.onDelivery, [this] { return Collect(); }},
             {&link.onCall, command("STRSHA256(t,r)")},
             {&link.onCall, [this] { return device->WriteChannel(32, DATATYPE_INTEGER, &zero); }},
@@ -398,10 +400,11 @@ TEST_F(Device, FinishesTheOperationOfACancelledThread) {
     bool ended = true;
     FakeLink link;  // the host has a turn before
     device->UpdataCommunication(&link);
-    ASSERT_EQ(Init(), 0);
     RunInAThread([&] {
         ::pthread_cancel(::pthread_self());
-        result = device->DevIOCtrl("GetMemUse(11)");  // opens and reads
+        const int started = Init();
+        const int read = device->DevIOCtrl("GetMemUse(11)");  // opens and reads
+        result = started | read | device->CleanupDevice();
         ::pthread_testcancel();
         ended = false;
     });

@@ -196,18 +196,18 @@ TEST_F(Interfaces, TellTheirNameAndMacAddress) {
         const char* name;
         const char* mac;
     } cases[] = {
-        {"0,name", -5, "", ""},
-        {"-1,name, mac ", -5, "", ""},
-        {"3,name, mac ", -5, "", ""},
-        {"2,name, mac ", -17, "", ""},  // the platform refuses it
+        {"0,name", -5, "-", "-"},
+        {"-1,name, mac ", -5, "-", "-"},
+        {"3,name, mac ", -5, "-", "-"},
+        {"2,name, mac ", -17, "-", "-"},  // the platform refuses it
         {"0,name, mac ,more", 0, "eth0", "AA:BB:CC:DD:EE:0F"},
-        {"0,name,mac", 0, "eth0", ""},  // pieces are not trimmed; the write is not looked at
+        {"0,name,mac", 0, "eth0", "-"},  // pieces are not trimmed; the write is not looked at
         {"text,name, mac ", 0, "eth0", "AA:BB:CC:DD:EE:0F"},  // unreadable index: 0
         {",name, mac ", 0, "eth0", "AA:BB:CC:DD:EE:0F"},      // an empty one as well
-        {"1,name, mac ", -17, "nnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnn", ""},
+        {"1,name, mac ", -17, "nnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnn", "-"},
     };
     for (const auto& c : cases) {
-        host.texts["name"] = host.texts[" mac "] = "";
+        host.texts["name"] = host.texts[" mac "] = "-";
         EXPECT_EQ(GetMacInfo(record, c.args), c.result) << c.args;
         EXPECT_EQ(host.texts["name"], c.name) << c.args;
         EXPECT_EQ(host.texts[" mac "], c.mac) << c.args;

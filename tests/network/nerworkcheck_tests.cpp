@@ -62,6 +62,7 @@ TEST(ResolverText, NamesItsServers) {
 
 TEST_F(ReachCheck, PingsTheFirstNameServer) {
     writeFile("/etc/resolv.conf", "nameserver 127.0.0.53 # first\nnameserver 192.0.2.1\n");
+    writeFile("/etc/resolv.conf.tmp", "nameserver\n");  // somebody is writing the next one
     EXPECT_TRUE(pingNetWork(false));
     EXPECT_EQ(Runs("ping\t-c 1 -W 2 127.0.0.53\n"), 1);
     EXPECT_EQ(readFile("/tmp/ping.sh"),
@@ -134,6 +135,12 @@ TEST_F(ReachCheck, WritesAndRunsOnlyItsOwnFiles) {
     EXPECT_FALSE(pingNetWork(true));
     g_systemCalls.diskFull = false;
     EXPECT_EQ(Runs("ping"), before);
+    const int next = ::dup(0);
+    ::close(next);
+    {
+        const DescriptorLimit few(next + 2);  // for lock and script, not for the shell's pipes
+        EXPECT_FALSE(pingNetWork(true));
+    }
 
     for (const char* lock : {HXDCTRL::dnsFileLockPath, NerworkCheck::pingLckPath}) {
         const int pings = Runs("ping");

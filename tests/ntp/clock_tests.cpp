@@ -198,8 +198,9 @@ TEST_F(PanelClock, ThatIsSetMeanwhileMakesTheServerBeAskedOnceMore) {
         int firstMs;                   // until the first is answered
         int result, requests;
     } cases[] = {
-        {"not set", {0}, 0, 0, 1},
-        {"once, forward", {3600, 3600}, 0, 0, 2},
+        {"not set", {0, 0}, 500, 0, 1},
+        {"not set in the other half of a second", {0, 0}, 500, 0, 1},
+        {"once, forward", {2, 2}, 0, 0, 2},
         {"once, back", {-2, -2}, 0, 0, 2},
         {"twice", {-5, 5, 5}, 0, 10, 2},
         {"before the second attempt", {3600, 3600, 3600}, 2100, 0, 3},

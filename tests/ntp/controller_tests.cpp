@@ -399,18 +399,22 @@ TEST_F(TimeControl, FailsWithoutThreadsAndGoesOnLater) {
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 TEST_F(TimeControl, FailsWithoutMemory) {
     NtpCtrl& control = StartOnDemand({"127.0.0.11"});
-    faulty_memory::Refuse(1);
-    EXPECT_EQ(control.execNtp(), RESULT_TIME_SYNC_FAILED);
-    EXPECT_TRUE(faulty_memory::Stop());
+    NerworkCheck::pingNetWork(true);  // Qt 4 starts a thread with the first process
+    for (const auto refuse : {faulty_memory::Refuse, faulty_memory::RefuseOthers}) {
+        refuse(1);
+        EXPECT_EQ(control.execNtp(), RESULT_TIME_SYNC_FAILED);
+        EXPECT_TRUE(faulty_memory::Stop()) << "its own, or its worker's";
+    }
     Stop();
-    int result = EAI_MEMORY, refusals = 0;
+    int result = 0, before = 0, refusals = 0;
     while (refusals == 0 || faulty_memory::Stop()) {  // of the look-up's own thread
         std::vector<sockaddr_in> addresses;
         faulty_memory::RefuseOthers(++refusals);
+        before = result;
         result = LookUpName("localhost", -1, addresses);
         EXPECT_TRUE(result != 0 || !addresses.empty()) << refusals;
     }
     EXPECT_EQ(result, 0);
-    EXPECT_GT(refusals, 1);
+    EXPECT_EQ(before, EAI_MEMORY) << "the last refusal is the list's";
 }
 #endif

@@ -151,9 +151,9 @@ TEST(Wear, OfEmmcFollowsWhatTheDeviceReports) {
     }
     EXPECT_EQ(wear::SectorsWritten(Lines("179 0 mmcblk0 1 2 3 4 5 6 70\n"
                                          "179 1 mmcblk0p1 1 2 3 4 5 6 5000 8 9\n"
-                                         "179 0 mmcblk0 1 2 3 4 5 6\n"  // too short to count
                                          "179 0 mmcblk0gp0 1 2 3 4 5 6 900 8 9\n"
-                                         " 179   0 mmcblk0 1 2 3 4 5 6 90000000000 8 9")),
+                                         " 179   0 mmcblk0 1 2 3 4 5 6 90000000000 8 9\n"
+                                         "179 0 mmcblk0 1 2 3 4 5 6")),  // too short to count
               90000000900);
     EXPECT_EQ(wear::SectorsWritten({}), 0);
 }
@@ -256,7 +256,7 @@ TEST_F(EmmcHealth, IsUnknownWhileAnAttributeIsMissingOrAmbiguousOrThreadsAre) {
     const std::string second = Attribute("erase_size", "mmc0:0002");
     ::unlink(eraseSize.c_str());
     EXPECT_FALSE(disk->init());
-    writeFile(eraseSize, "524288\n");
+    writeFile(eraseSize, "131072\n");
     ASSERT_EQ(::mkdir(Attribute("", "mmc0:0002").c_str(), 0755), 0);
     writeFile(second, "512\n");
     EXPECT_FALSE(disk->init());
@@ -266,8 +266,12 @@ TEST_F(EmmcHealth, IsUnknownWhileAnAttributeIsMissingOrAmbiguousOrThreadsAre) {
     g_systemCalls.threads = 0;
     EXPECT_FALSE(disk->init());
     g_systemCalls.threads = -1;
+    SetWritten(0);
+    writeFile("/sys/class/block/mmcblk0/size", "");
     ASSERT_TRUE(Init());
     EXPECT_EQ(disk->getDiskLifeTime(), wear::LIFE_UNKNOWN);
+    SetWritten(1);
+    EXPECT_EQ(GearNow(), 4) << "without a size nothing is allowed";
 }
 
 TEST_F(NandHealth, MountsDebugfsForEachCountOnly) {

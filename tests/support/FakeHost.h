@@ -20,6 +20,7 @@ public:
     std::function<void()> onDelivery = [] {};
     std::function<void()> onParameter = [] {};  // when a parameter's type is asked
     std::string asked;                          // its name
+    std::function<void()> onValue = [] {};      // when a parameter is read or written
     int status = 0;                             // of every call
 
     int GetParamType(const char* name, DATATYPE* type) override {
@@ -77,6 +78,7 @@ public:
 private:
     template <class VALUE>
     int Get(const std::map<std::string, VALUE>& values, const char* name, VALUE& value) {
+        onValue();
         const auto found = values.find(name);
         if (found == values.end())
             return -1;
@@ -85,6 +87,7 @@ private:
     }
     template <class VALUE>
     int Set(std::map<std::string, VALUE>& values, const char* name, const VALUE& value) {
+        onValue();
         values[name] = value;
         return status;
     }

@@ -67,7 +67,7 @@ int flock(int fd, int operation) noexcept {
 int poll(pollfd* fds, nfds_t nfds, int timeout) {
     if (g_systemCalls.pollFails) {
         errno = ENOMEM;
-        return -1;
+        return timeout > 60000 ? 0 : -1;  // what waits for minutes has waited
     }
     return IsInterrupted() ? -1 : Next<decltype(&poll)>("poll")(fds, nfds, timeout);
 }
