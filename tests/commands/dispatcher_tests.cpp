@@ -95,7 +95,7 @@ TEST_F(Dispatch, SizesTheArraysAndLeavesEmptyOnesAlone) {
     record.m_arrValue.RemoveAll();
     CString cmd = "REFLESH()";
     context.m_bRefreshed[0] = 1;
-    olma_device::SvrDevIOCtrl(record, cmd, record.m_arrValue, record.m_arrStrValue);
+    EXPECT_EQ(olma_device::SvrDevIOCtrl(record, cmd, record.m_arrValue, record.m_arrStrValue), 0);
     EXPECT_EQ(record.m_arrValue.GetSize(), 0);
     EXPECT_EQ(context.m_bRefreshed[0], 1);
 }
@@ -441,9 +441,11 @@ TEST_F(Screenshots, GoNowhereElseThanToTheStick) {
     Save("$OLMA_DIR_USR/link/b.png", ",5");  // nothing to save
     EXPECT_EQ(readFile("/tmp/target/b.png"), before);
     Save("$OLMA_DIR_USR/link/b.unknown");
+    ASSERT_EQ(::mkdir("/tmp/target/c.bmp", 0755), 0);
+    Save("$OLMA_DIR_USR/link/c.bmp");  // a folder is not replaced
     EXPECT_EQ(QDir(QLatin1String("/tmp/target")).entryList(QDir::AllEntries | QDir::Hidden).size(),
-              2 + 2)
-        << "a.bmp and b.png, and nothing half-written";
+              3 + 2)
+        << "a.bmp, b.png and c.bmp, and nothing half-written";
 }
 
 TEST_F(Screenshots, NeverRunWhatAPathHolds) {

@@ -270,6 +270,7 @@ TEST_F(Settings, KeepModeTimeLinksAndForeignKeys) {
     const struct timespec written = StatusOf(FILE_NAME).st_mtim;
     EXPECT_GT(std::make_pair(written.tv_sec, written.tv_nsec),
               std::make_pair(future[1].tv_sec, future[1].tv_nsec));
+    EXPECT_GT(StatusOf(FILE_NAME).st_atime, 1500000000) << "left alone";
     EXPECT_EQ(readFile(FILE_NAME), "[DEVICE]\nbacklight_duration=1\n\n" + foreign);
     const struct timespec past[] = {{1000000000, 0}, {1000000000, 0}};
     ASSERT_EQ(::utimensat(AT_FDCWD, FILE_NAME, past, 0), 0);
@@ -401,6 +402,14 @@ TEST_F(Settings, AreReadWithDefaultsAndRefuseEmptyNames) {
     Write(OWN_KEY[0], QString(QChar(0xD83D)));  // half a character, which no codec can hold
     EXPECT_EQ(Read(OWN_KEY[0]), text);
     EXPECT_NE(readFile(FILE_NAME).find("[DEVICE]"), std::string::npos);
+
+    const int input = ::dup(0);
+    ::close(0);  // a host need not have a standard input
+    Write(OWN_KEY[1], QLatin1String("1"));
+    EXPECT_EQ(Read(OWN_KEY[1]), QLatin1String("1"));
+    EXPECT_EQ(::fcntl(0, F_GETFD), -1) << "left open";
+    ::dup2(input, 0);
+    ::close(input);
 }
 
 // The same bytes mean something else in another codec, and a text that was there before is read
@@ -446,6 +455,14 @@ TEST(LockFile, IsExclusiveBetweenOpeners) {
     EXPECT_FALSE(read) << "settings are read under their lock";
     ::flock(other.Descriptor(), LOCK_UN);
     reader.join();
+    ::flock(other.Descriptor(), LOCK_EX);
+    std::thread holder([&] {
+        ::usleep(50000);
+        ::flock(other.Descriptor(), LOCK_UN);
+    });
+    const std::atomic<bool> wanted{true};
+    EXPECT_TRUE(HXDCTRL::FileLocker(lock, wanted).IsHeld());
+    holder.join();
     struct stat status = {};
     ASSERT_EQ(::stat(hxd::appCfgLckPath, &status), 0);
     EXPECT_EQ(status.st_mode & 0777, 0755u);  // 0777 less the umask
@@ -504,12 +521,14 @@ TEST(File, ReadsWholeFilesOfEveryKind) {
     EXPECT_EQ(file.LastError(), EISDIR);
     EXPECT_FALSE(file.open("/tmp/none", O_RDONLY));
     EXPECT_FALSE(file.IsOpen());
-    HXDCTRL::File closed, other;
+    HXDCTRL::File closed, other, third;
     char byte = 0;
     EXPECT_FALSE(closed.seek(0));
     EXPECT_EQ(closed.LastError(), EBADF);
     EXPECT_EQ(other.Read(&byte, 1), 0u);
     EXPECT_EQ(other.LastError(), EBADF);
+    EXPECT_FALSE(third.Write("x"));
+    EXPECT_EQ(third.LastError(), EBADF);
     EXPECT_FALSE(HXDCTRL::File::is_file_exist("/tmp"));
     EXPECT_TRUE(HXDCTRL::File::is_file_exist("/tmp/content"));
 }

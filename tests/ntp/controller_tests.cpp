@@ -2,6 +2,7 @@
 #include "Adversity.h"
 #include "FaultyMemory.h"
 #include "SystemCalls.h"
+#include "commands/ChannelWrite.h"
 #include "common/QtText.h"
 #include "network/NerworkCheck.h"
 #include "ntp/NameLookup.h"
@@ -62,7 +63,7 @@ TEST_F(TimeControl, CommandsSetWhatIsInRange) {
     EXPECT_EQ(host.ints["r"], 5);
     EXPECT_EQ(execSameCtrl(record, "1,nobody", static_cast<NTP_CTRL_TYPE>(-1)), -4);
 
-    EXPECT_EQ(control.setNtpServer(QLatin1String("b"), 1), 0);
+    EXPECT_EQ(mfDevIOWriteChannel(record, "16=b"), 0);
     EXPECT_EQ(control.setNtpServer(QString(), 4), -4);
     EXPECT_EQ(control.setNtpServer(QString(), -1), -4);
 
@@ -394,6 +395,8 @@ TEST_F(TimeControl, FailsWithoutThreadsAndGoesOnLater) {
     EXPECT_EQ(Exec(), 0);
     g_systemCalls.interrupts = false;
     EXPECT_EQ(server.Requests(), 2);
+    EXPECT_EQ(CDevBas::SetNtpMode(record, "1"), 0);
+    EXPECT_TRUE(WaitFor([&] { return server.Requests() > 2; })) << "its own thread goes on, too";
 }
 
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)

@@ -87,7 +87,7 @@ ssize_t write(int fd, const void* buf, size_t n) {
     }
     const size_t most = g_systemCalls.interrupts ? (n + 1) / 2 : n;
     const ssize_t count = IsInterrupted() ? -1 : Next<decltype(&write)>("write")(fd, buf, most);
-    if (count > 0)
+    if (count > 0 && ::fcntl(fd, F_GETFD) == FD_CLOEXEC)
         g_systemCalls.written += count;
     return count;
 }

@@ -13,7 +13,7 @@ struct SystemCalls {
     // all.
     std::atomic<bool> interrupts{false};
     std::atomic<bool> diskFull{false};  // for every write()
-    std::atomic<long long> written{0};  // bytes, by every write()
+    std::atomic<long long> written{0};  // bytes, by every write() to what no child inherits
     std::atomic<bool> flushes{true};    // false: "fsync" and "sync" do nothing
     std::atomic<bool> pollFails{false};
     std::atomic<int> chownError{0};     // of every fchown(); 0: none
