@@ -299,7 +299,7 @@ protected:
             {&host.onParameter, command("SetNetworkMode(n,n,r)")},
             {&host.onParameter, command("EnableNTP(n,r)")},
             {&host.onParameter, command("ReadAppLog(n,n,t,s)")},
-            {&host.onValue, command("EnableNTP(n,r)")},  // is read
+            {&host.onValue, command("EnableNTP(n)")},    // is read
             {&host.onValue, command("EnableNTP(1,r)")},  // is written
             {&host.onDelivery, [this] { return Collect(); }},
             {&link.onCall, command("STRSHA256(t,r)")},
