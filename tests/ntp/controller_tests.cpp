@@ -399,10 +399,10 @@ TEST_F(TimeControl, FailsWithoutThreadsAndGoesOnLater) {
     EXPECT_TRUE(WaitFor([&] { return server.Requests() > 2; })) << "its own thread goes on, too";
 }
 
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+// Qt 4.8 ends where it has no memory for a message.
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) && QT_VERSION >= 0x050000
 TEST_F(TimeControl, FailsWithoutMemory) {
     NtpCtrl& control = StartOnDemand({"127.0.0.11"});
-    NerworkCheck::pingNetWork(true);  // Qt 4 starts a thread with the first process
     for (const auto refuse : {faulty_memory::Refuse, faulty_memory::RefuseOthers}) {
         refuse(1);
         EXPECT_EQ(control.execNtp(), RESULT_TIME_SYNC_FAILED);
