@@ -43,6 +43,12 @@ const char* const PING_SCRIPT =
 // A process group of its own, so that the ping goes with its shell.
 class Shell : public QProcess {
 public:
+    // Where memory ran out before anything was started, the base class would wait for half a
+    // minute.
+    ~Shell() override {
+        if (state() == Starting && hxd::ProcessId(*this) == 0)
+            setProcessState(NotRunning);
+    }
     // Leaves nothing behind: a QProcess that is destroyed while it runs says so on standard error.
     void KillAndWait() {
         const qint64 group = hxd::ProcessId(*this);

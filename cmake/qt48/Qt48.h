@@ -478,6 +478,7 @@ public:
     void terminate();
 
 protected:
+    void setProcessState(ProcessState state);
     virtual void setupChildProcess();
 };
 
