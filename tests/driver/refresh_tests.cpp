@@ -64,7 +64,7 @@ TEST_F(Refresh, InitialisesTheStorageManagerUntilThatWorksAndThenRefreshesIt) {
         const char* calls;
         double life, gear;
     } rounds[] = {{"i", -1, -1}, {"ii", -1, -1}, {"iii", 77, 2}, {"iiir?!", 77, 2}};
-    sim::SimPanel::Instance().HoldClock();
+    sim::SimPanel::Instance().RunClock(1.0);
     for (const auto& round : rounds) {
         Run();
         EXPECT_EQ(calls, round.calls);
