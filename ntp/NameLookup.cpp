@@ -21,8 +21,9 @@ namespace {
 constexpr int MOST_LOOK_UPS = 32;
 std::atomic<int> g_lookUps{0};
 
-// Name servers that do not answer end sooner. The C library's own lock does not: its first look-up
-// keeps it when it finds no memory, and every later one waits for it.
+// Silent name servers take less, unless the resolver's file asks for more. What never ends is the C
+// library's own lock: its first look-up keeps it when it finds no memory, and every later one
+// waits.
 constexpr int LONGEST_MS = 10 * 60 * 1000;
 
 // Of the thread that looks up and of the one that waits for it; released by the last of them.

@@ -58,7 +58,14 @@ constexpr int NO_OPERATION = -1;
 
 DevManger::DevManger() : m_pTools(new ToolsBase), m_pOpearDb(new DevLinuxOpearDb) {}
 
-DevManger::~DevManger() = default;
+// The providers go in the order of their keys, which the map's own end would not keep, then the
+// parser and the helper.
+DevManger::~DevManger() {
+    while (!m_providers.empty())
+        m_providers.erase(m_providers.begin());
+    m_pTools.reset();
+    m_pOpearDb.reset();
+}
 
 void DevManger::DevRegiter(DEVSYSOPEAR operation) {
     if (m_providers.count(operation) == 0)
