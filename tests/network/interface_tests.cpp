@@ -408,6 +408,16 @@ TEST_F(NetworkMode, AnswersBeforeItIsIdle) {
     WaitFor(NetworkTask::STATE_IDLE);
     g_onAnswered = nullptr;
     EXPECT_EQ(again, NetworkTask::REQUEST_BUSY);
+    again = -99;
+    int result = 0;
+    g_onReceived = [&] {  // idle, and the reply is not yet taken
+        WaitFor(NetworkTask::STATE_IDLE);
+        if (again.exchange(0) == -99)
+            again = context.m_pNetworkTask->Execute(0, 0, result);
+    };
+    EXPECT_EQ(context.m_pNetworkTask->Execute(0, 1, result), NetworkTask::REQUEST_DONE);
+    g_onReceived = nullptr;
+    EXPECT_EQ(again, NetworkTask::REQUEST_BUSY);
 }
 
 TEST_F(NetworkMode, ATaskThatHasFailedTakesNoMoreRequests) {

@@ -109,6 +109,7 @@ public:
     }
     long Steps() const { return m_steps; }
     static long Synchronisations() { return m_synchronisations; }
+    static long Starts() { return m_starts; }
 
 private:
     void Create() {
@@ -118,6 +119,7 @@ private:
     }
     void Init() {
         const unsigned char blob[] = {2, 0, 0, 0, 1, 0, 0, 0, 200, 0, 0, 0};
+        ++m_starts;
         Check(m_device->InitDevice(blob, sizeof blob) == 0, "the start has failed");
         for (const char* command :
              {"SetNTPServer(server,,,)", "SetNTPFreq(one)", "SetNTPMode(one)", "EnableNTP(one)"})
@@ -151,8 +153,10 @@ private:
     std::minstd_rand m_random;
     std::atomic<long> m_steps{0};
     static std::atomic<long> m_synchronisations;  // that were asked for, by all
+    static std::atomic<long> m_starts;            // of devices, by all
 };
 std::atomic<long> Host::m_synchronisations{0};
+std::atomic<long> Host::m_starts{0};
 
 // The other process that shares the settings: the GUI of a panel, in short.
 int BeNeighbour() {

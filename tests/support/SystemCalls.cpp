@@ -16,6 +16,7 @@
 #include <cerrno>
 #include <new>
 #include <thread>
+#include <utility>
 
 SystemCalls g_systemCalls;
 
@@ -61,6 +62,8 @@ void sync() noexcept {
 }
 
 int flock(int fd, int operation) noexcept {
+    if (g_systemCalls.onLock)
+        std::exchange(g_systemCalls.onLock, nullptr)();
     return IsInterrupted() ? -1 : Next<decltype(&flock)>("flock")(fd, operation);
 }
 
