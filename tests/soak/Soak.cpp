@@ -259,6 +259,9 @@ int Run(int seconds, pid_t neighbour) {
     // One that is asked for makes two requests at most.
     const long byThemselves = server.Requests() - 2 * Host::Synchronisations();
     Check(byThemselves > seconds / 10, "synchronisations are missing", byThemselves);
+    // Each start and each hour of each device, likewise.
+    const long due = Host::Starts() + 3 * static_cast<long>(seconds * CLOCK_SPEED / 3600);
+    Check(byThemselves <= 2 * due, "more synchronisations than are due", byThemselves);
     ntpCfgParam time;
     time.ReadCfg();
     Check(time.ntpSwitch == 1 && time.freq == 1, "a time setting was lost", time.freq);
