@@ -383,8 +383,8 @@ TEST(ScratchFolder, IsRemovedByOthersOnlyWhenItsOwnerIsDead) {
     EXPECT_EQ(StatusOf(second.Path().c_str()).st_mode, S_IFDIR | 0700u);
     EXPECT_EQ(::access("/tmp/.x.hxd-DEAD00", F_OK), -1);
     EXPECT_EQ(::access("/etc/iot_cfg", F_OK), 0);
-    g_systemCalls.onLock = [] { const hxd::ScratchFolder takesItForAbandoned("/tmp/x"); };
-    EXPECT_EQ(::access(hxd::ScratchFolder("/tmp/x").Path().c_str(), F_OK), 0) << "made again";
+    g_systemCalls.onLock = [] { const hxd::ScratchFolder takesItForAbandoned("/tmp/z"); };
+    EXPECT_EQ(::access(hxd::ScratchFolder("/tmp/z").Path().c_str(), F_OK), 0) << "made again";
     const DescriptorLimit none(0);
     EXPECT_EQ(::access(hxd::ScratchFolder("/tmp/y").Path().c_str(), F_OK), -1)
         << "not to be locked";
