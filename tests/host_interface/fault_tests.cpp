@@ -36,8 +36,10 @@ namespace {
 
 constexpr const char* SETTINGS = "/usr/olma_app/config/olma_app_conf.ini";
 constexpr const char* TIME_SETTINGS = "/usr/olma_app/config/ntp_param_cfg.ini";
+constexpr char OLD_SETTINGS[] =
+    "[DEVICE]\nbuzz_duration=30\nbacklight_status=1\n[OTHER]\nkey=kept\n";
 constexpr int OLD_VALUE = 30;
-constexpr int NEW_VALUE = 77;
+constexpr int NEW_VALUE = 777;
 constexpr int LAST_VALUE = 40;  // when all is well again
 const unsigned char PARAMETERS[] = {2, 0, 0, 0, 1, 0, 0, 0, 200, 0, 0, 0};
 
@@ -241,9 +243,9 @@ const std::vector<Fault>& AllFaults() {
              Refuse(refusals, EROFS);
          },
          nullptr},
-        {"unreadable",
+        {"unreadable settings",  // their copy, which is longer, can be read
          [] {
-             Refuse({{SYS_read, 0, 0, 0, true}}, EIO);
+             Refuse({{SYS_read, 2, UINT_MAX, sizeof OLD_SETTINGS - 1, true}}, EIO);
          },
          nullptr},
 #endif
@@ -263,9 +265,7 @@ protected:
         Restore();
     }
 
-    static void Restore() {
-        writeFile(SETTINGS, "[DEVICE]\nbuzz_duration=30\nbacklight_status=1\n[OTHER]\nkey=kept\n");
-    }
+    static void Restore() { writeFile(SETTINGS, OLD_SETTINGS); }
     // What other programs keep in the file is still there, and the setting is one that was written.
     static bool IsWhole() {
         const std::string text = readFile(SETTINGS);
