@@ -10,6 +10,7 @@
 #include <climits>
 #include <cstdio>
 #include <cstring>
+#include <map>
 #include <vector>
 
 namespace {
@@ -81,17 +82,24 @@ FuzzDevice::FuzzDevice() {
 
 FuzzDevice& FuzzDevice::Fresh(Input& input) {
     static FuzzDevice& made = *new FuzzDevice;
-    made.host.ints = {{"i", 1}, {"zero", 0}, {"minus", -1}, {"most", INT_MAX}, {"r", 99}};
-    made.host.doubles = {{"d", 1.5}, {"huge", 1e300}, {"nan", 0.0 / 0.0}};
-    made.host.texts = {{"t", "text"},      {"empty", ""},
-                       {"n", "5"},         {"long", std::string(5000, 'a')},
-                       {"ip", "10.1.2.3"}, {"path", "$OLMA_DIR_USR/a b/x.png"}};
+    static const std::map<std::string, int> ints = {
+        {"i", 1}, {"zero", 0}, {"minus", -1}, {"most", INT_MAX}, {"r", 99}};
+    static const std::map<std::string, double> doubles = {
+        {"d", 1.5}, {"huge", 1e300}, {"nan", 0.0 / 0.0}};
+    static const std::map<std::string, std::string> texts = {
+        {"t", "text"},      {"empty", ""},
+        {"n", "5"},         {"long", std::string(5000, 'a')},
+        {"ip", "10.1.2.3"}, {"path", "$OLMA_DIR_USR/a b/x.png"}};
+    made.host.ints = ints;
+    made.host.doubles = doubles;
+    made.host.texts = texts;
     made.host.onParameter = made.host.onDelivery = made.link.onCall = [] {};
     made.host.status = 0;
     made.link.deviceName.clear();
+    static const sim::PanelState asMade;
     std::size_t broken = 0;
     sim::SimPanel::Instance().Change([&](sim::PanelState& state) {
-        state = sim::PanelState();
+        state = asMade;
         broken = BreakThePlatform(input, state);
     });
     if (broken == A_DAY_LATER)

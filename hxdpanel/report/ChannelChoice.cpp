@@ -46,13 +46,22 @@ bool Abbreviates(const Parts& typed, const Parts& name) {
     return next == typed.size();
 }
 
+// By the channels' numbers; the first is nobody's.
+std::vector<Parts> PartsOfAllNames() {
+    std::vector<Parts> names(1);
+    for (int number = 1; number <= CHANNEL_COUNT; ++number)
+        names.push_back(PartsOf(FindChannel(number)->name));
+    return names;
+}
+
 // The channel of that very name alone, else all that the word abbreviates.
 std::vector<const ChannelRow*> Matching(const std::string& word) {
+    static const std::vector<Parts> names = PartsOfAllNames();
     const Parts typed = PartsOf(word);
     std::vector<const ChannelRow*> rows;
     for (int number = 1; number <= CHANNEL_COUNT && !typed.empty(); ++number) {
+        const Parts& name = names[static_cast<std::size_t>(number)];
         const ChannelRow* const row = FindChannel(number);
-        const Parts name = PartsOf(row->name);
         if (typed == name)
             return {row};
         if (Abbreviates(typed, name))

@@ -73,7 +73,8 @@ SimPanel& SimPanel::Instance() {
 }
 
 void SimPanel::Reset() {
-    Change([](PanelState& state) { state = PanelState(); });
+    static const PanelState asMade;
+    Change([](PanelState& state) { state = asMade; });
     m_clock.Run();
 }
 

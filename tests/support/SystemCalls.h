@@ -9,7 +9,7 @@
 // As long as nothing is set, everything goes its usual way.
 struct SystemCalls {
     std::function<void(const std::string& call)> onFlush;  // before each "fsync" and "sync"
-    std::function<void()> onLock;  // before the next flock()
+    std::function<void()> onLock;                          // before the next flock()
     // Fifteen of sixteen write(), flock(), fsync() and poll() are interrupted, and no write() takes
     // all.
     std::atomic<bool> interrupts{false};
