@@ -138,7 +138,8 @@ void faulty_memory::TellQtsEnds() {
     g_judges = true;
 }
 
-// NOLINTBEGIN(readability-identifier-naming): the C library's
+// The C library's names.
+// NOLINTBEGIN(readability-identifier-naming,readability-inconsistent-declaration-parameter-name)
 #pragma GCC visibility push(default)
 extern "C" {
 
@@ -157,6 +158,6 @@ void* realloc(void* block, std::size_t size) noexcept {
 }
 }
 #pragma GCC visibility pop
-// NOLINTEND(readability-identifier-naming)
+// NOLINTEND(readability-identifier-naming,readability-inconsistent-declaration-parameter-name)
 
 #endif
