@@ -19,6 +19,7 @@ function(hxd_unite)  # TARGET...
     endforeach()
 endfunction()
 
+# Folders of the same name stay apart by the prefix.
 function(hxd_unite_folders target prefix)  # SOURCE..., with its path
     foreach(source ${ARGN})
         get_filename_component(group ${source} DIRECTORY)

@@ -73,7 +73,7 @@ SimPanel& SimPanel::Instance() {
 }
 
 void SimPanel::Reset() {
-    static const PanelState asMade;
+    static const PanelState& asMade = *new PanelState;  // for threads, like the panel itself
     Change([](PanelState& state) { state = asMade; });
     m_clock.Run();
 }
